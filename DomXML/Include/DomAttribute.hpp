@@ -1,0 +1,39 @@
+#pragma once
+
+#include "DomFactory.hpp"
+#include "rapidxml/rapidxml.hpp"
+
+namespace libDomXml {
+
+/// An attribute of a DOM element: a record of the XML core that knows its pool.
+///
+/// Lives in its document's pool until the document goes, also after it has been removed.
+class DomAttribute : public rapidxml::xml_attribute<char> {
+ public:
+  explicit DomAttribute(IMemoryPool* pool) : domFactory_(pool) {}
+
+  /// Pool objects are not freed one by one.
+  static void operator delete(void* /*memory*/) {}
+  static void* operator new(std::size_t /*size*/, void* place) { return place; }
+
+  /// The name, or "" when unset.
+  const char* getTagName() const { return name(); }
+  /// The value, or "" when unset.
+  const char* getValue() const { return value(); }
+
+  /// Copies the text into the pool and takes the copy, unless it equals the current one. The text
+  /// may be the attribute's own. Null counts as "".
+  void setTagName(const char* name);
+  void setValue(const char* value);
+
+  /// A detached copy in the same pool, or in `pool`. Unset texts become "".
+  DomAttribute* clone() const;
+  DomAttribute* clone(IMemoryPool* pool) const;
+
+  const DomFactory* getDomFactory() const { return &domFactory_; }
+
+ private:
+  DomFactory domFactory_;
+};
+
+}  // namespace libDomXml

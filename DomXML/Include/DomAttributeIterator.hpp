@@ -1,0 +1,34 @@
+#pragma once
+
+#include "DomAttribute.hpp"
+
+namespace libDomXml {
+
+/// Walks all attributes of one element, in both directions.
+///
+/// A value that borrows the attribute. Null is the end; a step from the end, or a look at it, is an
+/// assertion ("attribute").
+class DomAttributeIterator {
+ public:
+  explicit DomAttributeIterator(DomAttribute* attribute) : attribute_(attribute) {}
+
+  /// The current attribute, null at the end.
+  DomAttribute* get() const { return attribute_; }
+  DomAttribute& operator*() const;
+  DomAttribute* operator->() const;
+
+  DomAttributeIterator& operator++();
+  DomAttributeIterator operator++(int);
+  DomAttributeIterator& operator--();
+  DomAttributeIterator operator--(int);
+
+  bool operator==(const DomAttributeIterator& other) const {
+    return attribute_ == other.attribute_;
+  }
+  bool operator!=(const DomAttributeIterator& other) const { return !(*this == other); }
+
+ private:
+  DomAttribute* attribute_;
+};
+
+}  // namespace libDomXml

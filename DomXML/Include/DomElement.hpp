@@ -1,0 +1,66 @@
+#pragma once
+
+#include "DomFactory.hpp"
+#include "IDomElement.hpp"
+#include "rapidxml/rapidxml.hpp"
+
+namespace libDomXml {
+
+/// An element of a DOM tree that is at the same time the node record of the XML core.
+///
+/// Lives in its document's pool until the document goes, also after it has been removed from the
+/// tree. Linking objects of different pools, or one that is linked already, is an assertion.
+class DomElement : public IDomElement, public rapidxml::xml_node<char> {
+ public:
+  explicit DomElement(IMemoryPool* pool);
+
+  /// Pool objects are not freed one by one.
+  static void operator delete(void* /*memory*/) {}
+  static void* operator new(std::size_t /*size*/, void* place) { return place; }
+
+  /// Keeps the node kind; `clone(pool)` makes an element whatever the kind is. Does not recurse on
+  /// the depth of the tree.
+  IDomElement* clone() const override;
+  IDomElement* clone(IMemoryPool* pool) const override;
+
+  const char* getTagName() const override;
+  void setTagName(const char* name) override;
+  const char* getValue() const override;
+  void setValue(const char* value) override;
+  const char* getAttribute(const char* name) const override;
+  const char* getAttribute(const char* name, const char* defaultValue) const override;
+  DomAttributeIterator getAttributeIter(const char* name) const override;
+  void setAttribute(const char* name, const char* value) override;
+  void addAttribute(DomAttribute* newDomAttribute) override;
+  bool removeAttribute(const char* name) override;
+  DomAttributeIterator getFirstAttribute(const char* name) const override;
+  DomAttributeIterator getLastAttribute(const char* name) const override;
+  IDomElement* nextSibling(const char* name) const override;
+  IDomElement* previousSibling(const char* name) const override;
+  IDomElement* getFirstChild(const char* name) const override;
+  IDomElement* getLastChild(const char* name) const override;
+  void insertChild(IDomElement* child, IDomElement* where) override;
+  void addChild(IDomElement* child) override;
+  bool removeChild(IDomElement* child) override;
+  bool hasChildren() const override;
+  bool hasAttributes() const override;
+  IDomElement* getParent() const override;
+  IDomDocument* getDocument() const override;
+
+  const DomFactory* getDomFactory() const { return &domFactory_; }
+
+  /// Moves name, value and attributes into the pool, so that the element outlives the text that it
+  /// was parsed from.
+  void moveTextsIntoPool();
+
+ protected:
+  /// Adds copies of the attributes to `target`, in the target's pool.
+  void copyAttributesTo(DomElement& target) const;
+
+  DomFactory domFactory_;
+
+ private:
+  DomElement* linkable(IDomElement* child) const;
+};
+
+}  // namespace libDomXml

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+
+namespace libDomXml {
+
+/// Copies document text before it is parsed, and may leave parts of it out.
+class IStripper {
+ public:
+  virtual ~IStripper() = default;
+
+  /// Copies from `text`, which holds `length` characters, to `destination`, which has room for as
+  /// many and a terminator. Returns the number of characters written, at most `length`.
+  virtual std::size_t copy(char* destination, const char* text, std::size_t length) = 0;
+};
+
+}  // namespace libDomXml

@@ -1,0 +1,190 @@
+#include "DomElement.hpp"
+
+#include <cstring>
+#include <typeinfo>
+
+#include "DomDocument.hpp"
+#include "copyTree.hpp"
+
+namespace libDomXml {
+
+namespace {
+
+// Every node below a document is a DomElement.
+DomElement* toElement(rapidxml::xml_node<char>* node) { return static_cast<DomElement*>(node); }
+
+DomAttribute* toAttribute(rapidxml::xml_attribute<char>* attribute) {
+  return static_cast<DomAttribute*>(attribute);
+}
+
+DomElement* copyWithoutChildren(const DomElement& source, IMemoryPool* pool,
+                                rapidxml::node_type type) {
+  return DomFactory(pool).allocateNode(type, source.getTagName(), source.getValue(), 0, 0);
+}
+
+}  // namespace
+
+DomElement::DomElement(IMemoryPool* pool)
+    : rapidxml::xml_node<char>(rapidxml::node_element), domFactory_(pool) {}
+
+IDomElement* DomElement::clone() const {
+  const auto copyOne = [this](const DomElement& source) {
+    // Other classes of element know themselves how they are copied.
+    if (&source != this && typeid(source) != typeid(DomElement)) {
+      return ElementCopy{dynamic_cast<DomElement*>(source.clone()), false};
+    }
+    DomElement* const copy =
+        copyWithoutChildren(source, source.domFactory_.getMemoryPool(), source.type());
+    source.copyAttributesTo(*copy);
+    return ElementCopy{copy, true};
+  };
+  return copyTree(*this, copyOne, [](DomElement&) {});
+}
+
+IDomElement* DomElement::clone(IMemoryPool* pool) const {
+  const auto copyOne = [pool](const DomElement& source) {
+    DomElement* const copy = copyWithoutChildren(source, pool, rapidxml::node_element);
+    source.copyAttributesTo(*copy);
+    return ElementCopy{copy, true};
+  };
+  return copyTree(*this, copyOne, [](DomElement&) {});
+}
+
+void DomElement::copyAttributesTo(DomElement& target) const {
+  IMemoryPool* const pool = target.domFactory_.getMemoryPool();
+  for (auto* attribute = first_attribute(); attribute; attribute = attribute->next_attribute()) {
+    target.addAttribute(toAttribute(attribute)->clone(pool));
+  }
+}
+
+const char* DomElement::getTagName() const { return xml_base::name(); }
+
+void DomElement::setTagName(const char* name) {
+  xml_base::name(domFactory_.allocateString(name, 0));
+}
+
+const char* DomElement::getValue() const { return xml_base::value(); }
+
+void DomElement::setValue(const char* value) {
+  xml_base::value(domFactory_.allocateString(value, 0));
+}
+
+const char* DomElement::getAttribute(const char* name) const { return getAttribute(name, nullptr); }
+
+const char* DomElement::getAttribute(const char* name, const char* defaultValue) const {
+  const auto* const attribute = first_attribute(name);
+  return attribute ? attribute->value() : defaultValue;
+}
+
+DomAttributeIterator DomElement::getAttributeIter(const char* name) const {
+  return DomAttributeIterator(toAttribute(first_attribute(name)));
+}
+
+void DomElement::setAttribute(const char* name, const char* value) {
+  if (auto* const attribute = first_attribute(name)) {
+    toAttribute(attribute)->setValue(value);
+  } else {
+    append_attribute(domFactory_.allocateAttribute(name, value, 0, 0));
+  }
+}
+
+void DomElement::addAttribute(DomAttribute* newDomAttribute) {
+  TARN_ASSERT(newDomAttribute, "attribute && !attribute->parent()");
+  TARN_ASSERT(domFactory_.getMemoryPool() == newDomAttribute->getDomFactory()->getMemoryPool(),
+              "domFactory_.getMemoryPool() == newDomAttribute->getDomFactory()->getMemoryPool()");
+  if (first_attribute(newDomAttribute->getTagName())) return;
+  append_attribute(newDomAttribute);
+}
+
+bool DomElement::removeAttribute(const char* name) {
+  auto* const attribute = first_attribute(name);
+  if (!attribute) return false;
+  remove_attribute(attribute);
+  return true;
+}
+
+DomAttributeIterator DomElement::getFirstAttribute(const char* name) const {
+  return getAttributeIter(name);
+}
+
+DomAttributeIterator DomElement::getLastAttribute(const char* name) const {
+  return DomAttributeIterator(toAttribute(last_attribute(name)));
+}
+
+IDomElement* DomElement::nextSibling(const char* name) const {
+  return toElement(next_sibling(name));
+}
+
+IDomElement* DomElement::previousSibling(const char* name) const {
+  return toElement(previous_sibling(name));
+}
+
+IDomElement* DomElement::getFirstChild(const char* name) const {
+  return toElement(first_node(name));
+}
+
+IDomElement* DomElement::getLastChild(const char* name) const {
+  return first_node() ? toElement(last_node(name)) : nullptr;
+}
+
+// A document, or an object of another implementation, is no element of this tree.
+DomElement* DomElement::linkable(IDomElement* child) const {
+  auto* const newDomElement = dynamic_cast<DomElement*>(child);
+  TARN_ASSERT(newDomElement, "child && !child->parent() && child->type() != node_document");
+  TARN_ASSERT(domFactory_.getMemoryPool() == newDomElement->getDomFactory()->getMemoryPool(),
+              "domFactory_.getMemoryPool() == newDomElement->getDomFactory()->getMemoryPool()");
+  return newDomElement;
+}
+
+void DomElement::insertChild(IDomElement* child, IDomElement* where) {
+  DomElement* const position = dynamic_cast<DomElement*>(where);
+  TARN_ASSERT(!where || position, "!where || where->parent() == this");
+  insert_node(position, linkable(child));
+}
+
+void DomElement::addChild(IDomElement* child) { append_node(linkable(child)); }
+
+bool DomElement::removeChild(IDomElement* child) {
+  auto* const element = dynamic_cast<DomElement*>(child);
+  if (!element || element->parent() != this || !first_node()) return false;
+  unlink(element);
+  return true;
+}
+
+bool DomElement::hasChildren() const { return first_node() != nullptr; }
+
+bool DomElement::hasAttributes() const { return first_attribute() != nullptr; }
+
+IDomElement* DomElement::getParent() const {
+  rapidxml::xml_node<char>* const owner = parent();
+  if (!owner) return nullptr;
+  if (owner->type() != rapidxml::node_document) return toElement(owner);
+  return static_cast<DomDocument*>(static_cast<rapidxml::xml_document<char>*>(owner));
+}
+
+IDomDocument* DomElement::getDocument() const {
+  rapidxml::xml_node<char>* top = parent();
+  if (!top) return nullptr;
+  while (top->parent()) top = top->parent();
+  if (top->type() != rapidxml::node_document) return nullptr;
+  return static_cast<DomDocument*>(static_cast<rapidxml::xml_document<char>*>(top));
+}
+
+void DomElement::moveTextsIntoPool() {
+  const auto copy = [this](const char* text, std::size_t size) {
+    char* const result = domFactory_.allocateString(nullptr, size + 1);
+    std::memcpy(result, text, size);
+    result[size] = '\0';
+    return result;
+  };
+  const auto move = [copy](rapidxml::xml_base<char>& record) {
+    record.name(copy(record.name(), record.name_size()), record.name_size());
+    record.value(copy(record.value(), record.value_size()), record.value_size());
+  };
+  move(*this);
+  for (auto* attribute = first_attribute(); attribute; attribute = attribute->next_attribute()) {
+    move(*attribute);
+  }
+}
+
+}  // namespace libDomXml

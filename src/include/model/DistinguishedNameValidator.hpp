@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "model/IDistinguishedNameValidator.hpp"
+
+namespace libtarn {
+namespace model {
+
+/// The format's own rule: every segment has a "-" behind at least one character, and only ASCII
+/// letters and digits behind its last "-". A name that holds "ZNT-1/" anywhere is always valid.
+class DistinguishedNameValidator : public IDistinguishedNameValidator {
+ public:
+  /// Linear in the length of the name.
+  bool isValid(const char* distName) const override;
+
+  /// Whether the characters of `dn` from index `start` to index `end`, inclusive, are a segment.
+  bool isSegmentValid(const std::string& dn, unsigned int start, unsigned int end) const;
+};
+
+}  // namespace model
+}  // namespace libtarn

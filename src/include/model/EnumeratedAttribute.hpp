@@ -1,0 +1,75 @@
+#pragma once
+
+#include <optional>
+
+#include "Assertion.hpp"
+#include "IDomElement.hpp"
+#include "model/exceptions/InvalidAttributeValueException.hpp"
+#include "model/exceptions/NoSuchAttributeException.hpp"
+#include "util/Enum.hpp"
+
+namespace libtarn {
+namespace model {
+
+/// An attribute of one element whose text is one of the constants of `T`, with the value last read
+/// or written kept beside it.
+///
+/// Part of the element that it belongs to. Attribute and kept value change together.
+template <class T>
+class EnumeratedAttribute {
+ public:
+  /// `name` must live as long as the element.
+  EnumeratedAttribute(libDomXml::IDomElement* element, const char* name)
+      : element_(element), name_(name) {}
+
+  /// Reads the attribute. Throws NoSuchAttributeException when it is absent and
+  /// InvalidAttributeValueException for a text that is none of the constants'.
+  void initialize() {
+    TARN_ASSERT(0 != element_, "0 != element");
+    const char* const value = element_->getAttribute(name_);
+    if (!value) {
+      exceptions::NoSuchAttributeException::throwException(element_->getTagName(), name_);
+    }
+    cached_ = toEnum(value);
+  }
+
+  /// The constant of that text, exactly. Throws InvalidAttributeValueException for any other.
+  util::Enum<T> toEnum(const char* string) const {
+    TARN_ASSERT(0 != element_, "0 != element");
+    TARN_ASSERT(0 != string, "0 != string");
+    const auto& constants = util::Enum<T>::getStringToEnum();
+    const auto it = constants.find(string);
+    if (it == constants.end()) {
+      exceptions::InvalidAttributeValueException::throwException(element_->getTagName(), name_,
+                                                                 string);
+    }
+    return *it->second;
+  }
+
+  /// Writes the constant's text into the attribute and keeps the value.
+  void set(const util::Enum<T>& value) {
+    TARN_ASSERT(0 != element_, "0 != element");
+    element_->setAttribute(name_, value.toString().c_str());
+    cached_ = value;
+  }
+
+  /// Removes the attribute and forgets the value.
+  void remove() {
+    TARN_ASSERT(0 != element_, "0 != element");
+    cached_.reset();
+    element_->removeAttribute(name_);
+  }
+
+  /// Whether a value has been read or written.
+  bool hasValue() const { return cached_.has_value(); }
+  /// The value, which must be there.
+  const util::Enum<T>& getValue() const { return *cached_; }
+
+ private:
+  libDomXml::IDomElement* element_;
+  const char* name_;
+  std::optional<util::Enum<T>> cached_;
+};
+
+}  // namespace model
+}  // namespace libtarn

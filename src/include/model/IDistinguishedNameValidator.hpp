@@ -1,0 +1,16 @@
+#pragma once
+
+namespace libtarn {
+namespace model {
+
+/// Decides which distinguished names a managed object may get.
+class IDistinguishedNameValidator {
+ public:
+  /// `distName` may be null.
+  virtual bool isValid(const char* distName) const = 0;
+
+  virtual ~IDistinguishedNameValidator() = default;
+};
+
+}  // namespace model
+}  // namespace libtarn

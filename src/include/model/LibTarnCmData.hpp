@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "model/DistinguishedName.hpp"
+#include "model/IElement.hpp"
+#include "model/indexation/TarnCollection.hpp"
+#include "util/Enum.hpp"
+
+namespace libtarn {
+namespace model {
+
+class LibTarnHeader;
+class LibTarnManagedObject;
+
+/// The body of a document, `cmData`: at most one header and any number of managed objects.
+///
+/// Objects are found by distinguished name and by class through an index, which every edit here
+/// keeps in step with the tree. Lifetime and threads as for every IElement.
+class LibTarnCmData : public IElement {
+ public:
+  /// What the document describes.
+  class Type : public util::Enum<Type> {
+   public:
+    static const Type ACTUAL;
+    static const Type PLAN;
+    static const Type DEFAULTS;
+
+    Type(const util::Enum<Type>& value) : Enum(value) {}  // NOLINT: converts
+
+   private:
+    explicit Type(const char* text) : Enum(text) {}
+  };
+
+  static const char* const TAG_NAME;
+
+  LibTarnCmData* getNextSiblingElement() const override = 0;
+
+  /// The type, DEFAULTS until it has been read from a document or set.
+  virtual Type getType() const = 0;
+  virtual void setType(const Type& type) = 0;
+  /// The attribute "id", null when absent.
+  virtual const char* getId() const = 0;
+  /// The first header, or null.
+  virtual LibTarnHeader* getLibTarnHeader() const = 0;
+  /// Replaces the first header; the new one becomes the last child.
+  virtual void setLibTarnHeader(LibTarnHeader& header) = 0;
+  virtual bool hasLibTarnManagedObject(const DistinguishedName& distName) const = 0;
+  /// Null when there is none of that name.
+  virtual LibTarnManagedObject* getLibTarnManagedObject(
+      const DistinguishedName& distName) const = 0;
+  /// All objects in byte order of their names; good until objects are added, removed or renamed.
+  virtual indexation::ManagedObjectCollection getLibTarnManagedObjects() const = 0;
+  /// Appends a detached object of this document; does nothing when its name is taken.
+  virtual void addLibTarnManagedObject(LibTarnManagedObject& object) = 0;
+  /// Returns 0, or 2 when no object has that name, or 1 when the object was indexed but no child.
+  virtual std::uint8_t removeLibTarnManagedObject(const DistinguishedName& distName) = 0;
+  /// The objects of a class in the order in which they came into the index.
+  virtual indexation::ManagedObjectCollection getLibTarnManagedObjectsByClass(
+      const std::string& className) const = 0;
+  virtual std::size_t getManagedObjectNumber() const = 0;
+};
+
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "model/EnumeratedAttribute.hpp"
+#include "model/LibTarnCmData.hpp"
+#include "model/TarnDomElement.hpp"
+#include "model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
+
+namespace libDomXml {
+class IDomDocument;
+}
+
+namespace libtarn {
+namespace model {
+
+namespace indexation {
+class ITarnIndexFactory;
+}
+
+class LibTarnManagedObjectImp;
+
+/// Node class of LibTarnCmData.
+class LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
+ public:
+  LibTarnCmDataImp(libDomXml::IMemoryPool* pool, const indexation::ITarnIndexFactory* indexFactory,
+                   util::TarnFactory& factory);
+
+  using TarnDomElement::clone;
+  LibTarnCmDataImp* clone() const override;
+  /// The copy's index and type are not filled: rebuildIndexersAndInitializeEnums() does it.
+  LibTarnCmDataImp* clone(util::TarnFactory& factory) const override;
+  /// Not to be used: logs an ERROR line and returns null.
+  LibTarnCmDataImp* clone(libDomXml::IDomDocument* document) const;
+  void dispatchToChildren(validation::Validator& validator) const override;
+  void dispatchToSelf(validation::Validator& validator) const override;
+  void updatePath(validation::Validator& validator) const override;
+
+  Type getType() const override;
+  void setType(const Type& type) override;
+  const char* getId() const override;
+  LibTarnHeader* getLibTarnHeader() const override;
+  void setLibTarnHeader(LibTarnHeader& header) override;
+  bool hasLibTarnManagedObject(const DistinguishedName& distName) const override;
+  LibTarnManagedObject* getLibTarnManagedObject(const DistinguishedName& distName) const override;
+  indexation::ManagedObjectCollection getLibTarnManagedObjects() const override;
+  void addLibTarnManagedObject(LibTarnManagedObject& object) override;
+  std::uint8_t removeLibTarnManagedObject(const DistinguishedName& distName) override;
+  LibTarnCmDataImp* getNextSiblingElement() const override;
+  indexation::ManagedObjectCollection getLibTarnManagedObjectsByClass(
+      const std::string& className) const override;
+  IElement* getFirstChildElement(const char* name) const override;
+  void removeThisElement() override;
+  std::size_t getManagedObjectNumber() const override;
+
+  /// Renames a child without checking the name, and keeps the index in step; what the index
+  /// refuses is logged at ERROR.
+  void setMoDistName(LibTarnManagedObjectImp& object, const char* distName);
+  /// Sets the class of a child and keeps the index in step.
+  void setMoClass(LibTarnManagedObjectImp& object, const char* className);
+  /// Unlinks every indexed object and empties the index.
+  void removeAllLibTarnManagedObjects();
+  /// Reads the type and takes the managed objects into the index, each with its own indexes.
+  /// Throws ModelException subclasses for a missing or unknown type and for the second object of
+  /// one name; objects before it stay indexed.
+  void rebuildIndexersAndInitializeEnums();
+
+ protected:
+  libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
+
+ private:
+  EnumeratedAttribute<Type> type_;
+  const indexation::ITarnIndexFactory* indexFactory_;
+  indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* managedObjectIndex_;
+  util::TarnFactory& factory_;
+};
+
+}  // namespace model
+}  // namespace libtarn

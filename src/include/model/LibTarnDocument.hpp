@@ -1,0 +1,70 @@
+#pragma once
+
+#include <list>
+#include <memory>
+#include <vector>
+
+namespace libtarn {
+namespace util {
+class TarnFactory;
+}
+
+namespace model {
+
+class LibTarnCmData;
+class LibTarnDocumentInternal;
+class LibTarnManagedObject;
+class TarnDomDocument;
+
+/// A configuration document: what a host creates to read, build, query, change and print one.
+///
+/// Owns everything in it; pointers to elements are good until the document is destroyed. A new
+/// document has a declaration and an empty root. One thread at a time; different documents may be
+/// used by different threads.
+class LibTarnDocument {
+ public:
+  LibTarnDocument();
+  /// Takes over `document`, made with `new`, which brings its own name validator and index factory.
+  explicit LibTarnDocument(TarnDomDocument* document);
+  LibTarnDocument(const LibTarnDocument&) = delete;
+  LibTarnDocument& operator=(const LibTarnDocument&) = delete;
+  virtual ~LibTarnDocument();
+
+  /// Parses a copy of the zero-terminated `text` and builds the indexes; checks the rules of the
+  /// format when `validate` is set. Returns 0, or 1 for malformed XML, or 2 for a broken rule of
+  /// the model; the cause goes to the log at level ERROR. After a failure the document keeps what
+  /// was built and stays usable. A second parse replaces the first; elements of the first stay
+  /// readable.
+  int parse(const char* text, bool validate);
+  /// As above for a text that ends with a zero byte, which the document takes over without copying
+  /// it. A vector without that zero is malformed.
+  int parse(std::vector<char> text, bool validate);
+
+  TarnDomDocument* getItsTarnDomDocument() const;
+  /// The factory for new elements of this document.
+  util::TarnFactory& getFactory() const { return *factory_; }
+  /// Attributes of the root, null when absent.
+  const char* getVersion() const;
+  const char* getXmlns() const;
+  /// The first cmData, or null.
+  LibTarnCmData* getLibTarnCmData() const;
+  /// Appends a detached cmData of this document.
+  void addLibTarnCmData(LibTarnCmData& cmData);
+  /// The managed objects of the first cmData that match `mask`, in byte order of their names; empty
+  /// without a cmData.
+  std::list<LibTarnManagedObject*> getMOsMatchingMask(const LibTarnManagedObject& mask) const;
+  /// Applies LibTarnManagedObject::change(mask, changes) to the managed objects of the first cmData
+  /// that match `mask`. Logs each object at level INFO.
+  void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
+
+ private:
+  template <class Text>
+  int parseImpl(Text& text, bool validate);
+
+  std::unique_ptr<TarnDomDocument> domDocument_;
+  LibTarnDocumentInternal* root_;
+  util::TarnFactory* factory_;
+};
+
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <list>
+#include <vector>
+
+#include "model/IElement.hpp"
+#include "model/TarnDomElement.hpp"
+
+namespace libtarn {
+namespace model {
+
+class LibTarnCmData;
+class LibTarnManagedObject;
+class TarnDomDocument;
+
+/// The root element, `tarn`. A document has one, made with the document and used again by every
+/// parse.
+class LibTarnDocumentInternal : public TarnDomElement, public IElement {
+ public:
+  static const char* const TAG_NAME;
+
+  explicit LibTarnDocumentInternal(TarnDomDocument* document);
+
+  using TarnDomElement::clone;
+  /// Always throws ModelException.
+  libDomXml::IDomElement* clone(libDomXml::IMemoryPool* pool) const override;
+  /// Not to be used: logs an ERROR line and returns null.
+  TarnDomElement* clone(util::TarnFactory& factory) const override;
+  void dispatchToChildren(validation::Validator& validator) const override;
+  void dispatchToSelf(validation::Validator& validator) const override;
+  void updatePath(validation::Validator& validator) const override;
+
+  IElement* getNextSiblingElement() const override;
+  IElement* getFirstChildElement(const char* name) const override;
+  /// Does nothing: the root stays.
+  void removeThisElement() override;
+
+  /// As the operations of LibTarnDocument, but errors are thrown: rapidxml::parse_error and
+  /// ModelException.
+  void parse(const char* text);
+  void parse(std::vector<char>& text);
+  void rebuildIndexersAndInitializeEnums();
+
+  /// The owning document.
+  TarnDomDocument* getItsTarnDomDocument() const { return document_; }
+  const char* getVersion() const;
+  const char* getXmlns() const;
+  LibTarnCmData* getLibTarnCmData() const;
+  void addLibTarnCmData(LibTarnCmData& cmData);
+  std::list<LibTarnManagedObject*> getMOsMatchingMask(const LibTarnManagedObject& mask) const;
+  void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
+
+ private:
+  void finishParsing();
+
+  TarnDomDocument* document_;
+};
+
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "model/IElement.hpp"
+
+namespace libtarn {
+namespace model {
+
+class Scalar;
+
+/// A named group of parameters in a managed object, `extension`.
+///
+/// The parameters are not indexed: looking one up, adding and removing walk the children.
+/// Lifetime and threads as for every IElement.
+class LibTarnExtension : public IElement {
+ public:
+  static const char* const TAG_NAME;
+
+  LibTarnExtension* getNextSiblingElement() const override = 0;
+
+  /// The attribute "name", null when absent.
+  virtual const char* getName() const = 0;
+  virtual bool hasParameters() const = 0;
+  /// First parameter, or null. The others follow by getNextSiblingElement().
+  virtual Scalar* getParameters() const = 0;
+  /// Appends a detached `p` of this document. Returns 0, or 1 with nothing changed when a parameter
+  /// of that name exists.
+  virtual std::uint8_t addParameter(Scalar& parameter) = 0;
+  virtual bool hasParameter(const std::string& name) const = 0;
+  /// The first parameter of that name, or null.
+  virtual Scalar* getParameter(const std::string& name) const = 0;
+  /// Unlinks the first parameter of that name. Returns 0, or 2 when there is none.
+  virtual std::uint8_t removeParameter(const std::string& name) = 0;
+};
+
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "model/LibTarnExtension.hpp"
+#include "model/ScalarImp.hpp"
+#include "model/TarnDomElement.hpp"
+#include "model/UniqueContainer.hpp"
+
+namespace libtarn {
+namespace model {
+
+/// Node class of LibTarnExtension.
+class LibTarnExtensionImp : public LibTarnExtension, public TarnDomElement {
+ public:
+  LibTarnExtensionImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
+
+  LibTarnExtensionImp* getNextSiblingElement() const override;
+  IElement* getFirstChildElement(const char* name) const override;
+  void removeThisElement() override;
+  const char* getName() const override;
+  bool hasParameters() const override;
+  Scalar* getParameters() const override;
+  std::uint8_t addParameter(Scalar& parameter) override;
+  bool hasParameter(const std::string& name) const override;
+  Scalar* getParameter(const std::string& name) const override;
+  std::uint8_t removeParameter(const std::string& name) override;
+
+  using TarnDomElement::clone;
+  LibTarnExtensionImp* clone() const override;
+  LibTarnExtensionImp* clone(util::TarnFactory& factory) const override;
+  /// Not to be used: logs an ERROR line and returns null.
+  LibTarnExtensionImp* clone(libDomXml::IDomDocument* document) const;
+  void dispatchToChildren(validation::Validator& validator) const override;
+  void dispatchToSelf(validation::Validator& validator) const override;
+  void updatePath(validation::Validator& validator) const override;
+
+  /// The name, "" when there is none.
+  std::string getId() const;
+
+ protected:
+  libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
+
+ private:
+  UniqueContainer<LibTarnExtensionImp, ScalarImp, std::string> parameters_;
+  util::TarnFactory& factory_;
+};
+
+}  // namespace model
+}  // namespace libtarn

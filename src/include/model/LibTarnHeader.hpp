@@ -1,0 +1,35 @@
+#pragma once
+
+#include "model/IElement.hpp"
+
+namespace libtarn {
+namespace util {
+class TarnFactory;
+}
+
+namespace model {
+
+class Log;
+class TarnDomElement;
+
+/// The bounded history of a document, `header`.
+///
+/// Lifetime and threads as for every IElement.
+class LibTarnHeader : public IElement {
+ public:
+  static const char* const TAG_NAME;
+  /// Most entries after an addLog().
+  static const unsigned int MAX_LOG_COUNT;
+
+  LibTarnHeader* getNextSiblingElement() const override = 0;
+
+  /// The first entry, or null. The others follow by getNextSiblingElement().
+  virtual Log* getLogs() const = 0;
+  /// A deep, detached copy in the document of `factory`.
+  virtual TarnDomElement* clone(util::TarnFactory& factory) const = 0;
+  /// Appends a detached entry of this document and drops the oldest beyond MAX_LOG_COUNT.
+  virtual void addLog(Log& log) = 0;
+};
+
+}  // namespace model
+}  // namespace libtarn

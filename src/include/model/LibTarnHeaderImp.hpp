@@ -1,0 +1,44 @@
+#pragma once
+
+#include "model/LibTarnHeader.hpp"
+#include "model/TarnDomElement.hpp"
+
+namespace libDomXml {
+class IDomDocument;
+}
+
+namespace libtarn {
+namespace model {
+
+/// Node class of LibTarnHeader.
+class LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
+ public:
+  LibTarnHeaderImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
+
+  using TarnDomElement::clone;
+  LibTarnHeaderImp* clone() const override;
+  LibTarnHeaderImp* clone(util::TarnFactory& factory) const override;
+  /// Not to be used: logs an ERROR line and returns null.
+  LibTarnHeaderImp* clone(libDomXml::IDomDocument* document) const;
+  void dispatchToChildren(validation::Validator& validator) const override;
+  void dispatchToSelf(validation::Validator& validator) const override;
+  void updatePath(validation::Validator& validator) const override;
+
+  Log* getLogs() const override;
+  void addLog(Log& log) override;
+  LibTarnHeaderImp* getNextSiblingElement() const override;
+  IElement* getFirstChildElement(const char* name) const override;
+  void removeThisElement() override;
+
+  /// Removes the oldest entries beyond MAX_LOG_COUNT.
+  void truncate();
+
+ protected:
+  libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
+
+ private:
+  util::TarnFactory& factory_;
+};
+
+}  // namespace model
+}  // namespace libtarn

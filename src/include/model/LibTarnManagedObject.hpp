@@ -1,0 +1,100 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "model/DistinguishedName.hpp"
+#include "model/IElement.hpp"
+#include "model/indexation/TarnCollection.hpp"
+#include "util/Enum.hpp"
+
+namespace libtarn {
+namespace util {
+class TarnFactory;
+}
+
+namespace model {
+
+class LibTarnExtension;
+class List;
+class Scalar;
+class TarnDomElement;
+
+/// A managed object: a class, a distinguished name, perhaps a version and an operation, and
+/// parameters (`p`), lists and extensions.
+///
+/// Parameters and lists are found by name through indexes, which every edit here keeps in step with
+/// the tree; extensions are found by walking. Edit results: 0 done, 1 refused, 2 no such element.
+/// Lifetime and threads as for every IElement.
+class LibTarnManagedObject : public IElement {
+ public:
+  /// What a delta document asks for an object.
+  class Operation : public util::Enum<Operation> {
+   public:
+    static const Operation CREATE;
+    static const Operation DELETE;
+    static const Operation UPDATE;
+    static const Operation AUTO;
+
+    Operation(const util::Enum<Operation>& value) : Enum(value) {}  // NOLINT: converts
+
+   private:
+    explicit Operation(const char* text) : Enum(text) {}
+  };
+
+  static const char* const TAG_NAME;
+
+  LibTarnManagedObject* getNextSiblingElement() const override = 0;
+
+  /// A deep, detached copy in the document of `factory`, indexes built. Throws
+  /// DuplicateElementException when the object holds two parameters or lists of one name, and
+  /// InvalidAttributeValueException for an unknown operation.
+  virtual TarnDomElement* clone(util::TarnFactory& factory) const = 0;
+
+  /// The name; its text is null when "distName" is absent.
+  virtual DistinguishedName getDistName() const = 0;
+  /// The operation, AUTO when there is none.
+  virtual Operation getOperation() const = 0;
+  virtual void setOperation(Operation operation) = 0;
+  /// True when this object fits `pattern`: same operation where the pattern has one, class and
+  /// version equal or "#", the pattern's name a part of this name (or empty, or "_-_"), and every
+  /// `p` and `list` of the pattern matched.
+  virtual bool match(const LibTarnManagedObject& pattern) const = 0;
+  /// Null when absent.
+  virtual const char* getClass() const = 0;
+  virtual const char* getVersion() const = 0;
+  /// If this object matches `pattern`: takes over operation, class and version of `values`, puts
+  /// the name of `values` in place of the pattern's name in this name, and replaces the parameters
+  /// and lists that `values` has. False, with nothing changed, when it does not match. `values` may
+  /// be this object, which changes nothing.
+  virtual bool change(const LibTarnManagedObject& pattern, const LibTarnManagedObject& values) = 0;
+  virtual void setVersion(const std::string& version) = 0;
+
+  virtual bool hasScalarParameter(const std::string& name) const = 0;
+  /// All `p` in byte order of their names; good until parameters are added or removed.
+  virtual indexation::ScalarCollection getScalarParameters() const = 0;
+  /// Null when there is none of that name.
+  virtual Scalar* getScalarParameter(const char* name) const = 0;
+  virtual std::uint8_t removeScalarParameter(const std::string& name) = 0;
+  /// Appends a detached element of this document; 1 when one of that name exists.
+  virtual std::uint8_t addParameter(Scalar& parameter) = 0;
+  virtual std::uint8_t addParameter(LibTarnExtension& extension) = 0;
+  virtual std::uint8_t removeListParameter(const std::string& name) = 0;
+  virtual List* getListParameter(const std::string& name) const = 0;
+  virtual indexation::ListCollection getListParameters() const = 0;
+  virtual std::uint8_t addParameter(List& parameter) = 0;
+  virtual bool hasListParameter(const std::string& name) const = 0;
+  /// First extension, or null. The others follow by getNextSiblingElement().
+  virtual LibTarnExtension* getExtensions() const = 0;
+  virtual void clearOperation() = 0;
+  virtual std::uint8_t removeExtension(const std::string& name) = 0;
+  virtual bool hasExtension(const std::string& name) const = 0;
+  virtual LibTarnExtension* getExtension(const std::string& name) const = 0;
+  /// Renames the object, in its document's index as well. Returns 1, with nothing changed, for a
+  /// name that the document's validator rejects. When another object has the name already, this one
+  /// is no longer found by it (an ERROR line says so).
+  virtual std::uint8_t setDistName(const char* distName) = 0;
+};
+
+}  // namespace model
+}  // namespace libtarn

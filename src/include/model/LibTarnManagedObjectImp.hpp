@@ -1,0 +1,115 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "model/EnumeratedAttribute.hpp"
+#include "model/LibTarnExtensionImp.hpp"
+#include "model/LibTarnManagedObject.hpp"
+#include "model/TarnDomElement.hpp"
+#include "model/UniqueContainer.hpp"
+#include "model/indexation/ITarnUniqueIndex.hpp"
+
+namespace libDomXml {
+class IDomDocument;
+}
+
+namespace libtarn {
+namespace model {
+
+namespace indexation {
+class ITarnIndexFactory;
+}
+
+class IDistinguishedNameValidator;
+
+/// Node class of LibTarnManagedObject.
+class LibTarnManagedObjectImp : public TarnDomElement, public LibTarnManagedObject {
+ public:
+  /// Attribute that identifies an extension.
+  static const char* const UNIQUE_CONTAINER_ID_ATTR_NAME;
+
+  LibTarnManagedObjectImp(libDomXml::IMemoryPool* pool,
+                          const IDistinguishedNameValidator* distNameValidator,
+                          const indexation::ITarnIndexFactory* indexFactory,
+                          util::TarnFactory& factory);
+
+  using TarnDomElement::clone;
+  LibTarnManagedObjectImp* clone() const override;
+  LibTarnManagedObjectImp* clone(util::TarnFactory& factory) const override;
+  /// Not to be used: logs an ERROR line and returns null.
+  LibTarnManagedObjectImp* clone(libDomXml::IDomDocument* document) const;
+  void dispatchToChildren(validation::Validator& validator) const override;
+  void dispatchToSelf(validation::Validator& validator) const override;
+  void updatePath(validation::Validator& validator) const override;
+
+  const char* getClass() const override;
+  const char* getVersion() const override;
+  DistinguishedName getDistName() const override;
+  Operation getOperation() const override;
+  void setOperation(Operation operation) override;
+  void setVersion(const std::string& version) override;
+  void clearOperation() override;
+  bool hasScalarParameter(const std::string& name) const override;
+  Scalar* getScalarParameter(const char* name) const override;
+  indexation::ScalarCollection getScalarParameters() const override;
+  std::uint8_t addParameter(Scalar& parameter) override;
+  std::uint8_t removeScalarParameter(const std::string& name) override;
+  bool hasListParameter(const std::string& name) const override;
+  List* getListParameter(const std::string& name) const override;
+  indexation::ListCollection getListParameters() const override;
+  std::uint8_t addParameter(List& parameter) override;
+  std::uint8_t removeListParameter(const std::string& name) override;
+  bool hasExtension(const std::string& name) const override;
+  LibTarnExtension* getExtension(const std::string& name) const override;
+  LibTarnExtension* getExtensions() const override;
+  std::uint8_t addParameter(LibTarnExtension& extension) override;
+  std::uint8_t removeExtension(const std::string& name) override;
+  bool match(const LibTarnManagedObject& pattern) const override;
+  bool change(const LibTarnManagedObject& pattern, const LibTarnManagedObject& values) override;
+  std::uint8_t setDistName(const char* distName) override;
+  LibTarnManagedObjectImp* getNextSiblingElement() const override;
+  IElement* getFirstChildElement(const char* name) const override;
+  void removeThisElement() override;
+
+  const IDistinguishedNameValidator* getDistNameValidator() const { return distNameValidator_; }
+
+  /// Reads the operation and takes `p` and `list` children into the indexes; the second form builds
+  /// the indexes of the items in the lists as well. Throws DuplicateElementException for the second
+  /// of one name and InvalidAttributeValueException for an unknown operation.
+  void rebuildIndexersAndInitializeEnum();
+  void rebuildIndexersAndInitializeEnumAndDispatchToChildren();
+
+ protected:
+  libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
+  void finishCopy() override;
+
+ private:
+  enum class RebuildIndexersMode { OwnIndexes, DispatchToChildren };
+
+  void rebuildIndexersAndInitializeEnum(RebuildIndexersMode mode);
+  [[noreturn]] void throwDuplicate(const char* childTag, const char* name) const;
+
+  bool matchesAttributes(const LibTarnManagedObject& pattern) const;
+  bool matchesDistName(const char* pattern) const;
+  bool matchesScalars(const LibTarnManagedObject& pattern) const;
+  bool matchesLists(const LibTarnManagedObject& pattern) const;
+  bool hasMatch(const List& pattern) const;
+
+  void changeAttributes(const LibTarnManagedObject& values);
+  void changeClass(const char* className);
+  void changeDistName(const char* pattern, const char* replacement);
+  void replaceScalars(const LibTarnManagedObject& values);
+  void replaceLists(const LibTarnManagedObject& values);
+
+  const IDistinguishedNameValidator* distNameValidator_;
+  const indexation::ITarnIndexFactory* indexFactory_;
+  indexation::ITarnUniqueIndex<Scalar>* scalarIndex_;
+  indexation::ITarnUniqueIndex<List>* listIndex_;
+  EnumeratedAttribute<Operation> operation_;
+  UniqueContainer<LibTarnManagedObjectImp, LibTarnExtensionImp, std::string> extensions_;
+  util::TarnFactory& factory_;
+};
+
+}  // namespace model
+}  // namespace libtarn

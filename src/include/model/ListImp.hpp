@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "model/List.hpp"
+#include "model/TarnDomElement.hpp"
+
+namespace libDomXml {
+class IDomDocument;
+}
+
+namespace libtarn {
+namespace model {
+
+/// Node class of List.
+class ListImp : public TarnDomElement, public List {
+ public:
+  ListImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
+
+  using TarnDomElement::clone;
+  ListImp* clone() const override;
+  ListImp* clone(util::TarnFactory& factory) const override;
+  /// Not to be used: logs an ERROR line and returns null.
+  ListImp* clone(libDomXml::IDomDocument* document) const;
+  void dispatchToChildren(validation::Validator& validator) const override;
+  void dispatchToSelf(validation::Validator& validator) const override;
+  void updatePath(validation::Validator& validator) const override;
+
+  const char* getName() const override;
+  std::string getId() const override;
+  bool hasScalarValues() const override;
+  Scalar* getScalarValues() const override;
+  std::uint8_t addValue(Scalar& value) override;
+  bool hasStructuredValues() const override;
+  Structure* getStructuredValues() const override;
+  std::uint8_t addValue(Structure& value) override;
+  bool match(const List& pattern) const override;
+  ListImp* getNextSiblingElement() const override;
+  IElement* getFirstChildElement(const char* name) const override;
+  void removeThisElement() override;
+
+  /// Builds the component index of every item. Throws DuplicateElementException for two components
+  /// of one name in an item.
+  void rebuildIndexersAndDispatchToChildren();
+
+ protected:
+  libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
+
+ private:
+  bool hasMatch(const Scalar& pattern) const;
+  bool hasMatch(const Structure& pattern) const;
+
+  util::TarnFactory& factory_;
+};
+
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "model/IElement.hpp"
+
+namespace libtarn {
+namespace model {
+
+/// An entry in the history of a document, `log`: action, time and free text.
+///
+/// Lifetime and threads as for every IElement.
+class Log : public IElement {
+ public:
+  static const char* const TAG_NAME;
+  /// Form of "dateTime", in local time, as strftime takes it.
+  static const char* const DATETIME_FORMAT;
+
+  Log* getNextSiblingElement() const override = 0;
+
+  /// The attribute "action", null when absent.
+  virtual const char* getAction() const = 0;
+  /// The attribute "dateTime", null when absent.
+  virtual const char* getDateTime() const = 0;
+  /// Sets "dateTime" to the current time.
+  virtual void updateDateTime() = 0;
+  /// The text, never null.
+  virtual const char* getValue() const = 0;
+};
+
+}  // namespace model
+}  // namespace libtarn

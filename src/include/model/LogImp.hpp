@@ -1,0 +1,50 @@
+#pragma once
+
+#include <ctime>
+#include <string>
+
+#include "model/Log.hpp"
+#include "model/TarnDomElement.hpp"
+
+namespace libDomXml {
+class IDomDocument;
+}
+
+namespace libtarn {
+namespace model {
+
+/// Node class of Log.
+class LogImp : public TarnDomElement, public Log {
+ public:
+  LogImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
+
+  using TarnDomElement::clone;
+  LogImp* clone() const override;
+  const char* getValue() const override;
+  LogImp* clone(util::TarnFactory& factory) const override;
+  /// Not to be used: logs an ERROR line and returns null.
+  LogImp* clone(libDomXml::IDomDocument* document) const;
+  void dispatchToChildren(validation::Validator& validator) const override;
+  void dispatchToSelf(validation::Validator& validator) const override;
+  void updatePath(validation::Validator& validator) const override;
+
+  const char* getAction() const override;
+  const char* getDateTime() const override;
+  /// Logs an ERROR line as well, which hosts use as a trace of changes.
+  void updateDateTime() override;
+  LogImp* getNextSiblingElement() const override;
+  IElement* getFirstChildElement(const char* name) const override;
+  void removeThisElement() override;
+
+  /// `time` as local time in the form DATETIME_FORMAT.
+  static std::string formatDateTime(std::time_t time);
+
+ protected:
+  libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
+
+ private:
+  util::TarnFactory& factory_;
+};
+
+}  // namespace model
+}  // namespace libtarn

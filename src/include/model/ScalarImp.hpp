@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+
+#include "model/Scalar.hpp"
+#include "model/TarnDomElement.hpp"
+
+namespace libDomXml {
+class IDomDocument;
+}
+
+namespace libtarn {
+namespace model {
+
+/// Node class of Scalar.
+class ScalarImp : public TarnDomElement, public Scalar {
+ public:
+  ScalarImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
+
+  using TarnDomElement::clone;
+  ScalarImp* clone() const override;
+  ScalarImp* clone(util::TarnFactory& factory) const override;
+  /// Not to be used: logs an ERROR line and returns null.
+  ScalarImp* clone(libDomXml::IDomDocument* document) const;
+  void dispatchToChildren(validation::Validator& validator) const override;
+  void dispatchToSelf(validation::Validator& validator) const override;
+  void updatePath(validation::Validator& validator) const override;
+
+  const char* getName() const override;
+  std::string getId() const override;
+  bool match(const Scalar& pattern) const override;
+  bool isValueEmpty() const override;
+  const char* getValue() const override;
+  void setValue(const char* value) override;
+  ScalarImp* getNextSiblingElement() const override;
+  IElement* getFirstChildElement(const char* name) const override;
+  void removeThisElement() override;
+
+ protected:
+  libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
+
+ private:
+  util::TarnFactory& factory_;
+};
+
+}  // namespace model
+}  // namespace libtarn

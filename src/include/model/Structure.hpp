@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "model/IElement.hpp"
+#include "model/indexation/TarnCollection.hpp"
+
+namespace libtarn {
+namespace model {
+
+class Scalar;
+
+/// A structured value of a list, `item`: named components, which are `p` elements.
+///
+/// Lifetime and threads as for every IElement.
+class Structure : public IElement {
+ public:
+  static const char* const TAG_NAME;
+
+  Structure* getNextSiblingElement() const override = 0;
+
+  virtual bool hasComponent(const std::string& name) const = 0;
+  /// The component of that name, or null.
+  virtual Scalar* getComponent(const std::string& name) const = 0;
+  /// All components in byte order of their names; good until components are added.
+  virtual indexation::ScalarCollection getComponents() const = 0;
+  /// Appends a detached `p` of this document. Returns 0, or 1 with nothing changed when a component
+  /// of that name exists.
+  virtual std::uint8_t addComponent(Scalar& component) = 0;
+  /// True when every component of `pattern` is matched by a component of this item.
+  virtual bool match(const Structure& pattern) const = 0;
+};
+
+}  // namespace model
+}  // namespace libtarn

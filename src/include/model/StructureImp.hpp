@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "model/Structure.hpp"
+#include "model/TarnDomElement.hpp"
+#include "model/indexation/ITarnUniqueIndex.hpp"
+
+namespace libDomXml {
+class IDomDocument;
+}
+
+namespace libtarn {
+namespace model {
+
+namespace indexation {
+class ITarnIndexFactory;
+}
+
+/// Node class of Structure.
+class StructureImp : public TarnDomElement, public Structure {
+ public:
+  StructureImp(libDomXml::IMemoryPool* pool, const indexation::ITarnIndexFactory* indexFactory,
+               util::TarnFactory& factory);
+
+  using TarnDomElement::clone;
+  StructureImp* clone() const override;
+  StructureImp* clone(util::TarnFactory& factory) const override;
+  /// Not to be used: logs an ERROR line and returns null.
+  StructureImp* clone(libDomXml::IDomDocument* document) const;
+  void dispatchToChildren(validation::Validator& validator) const override;
+  void dispatchToSelf(validation::Validator& validator) const override;
+  void updatePath(validation::Validator& validator) const override;
+
+  bool hasComponent(const std::string& name) const override;
+  Scalar* getComponent(const std::string& name) const override;
+  indexation::ScalarCollection getComponents() const override;
+  std::uint8_t addComponent(Scalar& component) override;
+  bool match(const Structure& pattern) const override;
+  StructureImp* getNextSiblingElement() const override;
+  IElement* getFirstChildElement(const char* name) const override;
+  void removeThisElement() override;
+
+  /// Takes the `p` children into the component index. Throws DuplicateElementException for the
+  /// second of one name; those before it stay indexed.
+  void rebuildIndexers();
+
+ protected:
+  libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
+  void finishCopy() override;
+
+ private:
+  [[noreturn]] void throwDuplicate(const char* componentName) const;
+  bool hasMatch(const Scalar& pattern) const;
+
+  const indexation::ITarnIndexFactory* indexFactory_;
+  indexation::ITarnUniqueIndex<Scalar>* componentIndex_;
+  util::TarnFactory& factory_;
+};
+
+}  // namespace model
+}  // namespace libtarn

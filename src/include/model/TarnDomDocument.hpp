@@ -1,0 +1,79 @@
+#pragma once
+
+#include <list>
+#include <string>
+#include <vector>
+
+#include "DomDocument.hpp"
+#include "model/TarnDomElement.hpp"
+#include "util/TarnFactory.hpp"
+
+namespace libtarn {
+namespace model {
+
+class LibTarnDocumentDeclaration;
+class LibTarnDocumentInternal;
+
+/// The document node of a configuration document: owns text, pool, declaration, root and the
+/// factory, and gives the parser a node of the model for every tag.
+///
+/// LibTarnDocument is what a host uses; it gives this document its root. One thread at a time.
+class TarnDomDocument : public libDomXml::DomDocument {
+ public:
+  /// Pool blocks from memory maps, own name validator and index factory.
+  TarnDomDocument();
+  /// Pool blocks from the heap. Validator and index factory stay the caller's and must outlive the
+  /// document.
+  TarnDomDocument(IDistinguishedNameValidator* validator,
+                  indexation::ITarnIndexFactory* indexFactory);
+  ~TarnDomDocument() override;
+
+  LibTarnDocumentDeclaration* createDocumentDeclaration();
+  LibTarnDocumentInternal* getRootElement() const { return root_; }
+  /// Called once, by the LibTarnDocument that takes this document over.
+  void setRootElement(LibTarnDocumentInternal* root) { root_ = root; }
+  util::TarnFactory& getFactory() { return factory_; }
+
+  TarnDomElement* allocate_node(rapidxml::node_type type, const char* name, const char* value,
+                                std::size_t nameSize, std::size_t valueSize) override;
+  TarnDomElement* allocateTarnManagedObjectNode();
+  TarnDomElement* allocateTarnCmDataNode();
+  TarnDomElement* allocateStructureNode();
+  /// The node for the tag at the parser's position. Throws rapidxml::parse_error for a name that is
+  /// none of the model's.
+  TarnDomElement* createTarnElement();
+
+  using DomDocument::parse;
+  /// Parses a copy of `text`, in place of what the document held. Throws rapidxml::parse_error.
+  /// The text of an earlier parse goes, and with it the elements of that parse.
+  void parse(const char* text);
+  /// Takes over `text`, which must end with a zero byte, and parses it in place; the text of an
+  /// earlier parse comes back in its stead. Throws rapidxml::parse_error.
+  void parse(std::vector<char>& text);
+  /// Keeps the text of the parse done, and so its elements, until the document is destroyed.
+  void keepText();
+  int rapidParse(char* text) override;
+  /// Parses `text` in place; it stays the caller's. Throws rapidxml::parse_error.
+  void parseDoc(char* text);
+
+  /// The declaration and the root, whatever else the document node holds.
+  std::string printDocument() override;
+
+ protected:
+  void leaveText() override;
+
+ private:
+  TarnDomElement* reuseDeclaration();
+  TarnDomElement* reuseRoot(const char* nameEnd);
+  bool isTopLevelNode();
+
+  std::vector<char> buffer_;
+  util::TarnFactory factory_;
+  char* parsePosition_ = nullptr;
+  LibTarnDocumentInternal* root_ = nullptr;
+  bool beforeTopLevelNode_ = false;  // set until the first node behind a top-level "<" is made
+  std::list<std::vector<char>> keptTexts_;
+};
+
+}  // namespace model
+}  // namespace libtarn

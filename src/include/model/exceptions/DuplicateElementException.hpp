@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+#include "model/DistinguishedName.hpp"
+#include "model/exceptions/ModelException.hpp"
+
+namespace libtarn {
+namespace model {
+namespace exceptions {
+
+/// A second child under a key that is unique.
+class DuplicateElementException : public ModelException {
+ public:
+  explicit DuplicateElementException(const std::string& message);
+
+  /// Instantiated for keys of type DistinguishedName, std::string and const char*.
+  template <class T>
+  static DuplicateElementException instance(const char* childTag, const char* parent,
+                                            const char* keyAttribute, const T& key);
+};
+
+extern template DuplicateElementException DuplicateElementException::instance(
+    const char* childTag, const char* parent, const char* keyAttribute,
+    DistinguishedName const& key);
+extern template DuplicateElementException DuplicateElementException::instance(
+    const char* childTag, const char* parent, const char* keyAttribute, std::string const& key);
+extern template DuplicateElementException DuplicateElementException::instance(
+    const char* childTag, const char* parent, const char* keyAttribute, char const* const& key);
+
+}  // namespace exceptions
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "model/exceptions/ModelException.hpp"
+
+namespace libtarn {
+namespace model {
+namespace exceptions {
+
+/// An attribute with a text that it may not have.
+class InvalidAttributeValueException : public ModelException {
+ public:
+  explicit InvalidAttributeValueException(const std::string& message);
+
+  /// `element`: its tag or path.
+  static InvalidAttributeValueException instance(const char* element, const char* attribute,
+                                                 const char* value);
+  /// Throws what instance() makes.
+  [[noreturn]] static void throwException(const char* element, const char* attribute,
+                                          const char* value);
+};
+
+}  // namespace exceptions
+}  // namespace model
+}  // namespace libtarn

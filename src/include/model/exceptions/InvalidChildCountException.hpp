@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "model/exceptions/ModelException.hpp"
+
+namespace libtarn {
+namespace model {
+namespace exceptions {
+
+/// Too few or too many children of one kind.
+class InvalidChildCountException : public ModelException {
+ public:
+  explicit InvalidChildCountException(const std::string& message);
+
+  /// `element`: its path; `min` to `max`, inclusive, would do.
+  static InvalidChildCountException instance(const char* childTag, const char* element,
+                                             std::size_t min, std::size_t max, std::size_t count);
+};
+
+}  // namespace exceptions
+}  // namespace model
+}  // namespace libtarn

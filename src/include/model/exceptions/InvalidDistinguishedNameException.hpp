@@ -1,0 +1,18 @@
+#pragma once
+
+#include "model/exceptions/ModelException.hpp"
+
+namespace libtarn {
+namespace model {
+namespace exceptions {
+
+/// A distinguished name that the document's validator rejects.
+class InvalidDistinguishedNameException : public ModelException {
+ public:
+  /// `distName` may be null; the message then names none.
+  explicit InvalidDistinguishedNameException(const char* distName);
+};
+
+}  // namespace exceptions
+}  // namespace model
+}  // namespace libtarn

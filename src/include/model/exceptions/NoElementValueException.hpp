@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "model/exceptions/ModelException.hpp"
+
+namespace libtarn {
+namespace model {
+namespace exceptions {
+
+/// An element that must have a text and has none.
+class NoElementValueException : public ModelException {
+ public:
+  explicit NoElementValueException(const std::string& message);
+
+  /// `element`: its path.
+  static NoElementValueException instance(const char* element);
+};
+
+}  // namespace exceptions
+}  // namespace model
+}  // namespace libtarn

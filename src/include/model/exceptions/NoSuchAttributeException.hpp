@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "model/exceptions/ModelException.hpp"
+
+namespace libtarn {
+namespace model {
+namespace exceptions {
+
+/// An attribute that must be there and is absent.
+class NoSuchAttributeException : public ModelException {
+ public:
+  explicit NoSuchAttributeException(const std::string& message);
+
+  /// `element`: its tag or path.
+  static NoSuchAttributeException instance(const char* element, const char* attribute);
+  /// Throws what instance() makes.
+  [[noreturn]] static void throwException(const char* element, const char* attribute);
+};
+
+}  // namespace exceptions
+}  // namespace model
+}  // namespace libtarn

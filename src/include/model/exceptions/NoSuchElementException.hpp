@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+#include "model/exceptions/ModelException.hpp"
+
+namespace libtarn {
+namespace model {
+namespace exceptions {
+
+/// A named child that is not there.
+class NoSuchElementException : public ModelException {
+ public:
+  explicit NoSuchElementException(const std::string& message);
+
+  /// Instantiated for keys of type std::string.
+  template <class T>
+  static NoSuchElementException instance(const char* childTag, const char* keyAttribute,
+                                         const T& key);
+};
+
+extern template NoSuchElementException NoSuchElementException::instance(const char* childTag,
+                                                                        const char* keyAttribute,
+                                                                        std::string const& key);
+
+}  // namespace exceptions
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "model/indexation/ITarnUniqueIndex.hpp"
+
+namespace libtarn {
+namespace model {
+namespace indexation {
+
+/// Makes the indexes of a document's elements. What it makes must live as long as the document.
+class ITarnIndexFactory {
+ public:
+  virtual ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const = 0;
+  virtual ITarnUniqueIndex<List>* createUniqueIndexForList() const = 0;
+  virtual ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>*
+  createUniqueAndNonUniqueMultiIndex() const = 0;
+
+  virtual ~ITarnIndexFactory() = default;
+};
+
+}  // namespace indexation
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+
+#include "model/indexation/TarnCollection.hpp"
+
+namespace libtarn {
+namespace model {
+namespace indexation {
+
+/// Elements by a unique key and by a key that many share. For LibTarnManagedObject: distinguished
+/// name and class.
+///
+/// Holds pointers only. The keys of an element must not change while it is in the index. Lives as
+/// long as its document's pool; nobody deletes it.
+template <class T>
+class ITarnUniqueAndNonUniqueMultiIndex {
+ public:
+  /// False, with nothing changed, when the unique key is taken.
+  virtual bool add(T* element) = 0;
+  /// Removes the entry of this element's unique key, whichever element it holds. False when there
+  /// is none.
+  virtual bool remove(T* element) = 0;
+  /// The element of that unique key, or null.
+  virtual T* findUniqueElement(const char* key) const = 0;
+  /// The elements that share the key, in the order in which they were added.
+  virtual ManagedObjectCollection getNonUniqueCollection(const char* key) const = 0;
+  /// All elements in byte order of the unique keys.
+  virtual ManagedObjectCollection getCollection() const = 0;
+  virtual std::size_t size() const = 0;
+  virtual void clear() = 0;
+
+  virtual ~ITarnUniqueAndNonUniqueMultiIndex() = default;
+};
+
+}  // namespace indexation
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,18 @@
+#pragma once
+
+namespace libtarn {
+namespace model {
+
+class LibTarnManagedObject;
+
+namespace indexation {
+
+/// The key of an index: the class of a managed object, "" when it has none. The text is the
+/// element's own.
+struct ManagedObjectClassNameExtractor {
+  const char* operator()(const LibTarnManagedObject* element) const;
+};
+
+}  // namespace indexation
+}  // namespace model
+}  // namespace libtarn

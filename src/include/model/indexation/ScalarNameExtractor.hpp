@@ -1,0 +1,17 @@
+#pragma once
+
+namespace libtarn {
+namespace model {
+
+class Scalar;
+
+namespace indexation {
+
+/// The key of an index: the name of a scalar, "" when it has none. The text is the element's own.
+struct ScalarNameExtractor {
+  const char* operator()(const Scalar* element) const;
+};
+
+}  // namespace indexation
+}  // namespace model
+}  // namespace libtarn

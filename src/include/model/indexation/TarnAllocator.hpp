@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <new>
+
+#include "IMemoryPool.hpp"
+
+namespace libtarn {
+namespace model {
+namespace indexation {
+
+/// A standard allocator over a document's pool. Memory given back goes to the pool's
+/// deallocateMemory(), which keeps it. Allocators over one pool are equal.
+template <class T>
+class TarnAllocator {
+ public:
+  using value_type = T;
+
+  explicit TarnAllocator(libDomXml::IMemoryPool* pool) : pool_(pool) {}
+  template <class Other>
+  TarnAllocator(const TarnAllocator<Other>& other) : pool_(other.getPool()) {}  // NOLINT: rebinds
+
+  /// Room for `count` objects. Throws std::bad_alloc when their size does not fit an unsigned int
+  /// or the pool has no memory.
+  T* allocate(std::size_t count) {
+    if (count > std::numeric_limits<unsigned int>::max() / sizeof(T)) throw std::bad_alloc();
+    void* const memory = pool_->allocateMemory(static_cast<unsigned int>(count * sizeof(T)));
+    if (!memory) throw std::bad_alloc();
+    return static_cast<T*>(memory);
+  }
+
+  void deallocate(T* memory, std::size_t /*count*/) { pool_->deallocateMemory(memory); }
+
+  libDomXml::IMemoryPool* getPool() const { return pool_; }
+
+ private:
+  libDomXml::IMemoryPool* pool_;
+};
+
+template <class A, class B>
+bool operator==(const TarnAllocator<A>& a, const TarnAllocator<B>& b) {
+  return a.getPool() == b.getPool();
+}
+
+template <class A, class B>
+bool operator!=(const TarnAllocator<A>& a, const TarnAllocator<B>& b) {
+  return !(a == b);
+}
+
+}  // namespace indexation
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,121 @@
+#pragma once
+
+#include <cstddef>
+#include <iterator>
+#include <type_traits>
+#include <utility>
+
+namespace libtarn {
+namespace model {
+
+class LibTarnManagedObject;
+class List;
+class Scalar;
+
+namespace indexation {
+
+/// A piece of a collection: entries that lie one behind the other in memory, and the piece that
+/// follows. Only the last piece may be empty.
+template <class Entry>
+struct EntryRun {
+  const Entry* begin;
+  const Entry* end;
+  const EntryRun* next;
+};
+
+/// A parameter in an index: its name and the element.
+template <class T>
+using ParameterEntry = std::pair<const char*, T*>;
+
+/// A managed object in an index: its key text, the element, and the number of its insertion.
+struct ManagedObjectEntry {
+  const char* key;
+  LibTarnManagedObject* object;
+  std::size_t serial;
+};
+
+/// What a step through a collection gives: the entry itself ...
+template <class Entry>
+struct CollectionItem {
+  using type = const Entry&;
+  static type of(const Entry& entry) { return entry; }
+};
+
+/// ... but for a managed object the element.
+template <>
+struct CollectionItem<ManagedObjectEntry> {
+  using type = LibTarnManagedObject*;
+  static type of(const ManagedObjectEntry& entry) { return entry.object; }
+};
+
+/// The entries of an index in order, or a range of them. Works in a range-for.
+///
+/// A value that borrows the index; it and its iterators are good until an entry is added to the
+/// index or removed from it. A host that writes an index of its own makes one from an EntryRun.
+template <class Entry>
+class TarnCollection {
+ public:
+  class iterator {
+   public:
+    using iterator_category = std::forward_iterator_tag;
+    using reference = typename CollectionItem<Entry>::type;
+    using value_type = std::decay_t<reference>;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const value_type*;
+
+    iterator() = default;
+    /// `current` lies in `run`, or is its end when no run follows.
+    iterator(const Entry* current, const EntryRun<Entry>* run) : current_(current), run_(run) {}
+
+    reference operator*() const { return CollectionItem<Entry>::of(*current_); }
+    const Entry* operator->() const { return current_; }
+
+    iterator& operator++() {
+      if (++current_ == run_->end && run_->next) {
+        run_ = run_->next;
+        current_ = run_->begin;
+      }
+      return *this;
+    }
+    iterator operator++(int) {
+      const iterator before = *this;
+      ++*this;
+      return before;
+    }
+
+    bool operator==(const iterator& other) const {
+      return current_ == other.current_ && run_ == other.run_;
+    }
+    bool operator!=(const iterator& other) const { return !(*this == other); }
+
+   private:
+    const Entry* current_ = nullptr;
+    const EntryRun<Entry>* run_ = nullptr;
+  };
+  using const_iterator = iterator;
+
+  /// No entries.
+  TarnCollection() = default;
+  TarnCollection(iterator begin, iterator end) : begin_(begin), end_(end) {}
+  /// All entries of a single run.
+  explicit TarnCollection(const EntryRun<Entry>& run)
+      : begin_(run.begin, &run), end_(run.end, &run) {}
+
+  iterator begin() const { return begin_; }
+  iterator end() const { return end_; }
+  bool empty() const { return begin_ == end_; }
+
+ private:
+  iterator begin_;
+  iterator end_;
+};
+
+/// Parameters by name: `first` is the name, `second` the element.
+using ScalarCollection = TarnCollection<ParameterEntry<Scalar>>;
+using ListCollection = TarnCollection<ParameterEntry<List>>;
+/// Managed objects.
+using ManagedObjectCollection = TarnCollection<ManagedObjectEntry>;
+
+}  // namespace indexation
+}  // namespace model
+}  // namespace libtarn

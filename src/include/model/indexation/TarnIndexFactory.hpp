@@ -1,0 +1,29 @@
+#pragma once
+
+#include "IMemoryPool.hpp"
+#include "model/indexation/ITarnIndexFactory.hpp"
+
+namespace libtarn {
+namespace model {
+namespace indexation {
+
+/// Makes indexes in a pool. Each operation gives null when the pool has no memory for the index.
+class TarnIndexFactory : public ITarnIndexFactory {
+ public:
+  explicit TarnIndexFactory(libDomXml::IMemoryPool& pool) : pool_(pool) {}
+
+  ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const override;
+  ITarnUniqueIndex<List>* createUniqueIndexForList() const override;
+  ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* createUniqueAndNonUniqueMultiIndex()
+      const override;
+
+ private:
+  template <class Index>
+  Index* create() const;
+
+  libDomXml::IMemoryPool& pool_;
+};
+
+}  // namespace indexation
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <string>
+
+namespace libDomXml {
+class IDomElement;
+}
+
+namespace libtarn {
+namespace model {
+
+class IElement;
+class LibTarnCmDataImp;
+class LibTarnDocumentInternal;
+class LibTarnExtensionImp;
+class LibTarnHeaderImp;
+class LibTarnManagedObjectImp;
+class ListImp;
+class LogImp;
+class ScalarImp;
+class StructureImp;
+
+namespace validation {
+
+/// Checks a document against the rules of the format, in one walk from the root, and stops at the
+/// first violation by throwing a ModelException whose message holds the element's path.
+///
+/// The elements drive the walk: TarnDomElement::accept() puts the element on the path, lets the
+/// validator visit it, then its children. Holds pointers into the document while the walk runs.
+/// Allocates for messages and for a path deeper than before, not for each element. One thread.
+class Validator {
+ public:
+  Validator() = default;
+  virtual ~Validator() = default;
+
+  /// Puts an element on the path; `id` may be null. A null tag throws std::invalid_argument.
+  void appendToPath(const char* tagName, const char* id);
+  /// Takes the last element off the path. Throws std::logic_error when there is none.
+  void popPath();
+  /// "TAG:ID > " for each element from the root down, ":ID" only where there is one.
+  std::string getPath() const;
+
+  /// The attribute must be there and, when `expected` is not null, equal it.
+  void validateAttribute(const libDomXml::IDomElement& element, const char* name,
+                         const char* expected) const;
+  /// The element must have a text.
+  void validateValue(const libDomXml::IDomElement& element) const;
+  /// "distName" must be there and a valid name.
+  void validateDistinguishedName(const LibTarnManagedObjectImp& object);
+  /// A list holds plain values or structures, not both.
+  void validateChildrenType(const ListImp& list);
+  /// From `minCount` to `maxCount` children of that class. Instantiated for LibTarnCmDataImp and
+  /// LibTarnHeaderImp. Counts to `maxCount` + 1 at most.
+  template <class Child>
+  void validateChildCount(const IElement& element, std::size_t minCount,
+                          std::size_t maxCount) const;
+  /// At least one child of that class. Instantiated for LibTarnManagedObjectImp.
+  template <class Child>
+  void validateAtLeastOneChild(const IElement& element) const;
+
+  void visit(const LibTarnDocumentInternal& root);
+  void visit(const LibTarnCmDataImp& cmData);
+  void visit(const LibTarnHeaderImp& header);
+  void visit(const LogImp& log);
+  void visit(const LibTarnManagedObjectImp& object);
+  void visit(const LibTarnExtensionImp& extension);
+  void visit(const ScalarImp& scalar);
+  void visit(const ListImp& list);
+  void visit(const StructureImp& structure);
+
+ private:
+  struct PathEntry {
+    const char* tagName;
+    const char* id;
+  };
+
+  bool nameRequired_ = false;  // whether the `p` visited next must have a name
+  std::deque<PathEntry> pathStack_;
+};
+
+}  // namespace validation
+}  // namespace model
+}  // namespace libtarn

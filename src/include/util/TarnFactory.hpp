@@ -1,0 +1,86 @@
+#pragma once
+
+#include "IMemoryPool.hpp"
+#include "model/LibTarnCmData.hpp"
+#include "model/LibTarnManagedObject.hpp"
+
+namespace libtarn {
+namespace model {
+
+class IDistinguishedNameValidator;
+class LibTarnExtension;
+class LibTarnExtensionImp;
+class LibTarnHeader;
+class LibTarnHeaderImp;
+class List;
+class ListImp;
+class Log;
+class LogImp;
+class Scalar;
+class ScalarImp;
+class Structure;
+class TarnDomDocument;
+class TarnDomElement;
+
+namespace indexation {
+class ITarnIndexFactory;
+}
+
+}  // namespace model
+
+namespace util {
+
+/// Builds the elements of one document, in its pool, detached.
+///
+/// The document's own factory comes from LibTarnDocument::getFactory(). A host may build one over
+/// any pool that has memory; everything built lives as long as that pool, and the factory must live
+/// as long as what it built. Texts are copied. One thread at a time.
+class TarnFactory {
+ public:
+  /// With a DistinguishedNameValidator and a TarnIndexFactory of its own in `pool`.
+  explicit TarnFactory(libDomXml::IMemoryPool& pool);
+  /// Validator and index factory stay the caller's and must outlive what is built.
+  TarnFactory(libDomXml::IMemoryPool& pool, const model::IDistinguishedNameValidator* validator,
+              const model::indexation::ITarnIndexFactory* indexFactory);
+
+  model::LibTarnCmData* createLibTarnCmData(model::LibTarnCmData::Type type);
+  model::LibTarnHeader* createLibTarnHeader();
+  /// Null when `distName` is not a valid name. `version` may be null.
+  model::LibTarnManagedObject* createLibTarnManagedObject(const char* className,
+                                                          const char* distName,
+                                                          const char* version);
+  model::LibTarnManagedObject* createLibTarnManagedObject(
+      const char* className, const char* distName,
+      const model::LibTarnManagedObject::Operation& operation, const char* version);
+  model::LibTarnManagedObject* createLibTarnManagedObject(
+      const char* className, const model::DistinguishedName& distName,
+      const model::LibTarnManagedObject::Operation& operation, const char* version);
+  /// A null name or value is left out.
+  model::Scalar* createScalar(const char* name, const char* value);
+  model::List* createList(const char* name);
+  model::Structure* createStructure();
+  model::LibTarnExtension* createLibTarnExtension(const char* name);
+  /// An entry with the current time. A null `appInfo` or `value` is left out.
+  model::Log* createLog(const char* action, const char* appInfo, const char* value);
+
+  /// Empty nodes, as the parser takes them: tag set, no attributes.
+  model::TarnDomElement* allocateTarnManagedObjectNode();
+  model::TarnDomElement* allocateTarnCmDataNode();
+  model::TarnDomElement* allocateStructureNode();
+  model::TarnDomElement* allocateLibTarnDocumentInternalNode(model::TarnDomDocument* document);
+  model::LibTarnHeaderImp* allocateHeaderNode();
+  model::LogImp* allocateLogNode();
+  model::ListImp* allocateListNode();
+  model::ScalarImp* allocateScalarNode();
+  model::LibTarnExtensionImp* allocateExtensionNode();
+
+  libDomXml::IMemoryPool& getMemoryPool() const { return pool_; }
+
+ private:
+  libDomXml::IMemoryPool& pool_;
+  const model::IDistinguishedNameValidator* distNameValidator_;
+  const model::indexation::ITarnIndexFactory* indexFactory_;
+};
+
+}  // namespace util
+}  // namespace libtarn

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace libtarn {
+namespace model {
+class LibTarnDocument;
+}
+
+namespace util {
+
+/// Replaces the content of `out` with the printed document: the declaration and the root.
+void dumpTarnDocument(model::LibTarnDocument& document, std::string& out);
+
+}  // namespace util
+}  // namespace libtarn

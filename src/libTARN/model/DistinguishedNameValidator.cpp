@@ -1,0 +1,50 @@
+#include "model/DistinguishedNameValidator.hpp"
+
+#include <cstddef>
+#include <cstring>
+
+namespace libtarn {
+namespace model {
+
+namespace {
+
+constexpr const char* ALWAYS_VALID_PART = "ZNT-1/";
+
+// In the classic locale, whatever the host's is.
+bool isAlphanumeric(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+// The characters of `dn` from `start` up to, not including, `end`. The last "-" is looked for up to
+// `end`, where the "/" that closes the segment stands.
+bool isSegment(const std::string& dn, std::size_t start, std::size_t end) {
+  const std::size_t dash = dn.rfind('-', end);
+  if (dash == std::string::npos || dash <= start) return false;
+  for (std::size_t i = dash + 1; i < end && i < dn.size(); ++i) {
+    if (!isAlphanumeric(dn[i])) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool DistinguishedNameValidator::isValid(const char* distName) const {
+  if (!distName) return false;
+  if (std::strstr(distName, ALWAYS_VALID_PART)) return true;
+  const std::string name(distName);
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t slash = name.find('/', start);
+    if (slash == std::string::npos) return isSegment(name, start, name.size());
+    if (!isSegment(name, start, slash)) return false;
+    start = slash + 1;
+  }
+}
+
+bool DistinguishedNameValidator::isSegmentValid(const std::string& dn, unsigned int start,
+                                                unsigned int end) const {
+  return isSegment(dn, start, static_cast<std::size_t>(end) + 1);
+}
+
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,189 @@
+#include "model/LibTarnCmDataImp.hpp"
+
+#include "../util/LogLocation.hpp"
+#include "../util/forbiddenClone.hpp"
+#include "indexChildren.hpp"
+#include "model/LibTarnHeaderImp.hpp"
+#include "model/LibTarnManagedObjectImp.hpp"
+#include "model/TypedChildren.hpp"
+#include "model/exceptions/DuplicateElementException.hpp"
+#include "model/indexation/ITarnIndexFactory.hpp"
+#include "model/validation/Validator.hpp"
+#include "patternText.hpp"
+#include "util/TarnFactory.hpp"
+
+namespace libtarn {
+namespace model {
+
+namespace {
+
+constexpr const char* CLASS_ATTRIBUTE = "class";
+constexpr const char* ID_ATTRIBUTE = "id";
+constexpr const char* TYPE_ATTRIBUTE = "type";
+
+// Absent names count as the empty text.
+DistinguishedName nameOf(const LibTarnManagedObject& object) {
+  return DistinguishedName(textOrEmpty(object.getDistName().getText()));
+}
+
+}  // namespace
+
+const char* const LibTarnCmData::TAG_NAME = "cmData";
+
+// The order gives the ordinals.
+const LibTarnCmData::Type LibTarnCmData::Type::ACTUAL("actual");
+const LibTarnCmData::Type LibTarnCmData::Type::PLAN("plan");
+const LibTarnCmData::Type LibTarnCmData::Type::DEFAULTS("defaults");
+
+LibTarnCmDataImp::LibTarnCmDataImp(libDomXml::IMemoryPool* pool,
+                                   const indexation::ITarnIndexFactory* indexFactory,
+                                   util::TarnFactory& factory)
+    : TarnDomElement(pool),
+      type_(this, TYPE_ATTRIBUTE),
+      indexFactory_(indexFactory),
+      managedObjectIndex_(checkedIndex(indexFactory_->createUniqueAndNonUniqueMultiIndex())),
+      factory_(factory) {
+  xml_base::name(TAG_NAME);
+}
+
+LibTarnCmDataImp* LibTarnCmDataImp::clone() const { return clone(factory_); }
+
+LibTarnCmDataImp* LibTarnCmDataImp::clone(util::TarnFactory& factory) const {
+  return static_cast<LibTarnCmDataImp*>(cloneTree(factory));
+}
+
+LibTarnCmDataImp* LibTarnCmDataImp::clone(libDomXml::IDomDocument* /*document*/) const {
+  util::logForbiddenClone(TARN_LOG_LOCATION, "LibTarnCmDataImp::clone(IDomDocument* document)");
+  return nullptr;
+}
+
+libDomXml::ElementCopy LibTarnCmDataImp::copySelf(util::TarnFactory& factory) const {
+  TarnDomElement* const copy = factory.allocateTarnCmDataNode();
+  cloneAttributes(copy);
+  return {copy, true};
+}
+
+void LibTarnCmDataImp::dispatchToChildren(validation::Validator& validator) const {
+  for (auto* header = firstTypedChild<LibTarnHeaderImp>(*this); header;
+       header = nextTypedSibling(*header)) {
+    header->accept(validator);
+  }
+  for (const LibTarnManagedObject* object : getLibTarnManagedObjects()) {
+    implementation<LibTarnManagedObjectImp>(*object).accept(validator);
+  }
+}
+
+void LibTarnCmDataImp::dispatchToSelf(validation::Validator& validator) const {
+  validator.visit(*this);
+}
+
+void LibTarnCmDataImp::updatePath(validation::Validator& validator) const {
+  validator.appendToPath(TAG_NAME, nullptr);
+}
+
+LibTarnCmData::Type LibTarnCmDataImp::getType() const {
+  return type_.hasValue() ? Type(type_.getValue()) : Type::DEFAULTS;
+}
+
+void LibTarnCmDataImp::setType(const Type& type) { type_.set(type); }
+
+const char* LibTarnCmDataImp::getId() const { return getAttribute(ID_ATTRIBUTE); }
+
+LibTarnHeader* LibTarnCmDataImp::getLibTarnHeader() const {
+  return firstTypedChild<LibTarnHeaderImp>(*this);
+}
+
+void LibTarnCmDataImp::setLibTarnHeader(LibTarnHeader& header) {
+  auto& element = implementation<LibTarnHeaderImp>(header);
+  if (auto* const current = firstTypedChild<LibTarnHeaderImp>(*this)) removeChild(current);
+  // The given one may be a further header of this element.
+  removeChild(&element);
+  addChild(&element);
+}
+
+bool LibTarnCmDataImp::hasLibTarnManagedObject(const DistinguishedName& distName) const {
+  return getLibTarnManagedObject(distName) != nullptr;
+}
+
+LibTarnManagedObject* LibTarnCmDataImp::getLibTarnManagedObject(
+    const DistinguishedName& distName) const {
+  return managedObjectIndex_->findUniqueElement(textOrEmpty(distName.getText()));
+}
+
+indexation::ManagedObjectCollection LibTarnCmDataImp::getLibTarnManagedObjects() const {
+  return managedObjectIndex_->getCollection();
+}
+
+indexation::ManagedObjectCollection LibTarnCmDataImp::getLibTarnManagedObjectsByClass(
+    const std::string& className) const {
+  return managedObjectIndex_->getNonUniqueCollection(className.c_str());
+}
+
+void LibTarnCmDataImp::addLibTarnManagedObject(LibTarnManagedObject& object) {
+  auto& element = implementation<LibTarnManagedObjectImp>(object);
+  if (!managedObjectIndex_->add(&object)) return;
+  addChild(&element);
+}
+
+std::uint8_t LibTarnCmDataImp::removeLibTarnManagedObject(const DistinguishedName& distName) {
+  LibTarnManagedObject* const object = getLibTarnManagedObject(distName);
+  if (!object) return 2;
+  const bool wasChild = removeChild(&implementation<LibTarnManagedObjectImp>(*object));
+  managedObjectIndex_->remove(object);
+  return wasChild ? 0 : 1;
+}
+
+std::size_t LibTarnCmDataImp::getManagedObjectNumber() const { return managedObjectIndex_->size(); }
+
+void LibTarnCmDataImp::setMoDistName(LibTarnManagedObjectImp& object, const char* distName) {
+  if (!managedObjectIndex_->remove(&object)) {
+    util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "setMoDistName")
+        << "There was no such object in the index, that shouldn't happen";
+  }
+  object.setAttribute(DistinguishedName::ATTR_NAME, distName);
+  if (!managedObjectIndex_->add(&object)) {
+    util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "setMoDistName")
+        << "Adding object to index failed, that shouldn't happen";
+  }
+}
+
+// The class is a key of the index. An object that lost its name to another one is not in it.
+void LibTarnCmDataImp::setMoClass(LibTarnManagedObjectImp& object, const char* className) {
+  const bool isIndexed = getLibTarnManagedObject(nameOf(object)) == &object;
+  if (isIndexed) managedObjectIndex_->remove(&object);
+  object.setAttribute(CLASS_ATTRIBUTE, className);
+  if (isIndexed) managedObjectIndex_->add(&object);
+}
+
+void LibTarnCmDataImp::removeAllLibTarnManagedObjects() {
+  for (LibTarnManagedObject* object : getLibTarnManagedObjects()) {
+    removeChild(&implementation<LibTarnManagedObjectImp>(*object));
+  }
+  managedObjectIndex_->clear();
+}
+
+void LibTarnCmDataImp::rebuildIndexersAndInitializeEnums() {
+  type_.initialize();
+  for (auto* object = firstTypedChild<LibTarnManagedObjectImp>(*this); object;
+       object = nextTypedSibling(*object)) {
+    // One that is indexed already, as after a second rebuild, is no duplicate of itself.
+    if (!managedObjectIndex_->add(object) && getLibTarnManagedObject(nameOf(*object)) != object) {
+      throw exceptions::DuplicateElementException::instance(
+          LibTarnManagedObject::TAG_NAME, TAG_NAME, DistinguishedName::ATTR_NAME, nameOf(*object));
+    }
+    object->rebuildIndexersAndInitializeEnumAndDispatchToChildren();
+  }
+}
+
+LibTarnCmDataImp* LibTarnCmDataImp::getNextSiblingElement() const {
+  return nextTypedSibling(*this);
+}
+
+IElement* LibTarnCmDataImp::getFirstChildElement(const char* name) const {
+  return dynamic_cast<IElement*>(getFirstChild(name));
+}
+
+void LibTarnCmDataImp::removeThisElement() { unlinkFromParent(); }
+
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,88 @@
+#include "model/LibTarnDocument.hpp"
+
+#include "../util/LogLocation.hpp"
+#include "model/LibTarnDocumentInternal.hpp"
+#include "model/TarnDomDocument.hpp"
+#include "model/exceptions/ModelException.hpp"
+#include "model/validation/Validator.hpp"
+#include "util/Logger.hpp"
+
+namespace libtarn {
+namespace model {
+
+namespace {
+
+// Results of a parse.
+constexpr int PARSED = 0;
+constexpr int MALFORMED = 1;
+constexpr int MODEL_RULE_BROKEN = 2;
+
+}  // namespace
+
+LibTarnDocument::LibTarnDocument() : LibTarnDocument(new TarnDomDocument()) {}
+
+LibTarnDocument::LibTarnDocument(TarnDomDocument* document)
+    : domDocument_(document),
+      root_(static_cast<LibTarnDocumentInternal*>(
+          document->getFactory().allocateLibTarnDocumentInternalNode(document))),
+      factory_(&document->getFactory()) {
+  document->setRootElement(root_);
+}
+
+LibTarnDocument::~LibTarnDocument() = default;
+
+int LibTarnDocument::parse(const char* text, bool validate) { return parseImpl(text, validate); }
+
+int LibTarnDocument::parse(std::vector<char> text, bool validate) {
+  return parseImpl(text, validate);
+}
+
+template <class Text>
+int LibTarnDocument::parseImpl(Text& text, bool validate) {
+  try {
+    // Elements of an earlier parse stay readable.
+    domDocument_->keepText();
+    root_->parse(text);
+    if (validate) {
+      validation::Validator validator;
+      root_->accept(validator);
+    }
+  } catch (const rapidxml::parse_error& error) {
+    util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "parseImpl")
+        << "Parsing failed: " << error.what();
+    return MALFORMED;
+  } catch (const exceptions::ModelException& error) {
+    util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "parseImpl")
+        << "Validation failed: " << error.what();
+    return MODEL_RULE_BROKEN;
+  }
+  util::Logger(util::Logger::Level::INFO, TARN_LOG_LOCATION, "parseImpl")
+      << "LibTarnDocument parsing done. Document parsing, building indexers"
+      << (validate ? ", validation successful" : "");
+  return PARSED;
+}
+
+TarnDomDocument* LibTarnDocument::getItsTarnDomDocument() const {
+  return root_->getItsTarnDomDocument();
+}
+
+const char* LibTarnDocument::getVersion() const { return root_->getVersion(); }
+
+const char* LibTarnDocument::getXmlns() const { return root_->getXmlns(); }
+
+LibTarnCmData* LibTarnDocument::getLibTarnCmData() const { return root_->getLibTarnCmData(); }
+
+void LibTarnDocument::addLibTarnCmData(LibTarnCmData& cmData) { root_->addLibTarnCmData(cmData); }
+
+std::list<LibTarnManagedObject*> LibTarnDocument::getMOsMatchingMask(
+    const LibTarnManagedObject& mask) const {
+  return root_->getMOsMatchingMask(mask);
+}
+
+void LibTarnDocument::setChangesToMOs(const LibTarnManagedObject& mask,
+                                      const LibTarnManagedObject& changes) {
+  root_->setChangesToMOs(mask, changes);
+}
+
+}  // namespace model
+}  // namespace libtarn

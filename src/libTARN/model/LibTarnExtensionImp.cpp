@@ -1,0 +1,102 @@
+#include "model/LibTarnExtensionImp.hpp"
+
+#include "../util/LogLocation.hpp"
+#include "../util/forbiddenClone.hpp"
+#include "attributeNames.hpp"
+#include "model/TypedChildren.hpp"
+#include "model/validation/Validator.hpp"
+#include "util/TarnFactory.hpp"
+
+namespace libtarn {
+namespace model {
+
+const char* const LibTarnExtension::TAG_NAME = "extension";
+
+LibTarnExtensionImp::LibTarnExtensionImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
+    : TarnDomElement(pool), parameters_(NAME_ATTRIBUTE), factory_(factory) {
+  xml_base::name(TAG_NAME);
+}
+
+LibTarnExtensionImp* LibTarnExtensionImp::clone() const { return clone(factory_); }
+
+LibTarnExtensionImp* LibTarnExtensionImp::clone(util::TarnFactory& factory) const {
+  return static_cast<LibTarnExtensionImp*>(cloneTree(factory));
+}
+
+LibTarnExtensionImp* LibTarnExtensionImp::clone(libDomXml::IDomDocument* /*document*/) const {
+  util::logForbiddenClone(TARN_LOG_LOCATION, "LibTarnExtensionImp::clone(IDomDocument* document)");
+  return nullptr;
+}
+
+libDomXml::ElementCopy LibTarnExtensionImp::copySelf(util::TarnFactory& factory) const {
+  LibTarnExtensionImp* const copy = factory.allocateExtensionNode();
+  if (const char* const name = getName()) copy->setAttribute(NAME_ATTRIBUTE, name);
+  return {copy, true};
+}
+
+void LibTarnExtensionImp::dispatchToChildren(validation::Validator& validator) const {
+  for (auto* child = firstTypedChild<ScalarImp>(*this); child; child = nextTypedSibling(*child)) {
+    child->accept(validator);
+  }
+}
+
+void LibTarnExtensionImp::dispatchToSelf(validation::Validator& validator) const {
+  validator.visit(*this);
+}
+
+void LibTarnExtensionImp::updatePath(validation::Validator& validator) const {
+  validator.appendToPath(TAG_NAME, getName());
+}
+
+const char* LibTarnExtensionImp::getName() const { return getAttribute(NAME_ATTRIBUTE); }
+
+std::string LibTarnExtensionImp::getId() const { return getAttribute(NAME_ATTRIBUTE, ""); }
+
+bool LibTarnExtensionImp::hasParameters() const {
+  return firstTypedChild<ScalarImp>(*this) != nullptr;
+}
+
+Scalar* LibTarnExtensionImp::getParameters() const { return firstTypedChild<ScalarImp>(*this); }
+
+bool LibTarnExtensionImp::hasParameter(const std::string& name) const {
+  return parameters_.has(*this, name);
+}
+
+Scalar* LibTarnExtensionImp::getParameter(const std::string& name) const {
+  try {
+    return parameters_.get(*this, name);
+  } catch (const exceptions::NoSuchElementException&) {
+    return nullptr;
+  }
+}
+
+std::uint8_t LibTarnExtensionImp::addParameter(Scalar& parameter) {
+  try {
+    parameters_.add(*this, implementation<ScalarImp>(parameter));
+  } catch (const exceptions::DuplicateElementException&) {
+    return 1;
+  }
+  return 0;
+}
+
+std::uint8_t LibTarnExtensionImp::removeParameter(const std::string& name) {
+  try {
+    parameters_.remove(*this, name);
+  } catch (const exceptions::NoSuchElementException&) {
+    return 2;
+  }
+  return 0;
+}
+
+LibTarnExtensionImp* LibTarnExtensionImp::getNextSiblingElement() const {
+  return nextTypedSibling(*this);
+}
+
+IElement* LibTarnExtensionImp::getFirstChildElement(const char* name) const {
+  return dynamic_cast<IElement*>(getFirstChild(name));
+}
+
+void LibTarnExtensionImp::removeThisElement() { unlinkFromParent(); }
+
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,87 @@
+#include "model/LibTarnHeaderImp.hpp"
+
+#include <vector>
+
+#include "../util/LogLocation.hpp"
+#include "../util/forbiddenClone.hpp"
+#include "model/LogImp.hpp"
+#include "model/TypedChildren.hpp"
+#include "model/validation/Validator.hpp"
+#include "util/TarnFactory.hpp"
+
+namespace libtarn {
+namespace model {
+
+const char* const LibTarnHeader::TAG_NAME = "header";
+const unsigned int LibTarnHeader::MAX_LOG_COUNT = 50;
+
+LibTarnHeaderImp::LibTarnHeaderImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
+    : TarnDomElement(pool), factory_(factory) {
+  xml_base::name(TAG_NAME);
+}
+
+LibTarnHeaderImp* LibTarnHeaderImp::clone() const { return clone(factory_); }
+
+LibTarnHeaderImp* LibTarnHeaderImp::clone(util::TarnFactory& factory) const {
+  return static_cast<LibTarnHeaderImp*>(cloneTree(factory));
+}
+
+LibTarnHeaderImp* LibTarnHeaderImp::clone(libDomXml::IDomDocument* /*document*/) const {
+  util::logForbiddenClone(TARN_LOG_LOCATION, "LibTarnHeaderImp::clone(IDomDocument* document)");
+  return nullptr;
+}
+
+libDomXml::ElementCopy LibTarnHeaderImp::copySelf(util::TarnFactory& factory) const {
+  LibTarnHeaderImp* const copy = factory.allocateHeaderNode();
+  cloneAttributes(copy);
+  return {copy, true};
+}
+
+void LibTarnHeaderImp::dispatchToChildren(validation::Validator& validator) const {
+  for (auto* log = firstTypedChild<LogImp>(*this); log; log = nextTypedSibling(*log)) {
+    log->accept(validator);
+  }
+}
+
+void LibTarnHeaderImp::dispatchToSelf(validation::Validator& validator) const {
+  validator.visit(*this);
+}
+
+void LibTarnHeaderImp::updatePath(validation::Validator& validator) const {
+  validator.appendToPath(TAG_NAME, nullptr);
+}
+
+Log* LibTarnHeaderImp::getLogs() const { return firstTypedChild<LogImp>(*this); }
+
+void LibTarnHeaderImp::addLog(Log& log) {
+  addChild(&implementation<LogImp>(log));
+  truncate();
+}
+
+void LibTarnHeaderImp::truncate() {
+  std::size_t count = 0;
+  for (const Log* log = getLogs(); log; log = log->getNextSiblingElement()) ++count;
+  if (count <= MAX_LOG_COUNT) return;
+
+  const std::size_t excess = count - MAX_LOG_COUNT;
+  std::vector<Log*> oldest;
+  oldest.reserve(excess);
+  for (Log* first = getLogs(); oldest.size() < excess; first = first->getNextSiblingElement()) {
+    TARN_ASSERT(first, "!first.atEnd()");
+    oldest.push_back(first);
+  }
+  for (Log* log : oldest) log->removeThisElement();
+}
+
+LibTarnHeaderImp* LibTarnHeaderImp::getNextSiblingElement() const {
+  return nextTypedSibling(*this);
+}
+
+IElement* LibTarnHeaderImp::getFirstChildElement(const char* name) const {
+  return dynamic_cast<IElement*>(getFirstChild(name));
+}
+
+void LibTarnHeaderImp::removeThisElement() { unlinkFromParent(); }
+
+}  // namespace model
+}  // namespace libtarn

@@ -1,0 +1,385 @@
+#include "model/LibTarnManagedObjectImp.hpp"
+
+#include <cstring>
+#include <vector>
+
+#include "../util/LogLocation.hpp"
+#include "../util/forbiddenClone.hpp"
+#include "attributeNames.hpp"
+#include "indexChildren.hpp"
+#include "model/IDistinguishedNameValidator.hpp"
+#include "model/LibTarnCmDataImp.hpp"
+#include "model/ListImp.hpp"
+#include "model/ScalarImp.hpp"
+#include "model/TypedChildren.hpp"
+#include "model/exceptions/DuplicateElementException.hpp"
+#include "model/exceptions/NoSuchElementException.hpp"
+#include "model/indexation/ITarnIndexFactory.hpp"
+#include "model/validation/Validator.hpp"
+#include "patternText.hpp"
+#include "util/TarnFactory.hpp"
+
+namespace libtarn {
+namespace model {
+
+namespace {
+
+constexpr const char* CLASS_ATTRIBUTE = "class";
+constexpr const char* OPERATION_ATTRIBUTE = "operation";
+
+// Stands for any distinguished name.
+constexpr const char* ANY_DIST_NAME = "_-_";
+
+// What the interface does not tell: whether the element carries an operation.
+bool hasOperation(const LibTarnManagedObject& object) {
+  return implementation<LibTarnManagedObjectImp>(object).getAttribute(OPERATION_ATTRIBUTE) !=
+         nullptr;
+}
+
+template <class Collection>
+std::vector<std::string> namesOf(const Collection& collection) {
+  std::vector<std::string> names;
+  for (const auto& entry : collection) names.push_back(entry.second->getId());
+  return names;
+}
+
+}  // namespace
+
+const char* const LibTarnManagedObject::TAG_NAME = "managedObject";
+const char* const LibTarnManagedObjectImp::UNIQUE_CONTAINER_ID_ATTR_NAME = NAME_ATTRIBUTE;
+
+// The order gives the ordinals.
+const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::CREATE("create");
+const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::DELETE("delete");
+const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::UPDATE("update");
+const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::AUTO("auto");
+
+LibTarnManagedObjectImp::LibTarnManagedObjectImp(
+    libDomXml::IMemoryPool* pool, const IDistinguishedNameValidator* distNameValidator,
+    const indexation::ITarnIndexFactory* indexFactory, util::TarnFactory& factory)
+    : TarnDomElement(pool),
+      distNameValidator_(distNameValidator),
+      indexFactory_(indexFactory),
+      scalarIndex_(checkedIndex(indexFactory_->createUniqueScalarNameTarnIndex())),
+      listIndex_(checkedIndex(indexFactory_->createUniqueIndexForList())),
+      operation_(this, OPERATION_ATTRIBUTE),
+      extensions_(UNIQUE_CONTAINER_ID_ATTR_NAME),
+      factory_(factory) {
+  xml_base::name(TAG_NAME);
+}
+
+LibTarnManagedObjectImp* LibTarnManagedObjectImp::clone() const { return clone(factory_); }
+
+LibTarnManagedObjectImp* LibTarnManagedObjectImp::clone(util::TarnFactory& factory) const {
+  return static_cast<LibTarnManagedObjectImp*>(cloneTree(factory));
+}
+
+LibTarnManagedObjectImp* LibTarnManagedObjectImp::clone(
+    libDomXml::IDomDocument* /*document*/) const {
+  util::logForbiddenClone(TARN_LOG_LOCATION,
+                          "LibTarnManagedObjectImp::clone(IDomDocument* document)");
+  return nullptr;
+}
+
+libDomXml::ElementCopy LibTarnManagedObjectImp::copySelf(util::TarnFactory& factory) const {
+  TarnDomElement* const copy = factory.allocateTarnManagedObjectNode();
+  cloneAttributes(copy);
+  return {copy, true};
+}
+
+void LibTarnManagedObjectImp::finishCopy() { rebuildIndexersAndInitializeEnum(); }
+
+void LibTarnManagedObjectImp::dispatchToChildren(validation::Validator& validator) const {
+  for (const auto& entry : getScalarParameters()) {
+    implementation<ScalarImp>(*entry.second).accept(validator);
+  }
+  for (const auto& entry : getListParameters()) {
+    implementation<ListImp>(*entry.second).accept(validator);
+  }
+  for (auto* extension = firstTypedChild<LibTarnExtensionImp>(*this); extension;
+       extension = nextTypedSibling(*extension)) {
+    extension->accept(validator);
+  }
+}
+
+void LibTarnManagedObjectImp::dispatchToSelf(validation::Validator& validator) const {
+  validator.visit(*this);
+}
+
+void LibTarnManagedObjectImp::updatePath(validation::Validator& validator) const {
+  validator.appendToPath(TAG_NAME, getAttribute(DistinguishedName::ATTR_NAME));
+}
+
+// Attributes
+
+const char* LibTarnManagedObjectImp::getClass() const { return getAttribute(CLASS_ATTRIBUTE); }
+
+const char* LibTarnManagedObjectImp::getVersion() const { return getAttribute(VERSION_ATTRIBUTE); }
+
+DistinguishedName LibTarnManagedObjectImp::getDistName() const {
+  return DistinguishedName(getAttribute(DistinguishedName::ATTR_NAME));
+}
+
+LibTarnManagedObject::Operation LibTarnManagedObjectImp::getOperation() const {
+  return operation_.hasValue() ? Operation(operation_.getValue()) : Operation::AUTO;
+}
+
+void LibTarnManagedObjectImp::setOperation(Operation operation) { operation_.set(operation); }
+
+void LibTarnManagedObjectImp::setVersion(const std::string& version) {
+  setAttribute(VERSION_ATTRIBUTE, version.c_str());
+}
+
+void LibTarnManagedObjectImp::clearOperation() { operation_.remove(); }
+
+// An object under another kind of element is in no index.
+std::uint8_t LibTarnManagedObjectImp::setDistName(const char* distName) {
+  if (!distNameValidator_->isValid(distName)) return 1;
+  if (auto* const cmData = dynamic_cast<LibTarnCmDataImp*>(getParent())) {
+    cmData->setMoDistName(*this, distName);
+  } else {
+    setAttribute(DistinguishedName::ATTR_NAME, distName);
+  }
+  return 0;
+}
+
+// Parameters
+
+bool LibTarnManagedObjectImp::hasScalarParameter(const std::string& name) const {
+  return scalarIndex_->find(name.c_str()) != nullptr;
+}
+
+Scalar* LibTarnManagedObjectImp::getScalarParameter(const char* name) const {
+  return scalarIndex_->find(name);
+}
+
+indexation::ScalarCollection LibTarnManagedObjectImp::getScalarParameters() const {
+  return scalarIndex_->getCollection();
+}
+
+std::uint8_t LibTarnManagedObjectImp::addParameter(Scalar& parameter) {
+  auto& element = implementation<ScalarImp>(parameter);
+  if (!scalarIndex_->add(&parameter)) return 1;
+  addChild(&element);
+  return 0;
+}
+
+std::uint8_t LibTarnManagedObjectImp::removeScalarParameter(const std::string& name) {
+  Scalar* const parameter = scalarIndex_->find(name.c_str());
+  if (!parameter) return 2;
+  scalarIndex_->remove(name.c_str());
+  return removeChild(&implementation<ScalarImp>(*parameter)) ? 0 : 1;
+}
+
+bool LibTarnManagedObjectImp::hasListParameter(const std::string& name) const {
+  return listIndex_->find(name.c_str()) != nullptr;
+}
+
+List* LibTarnManagedObjectImp::getListParameter(const std::string& name) const {
+  return listIndex_->find(name.c_str());
+}
+
+indexation::ListCollection LibTarnManagedObjectImp::getListParameters() const {
+  return listIndex_->getCollection();
+}
+
+std::uint8_t LibTarnManagedObjectImp::addParameter(List& parameter) {
+  auto& element = implementation<ListImp>(parameter);
+  if (!listIndex_->add(&parameter)) return 1;
+  addChild(&element);
+  return 0;
+}
+
+std::uint8_t LibTarnManagedObjectImp::removeListParameter(const std::string& name) {
+  List* const parameter = listIndex_->find(name.c_str());
+  if (!parameter) return 2;
+  listIndex_->remove(name.c_str());
+  return removeChild(&implementation<ListImp>(*parameter)) ? 0 : 1;
+}
+
+// Extensions
+
+bool LibTarnManagedObjectImp::hasExtension(const std::string& name) const {
+  return extensions_.has(*this, name);
+}
+
+LibTarnExtension* LibTarnManagedObjectImp::getExtension(const std::string& name) const {
+  try {
+    return extensions_.get(*this, name);
+  } catch (const exceptions::NoSuchElementException&) {
+    return nullptr;
+  }
+}
+
+LibTarnExtension* LibTarnManagedObjectImp::getExtensions() const {
+  return firstTypedChild<LibTarnExtensionImp>(*this);
+}
+
+std::uint8_t LibTarnManagedObjectImp::addParameter(LibTarnExtension& extension) {
+  try {
+    extensions_.add(*this, implementation<LibTarnExtensionImp>(extension));
+  } catch (const exceptions::DuplicateElementException&) {
+    return 1;
+  }
+  return 0;
+}
+
+std::uint8_t LibTarnManagedObjectImp::removeExtension(const std::string& name) {
+  try {
+    extensions_.remove(*this, name);
+  } catch (const exceptions::NoSuchElementException&) {
+    return 2;
+  }
+  return 0;
+}
+
+// Matching
+
+bool LibTarnManagedObjectImp::match(const LibTarnManagedObject& pattern) const {
+  return matchesAttributes(pattern) && matchesScalars(pattern) && matchesLists(pattern);
+}
+
+bool LibTarnManagedObjectImp::matchesAttributes(const LibTarnManagedObject& pattern) const {
+  const char* const tag = implementation<LibTarnManagedObjectImp>(pattern).getTagName();
+  if (!isEmptyText(tag) && !isSameText(tag, TAG_NAME)) return false;
+  if (hasOperation(pattern) && !(hasOperation(*this) && getOperation() == pattern.getOperation())) {
+    return false;
+  }
+  if (!isWildcard(pattern.getClass()) && !isSameText(getClass(), pattern.getClass())) return false;
+  if (!isWildcard(pattern.getVersion()) && !isSameText(getVersion(), pattern.getVersion())) {
+    return false;
+  }
+  return matchesDistName(pattern.getDistName().getText());
+}
+
+// The pattern may be any part of this object's name.
+bool LibTarnManagedObjectImp::matchesDistName(const char* pattern) const {
+  if (isEmptyText(pattern) || isSameText(pattern, ANY_DIST_NAME)) return true;
+  const char* const distName = getAttribute(DistinguishedName::ATTR_NAME);
+  return distName && std::strstr(distName, pattern) != nullptr;
+}
+
+bool LibTarnManagedObjectImp::matchesScalars(const LibTarnManagedObject& pattern) const {
+  for (const auto& entry : pattern.getScalarParameters()) {
+    const Scalar* const parameter = getScalarParameter(entry.first);
+    if (!parameter || !parameter->match(*entry.second)) return false;
+  }
+  return true;
+}
+
+bool LibTarnManagedObjectImp::matchesLists(const LibTarnManagedObject& pattern) const {
+  for (const auto& entry : pattern.getListParameters()) {
+    if (!hasMatch(*entry.second)) return false;
+  }
+  return true;
+}
+
+bool LibTarnManagedObjectImp::hasMatch(const List& pattern) const {
+  if (!isWildcard(pattern.getName())) {
+    const List* const list = getListParameter(pattern.getId());
+    return list && list->match(pattern);
+  }
+  for (const auto& entry : getListParameters()) {
+    if (entry.second->match(pattern)) return true;
+  }
+  return false;
+}
+
+// Changing
+
+bool LibTarnManagedObjectImp::change(const LibTarnManagedObject& pattern,
+                                     const LibTarnManagedObject& values) {
+  if (!match(pattern)) return false;
+  if (&values == this) return true;
+  changeAttributes(values);
+  const char* const newDistName = values.getDistName().getText();
+  if (newDistName && !isSameText(newDistName, ANY_DIST_NAME)) {
+    changeDistName(pattern.getDistName().getText(), newDistName);
+  }
+  replaceScalars(values);
+  replaceLists(values);
+  return true;
+}
+
+void LibTarnManagedObjectImp::changeAttributes(const LibTarnManagedObject& values) {
+  if (hasOperation(values)) setOperation(values.getOperation());
+  if (values.getClass() && !isWildcard(values.getClass())) changeClass(values.getClass());
+  if (values.getVersion() && !isWildcard(values.getVersion())) setVersion(values.getVersion());
+}
+
+void LibTarnManagedObjectImp::changeClass(const char* className) {
+  if (auto* const cmData = dynamic_cast<LibTarnCmDataImp*>(getParent())) {
+    cmData->setMoClass(*this, className);
+  } else {
+    setAttribute(CLASS_ATTRIBUTE, className);
+  }
+}
+
+// Puts `replacement` in place of the first occurrence of `pattern` in the name.
+void LibTarnManagedObjectImp::changeDistName(const char* pattern, const char* replacement) {
+  std::string distName = getAttribute(DistinguishedName::ATTR_NAME, "");
+  const std::size_t position = pattern ? distName.find(pattern) : std::string::npos;
+  if (position != std::string::npos) {
+    distName.replace(position, std::strlen(pattern), replacement);
+  }
+  setDistName(distName.c_str());
+}
+
+void LibTarnManagedObjectImp::replaceScalars(const LibTarnManagedObject& values) {
+  for (const std::string& name : namesOf(values.getScalarParameters())) {
+    removeScalarParameter(name);
+  }
+  for (const auto& entry : values.getScalarParameters()) {
+    addParameter(*implementation<ScalarImp>(*entry.second).clone(factory_));
+  }
+}
+
+void LibTarnManagedObjectImp::replaceLists(const LibTarnManagedObject& values) {
+  for (const std::string& name : namesOf(values.getListParameters())) removeListParameter(name);
+  for (const auto& entry : values.getListParameters()) {
+    addParameter(*implementation<ListImp>(*entry.second).clone(factory_));
+  }
+}
+
+// Tree
+
+LibTarnManagedObjectImp* LibTarnManagedObjectImp::getNextSiblingElement() const {
+  return nextTypedSibling(*this);
+}
+
+IElement* LibTarnManagedObjectImp::getFirstChildElement(const char* name) const {
+  return dynamic_cast<IElement*>(getFirstChild(name));
+}
+
+void LibTarnManagedObjectImp::removeThisElement() { unlinkFromParent(); }
+
+void LibTarnManagedObjectImp::rebuildIndexersAndInitializeEnum() {
+  rebuildIndexersAndInitializeEnum(RebuildIndexersMode::OwnIndexes);
+}
+
+void LibTarnManagedObjectImp::rebuildIndexersAndInitializeEnumAndDispatchToChildren() {
+  rebuildIndexersAndInitializeEnum(RebuildIndexersMode::DispatchToChildren);
+}
+
+// The operation is optional.
+void LibTarnManagedObjectImp::rebuildIndexersAndInitializeEnum(RebuildIndexersMode mode) {
+  if (hasOperation(*this)) operation_.initialize();
+  for (auto* child = firstTypedChild<ScalarImp>(*this); child; child = nextTypedSibling(*child)) {
+    if (!indexOnce<Scalar>(*scalarIndex_, *child))
+      throwDuplicate(Scalar::TAG_NAME, child->getName());
+  }
+  for (auto* list = firstTypedChild<ListImp>(*this); list; list = nextTypedSibling(*list)) {
+    if (!indexOnce<List>(*listIndex_, *list)) throwDuplicate(List::TAG_NAME, list->getName());
+    if (mode == RebuildIndexersMode::DispatchToChildren) {
+      list->rebuildIndexersAndDispatchToChildren();
+    }
+  }
+}
+
+void LibTarnManagedObjectImp::throwDuplicate(const char* childTag, const char* name) const {
+  throw exceptions::DuplicateElementException::instance(
+      childTag, getAttribute(DistinguishedName::ATTR_NAME, ""), NAME_ATTRIBUTE, textOrEmpty(name));
+}
+
+}  // namespace model
+}  // namespace libtarn

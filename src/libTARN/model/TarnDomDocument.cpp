@@ -1,0 +1,175 @@
+#include "model/TarnDomDocument.hpp"
+
+#include <cstring>
+#include <utility>
+
+#include "model/LibTarnDocumentDeclaration.hpp"
+#include "model/LibTarnDocumentInternal.hpp"
+#include "model/LibTarnExtensionImp.hpp"
+#include "model/LibTarnHeaderImp.hpp"
+#include "model/ListImp.hpp"
+#include "model/LogImp.hpp"
+#include "model/ScalarImp.hpp"
+#include "model/Structure.hpp"
+#include "rapidxml/rapidxml_print.hpp"
+
+namespace libtarn {
+namespace model {
+
+TarnDomDocument::TarnDomDocument() : DomDocument(true), factory_(*this) {
+  declaration_ = createDocumentDeclaration();
+}
+
+// On the heap, whereas the constructor above maps memory: hosts that bring their own parts keep
+// many small documents.
+TarnDomDocument::TarnDomDocument(IDistinguishedNameValidator* validator,
+                                 indexation::ITarnIndexFactory* indexFactory)
+    : DomDocument(false), factory_(*this, validator, indexFactory) {
+  declaration_ = createDocumentDeclaration();
+}
+
+TarnDomDocument::~TarnDomDocument() = default;
+
+LibTarnDocumentDeclaration* TarnDomDocument::createDocumentDeclaration() {
+  auto* const declaration =
+      new (allocate_aligned(sizeof(LibTarnDocumentDeclaration))) LibTarnDocumentDeclaration(this);
+  declaration->type(rapidxml::node_declaration);
+  return declaration;
+}
+
+// Allocation for the parser
+
+TarnDomElement* TarnDomDocument::allocate_node(rapidxml::node_type type, const char* /*name*/,
+                                               const char* /*value*/, std::size_t /*nameSize*/,
+                                               std::size_t /*valueSize*/) {
+  return type == rapidxml::node_declaration ? reuseDeclaration() : createTarnElement();
+}
+
+TarnDomElement* TarnDomDocument::allocateTarnManagedObjectNode() {
+  return factory_.allocateTarnManagedObjectNode();
+}
+
+TarnDomElement* TarnDomDocument::allocateTarnCmDataNode() {
+  return factory_.allocateTarnCmDataNode();
+}
+
+TarnDomElement* TarnDomDocument::allocateStructureNode() {
+  return factory_.allocateStructureNode();
+}
+
+bool TarnDomDocument::isTopLevelNode() { return std::exchange(beforeTopLevelNode_, false); }
+
+// A document has one declaration: a further one in the text fills it anew and moves it to the end.
+TarnDomElement* TarnDomDocument::reuseDeclaration() {
+  if (!isTopLevelNode()) throw rapidxml::parse_error("unknown TARN object", parsePosition_);
+  if (declaration_->parent()) remove_node(declaration_);
+  declaration_->remove_all_attributes();
+  return static_cast<TarnDomElement*>(declaration_);
+}
+
+// Likewise the root; its children stay and more are added to them.
+TarnDomElement* TarnDomDocument::reuseRoot(const char* nameEnd) {
+  if (!isTopLevelNode() || !root_) {
+    throw rapidxml::parse_error("unknown TARN object", const_cast<char*>(nameEnd));
+  }
+  if (root_->parent()) remove_node(root_);
+  root_->remove_all_attributes();
+  return root_;
+}
+
+// The first tag of which the name is a beginning decides, so that "manag" is a managed object.
+TarnDomElement* TarnDomDocument::createTarnElement() {
+  const char* const name = parsePosition_;
+  std::size_t size = 0;
+  while (name && rapidxml::internal::contains<rapidxml::internal::node_name>(name[size])) ++size;
+  if (size == 0) throw rapidxml::parse_error("expected element name", parsePosition_);
+
+  const auto begins = [name, size](const char* tag) { return std::strncmp(name, tag, size) == 0; };
+  TarnDomElement* element = nullptr;
+  if (begins(LibTarnManagedObject::TAG_NAME)) {
+    element = allocateTarnManagedObjectNode();
+  } else if (begins(LibTarnDocumentInternal::TAG_NAME)) {
+    element = reuseRoot(name + size);
+  } else if (begins(LibTarnCmData::TAG_NAME)) {
+    element = allocateTarnCmDataNode();
+  } else if (begins(LibTarnHeader::TAG_NAME)) {
+    element = factory_.allocateHeaderNode();
+  } else if (begins(Log::TAG_NAME)) {
+    element = factory_.allocateLogNode();
+  } else if (begins(List::TAG_NAME)) {
+    element = factory_.allocateListNode();
+  } else if (begins(Scalar::TAG_NAME)) {
+    element = factory_.allocateScalarNode();
+  } else if (begins(Structure::TAG_NAME)) {
+    element = allocateStructureNode();
+  } else if (begins(LibTarnExtension::TAG_NAME)) {
+    element = factory_.allocateExtensionNode();
+  } else {
+    throw rapidxml::parse_error("unknown TARN object", const_cast<char*>(name + size));
+  }
+  beforeTopLevelNode_ = false;
+  // Spares the parser a second scan of the name.
+  element->rapidxml::xml_base<char>::name(name, size);
+  return element;
+}
+
+// Parsing
+
+void TarnDomDocument::parse(const char* text) {
+  TARN_ASSERT(text, "text");
+  std::vector<char> copy(text, text + std::strlen(text) + 1);
+  parse(copy);
+}
+
+void TarnDomDocument::parse(std::vector<char>& text) {
+  if (text.empty() || text.back() != '\0') {
+    throw rapidxml::parse_error("unexpected end of data", text.data() + text.size());
+  }
+  leaveText();
+  buffer_.swap(text);
+  parseDoc(buffer_.data());
+}
+
+void TarnDomDocument::keepText() {
+  if (buffer_.empty()) return;
+  keptTexts_.emplace_back();
+  keptTexts_.back().swap(buffer_);
+}
+
+int TarnDomDocument::rapidParse(char* text) {
+  try {
+    parseDoc(text);
+  } catch (const rapidxml::parse_error&) {
+    return 1;
+  }
+  return 0;
+}
+
+void TarnDomDocument::parseDoc(char* text) {
+  TARN_ASSERT(text, "text");
+  leaveText();
+  parsePosition_ = text;
+  parse_top_level<33>(parsePosition_, [this] { beforeTopLevelNode_ = true; });
+}
+
+// Declaration and root outlive the text of a parse; what hangs below the root goes with it. What a
+// host added before the first parse stays.
+void TarnDomDocument::leaveText() {
+  if (!parsePosition_) return;
+  parsePosition_ = nullptr;
+  declaration_->moveTextsIntoPool();
+  if (!root_) return;
+  root_->remove_all_nodes();
+  root_->rapidxml::xml_base<char>::value(static_cast<const char*>(nullptr), 0);
+  root_->moveTextsIntoPool();
+}
+
+std::string TarnDomDocument::printDocument() {
+  std::string out;
+  rapidxml::print_node(out, declaration_, 0, 0);
+  if (root_) rapidxml::print_node(out, root_, 0, 0);
+  return out;
+}
+
+}  // namespace model
+}  // namespace libtarn

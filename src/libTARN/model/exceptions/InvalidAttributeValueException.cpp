@@ -1,0 +1,28 @@
+#include "model/exceptions/InvalidAttributeValueException.hpp"
+
+#include <sstream>
+
+namespace libtarn {
+namespace model {
+namespace exceptions {
+
+InvalidAttributeValueException::InvalidAttributeValueException(const std::string& message)
+    : ModelException(message) {}
+
+InvalidAttributeValueException InvalidAttributeValueException::instance(const char* element,
+                                                                        const char* attribute,
+                                                                        const char* value) {
+  std::ostringstream message;
+  message << "'" << value << "' is not a valid value of '" << element << "' attribute '"
+          << attribute << "'";
+  return InvalidAttributeValueException(message.str());
+}
+
+void InvalidAttributeValueException::throwException(const char* element, const char* attribute,
+                                                    const char* value) {
+  throw instance(element, attribute, value);
+}
+
+}  // namespace exceptions
+}  // namespace model
+}  // namespace libtarn

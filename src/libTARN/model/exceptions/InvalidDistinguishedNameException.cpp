@@ -1,0 +1,21 @@
+#include "model/exceptions/InvalidDistinguishedNameException.hpp"
+
+namespace libtarn {
+namespace model {
+namespace exceptions {
+
+namespace {
+
+std::string messageFor(const char* distName) {
+  if (!distName) return "Invalid distinguished name";
+  return std::string("Invalid distinguished name: '") + distName + "'";
+}
+
+}  // namespace
+
+InvalidDistinguishedNameException::InvalidDistinguishedNameException(const char* distName)
+    : ModelException(messageFor(distName)) {}
+
+}  // namespace exceptions
+}  // namespace model
+}  // namespace libtarn

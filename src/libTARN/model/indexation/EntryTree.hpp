@@ -1,0 +1,361 @@
+#pragma once
+
+// A B+-tree of entries in a pool.
+//
+// Entries stand in leaves, in order, one behind the other, and the leaves are linked, so that a
+// walk through all entries is a walk through arrays. Inner nodes hold, for each child but the
+// first, the entry that was the child's first when the child was made: everything in the child is
+// not less than it, everything in the children before it is less. Copies of entries that have since
+// been removed may stand there; their key texts stay readable as long as the pool.
+//
+// Leaf:   | run: begin, end, next leaf | previous leaf | capacity | entry, entry, ...        |
+// Inner:  | count | children [fanout] | first entries of the children [fanout]               |
+//
+// The only leaf of a small tree grows by doubling. A full leaf is split in halves, or, when the new
+// entry comes behind all others, left full and followed by a new one: entries that come in order
+// cost one comparison each and fill their leaves. Nothing is balanced on removal; a leaf that
+// becomes empty is taken out. Add, find and erase cost O(log n) comparisons. What a node replaces
+// is abandoned, since the pool takes nothing back.
+//
+// Height: a level is added when the root is full, for which its children have been split fanout / 2
+// times at least, each after as many additions below it. So there are more than (fanout / 2)^height
+// additions, and 2^64 of them give 16 levels.
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <new>
+#include <type_traits>
+
+#include "model/indexation/TarnAllocator.hpp"
+#include "model/indexation/TarnCollection.hpp"
+
+namespace libtarn {
+namespace model {
+namespace indexation {
+
+/// `Order::compare(const Entry&, const Entry&)` is negative, zero or positive. No two entries of
+/// the tree compare equal. add() has the strong guarantee: when the pool has no memory,
+/// std::bad_alloc is thrown and nothing has changed.
+template <class Entry, class Order>
+class EntryTree {
+ public:
+  static constexpr std::size_t first_capacity = 4;
+  static constexpr std::size_t leaf_capacity = 64;
+  static constexpr std::size_t fanout = 32;
+
+  explicit EntryTree(libDomXml::IMemoryPool* pool) : allocator_(pool) {}
+
+  std::size_t size() const { return size_; }
+
+  TarnCollection<Entry> collection() const {
+    if (!first_) return {};
+    return {iterator(first_->begin, first_), end()};
+  }
+
+  /// The entry equal to `key`, or null.
+  const Entry* find(const Entry& key) const {
+    if (!root_) return nullptr;
+    const Leaf* const leaf = descend(key, nullptr);
+    const Entry* const position = lowerBound(leaf, key);
+    return position != leaf->end && Order::compare(*position, key) == 0 ? position : nullptr;
+  }
+
+  /// The first entry that is not less than `key`.
+  typename TarnCollection<Entry>::iterator lowerBound(const Entry& key) const {
+    if (!root_) return {};
+    const Leaf* const leaf = descend(key, nullptr);
+    const Entry* const position = lowerBound(leaf, key);
+    if (position == leaf->end && leaf->next) return iterator(leaf->next->begin, leaf->next);
+    return iterator(position, leaf);
+  }
+
+  /// False, with nothing changed, when an equal entry is there.
+  bool add(const Entry& entry) {
+    if (!root_) return addFirst(entry);
+    Path path;
+    Leaf* leaf = nullptr;
+    Entry* position = nullptr;
+    if (isBehindAll(entry)) {
+      leaf = last_;
+      position = last_->entries() + count(last_);
+      if (isFull(leaf) && height_ > 0) descend(entry, &path);
+    } else {
+      leaf = descend(entry, &path);
+      position = leaf->entries() + (lowerBound(leaf, entry) - leaf->begin);
+      if (position != leaf->end && Order::compare(*position, entry) == 0) return false;
+    }
+    insert(leaf, static_cast<std::size_t>(position - leaf->begin), entry, path);
+    ++size_;
+    return true;
+  }
+
+  /// False when no equal entry is there.
+  bool erase(const Entry& key) {
+    if (!root_) return false;
+    Path path;
+    Leaf* const leaf = descend(key, &path);
+    Entry* const position = leaf->entries() + (lowerBound(leaf, key) - leaf->begin);
+    if (position == leaf->end || Order::compare(*position, key) != 0) return false;
+    std::copy(position + 1, leaf->entries() + count(leaf), position);
+    --leaf->end;
+    --size_;
+    if (leaf->begin == leaf->end && height_ > 0) removeLeaf(leaf, path);
+    return true;
+  }
+
+  void clear() {
+    root_ = nullptr;
+    first_ = nullptr;
+    last_ = nullptr;
+    height_ = 0;
+    size_ = 0;
+  }
+
+ private:
+  static_assert(std::is_trivially_destructible_v<Entry>,
+                "entries are dropped without being destroyed");
+
+  using iterator = typename TarnCollection<Entry>::iterator;
+
+  struct Leaf : EntryRun<Entry> {
+    Leaf* previous;
+    std::size_t capacity;
+
+    Entry* entries() { return reinterpret_cast<Entry*>(this + 1); }
+  };
+  static_assert(sizeof(Leaf) % alignof(Entry) == 0, "entries follow their leaf");
+
+  struct Inner {
+    std::size_t count = 0;
+    void* children[fanout];
+    Entry firsts[fanout];  // the first is not used
+  };
+
+  static constexpr std::size_t max_height = 17;
+
+  struct Step {
+    Inner* node;
+    std::size_t index;  // of the child that was taken
+  };
+  using Path = std::array<Step, max_height>;  // Path[0] is above the leaves
+
+  static std::size_t count(const Leaf* leaf) {
+    return static_cast<std::size_t>(leaf->end - leaf->begin);
+  }
+  static bool isFull(const Leaf* leaf) { return count(leaf) == leaf->capacity; }
+
+  iterator end() const { return iterator(last_->end, last_); }
+
+  bool isBehindAll(const Entry& entry) const {
+    return last_->begin != last_->end && Order::compare(last_->end[-1], entry) < 0;
+  }
+
+  static const Entry* lowerBound(const Leaf* leaf, const Entry& key) {
+    return std::lower_bound(leaf->begin, leaf->end, key, [](const Entry& a, const Entry& b) {
+      return Order::compare(a, b) < 0;
+    });
+  }
+
+  // The leaf where `key` is or would be; the way there goes into `path` when one is given.
+  Leaf* descend(const Entry& key, Path* path) const {
+    void* node = root_;
+    for (std::size_t level = height_; level > 0; --level) {
+      auto* const inner = static_cast<Inner*>(node);
+      const Entry* const behind =
+          std::upper_bound(inner->firsts + 1, inner->firsts + inner->count, key,
+                           [](const Entry& a, const Entry& b) { return Order::compare(a, b) < 0; });
+      const auto index = static_cast<std::size_t>(behind - inner->firsts) - 1;
+      if (path) (*path)[level - 1] = {inner, index};
+      node = inner->children[index];
+    }
+    return static_cast<Leaf*>(node);
+  }
+
+  // Nodes
+
+  Leaf* newLeaf(std::size_t capacity) {
+    void* const memory = allocator_.allocate(sizeof(Leaf) + capacity * sizeof(Entry));
+    auto* const leaf = new (memory) Leaf;
+    leaf->begin = leaf->entries();
+    leaf->end = leaf->begin;
+    leaf->next = nullptr;
+    leaf->previous = nullptr;
+    leaf->capacity = capacity;
+    return leaf;
+  }
+
+  Inner* newInner() {
+    void* const memory = allocator_.allocate(sizeof(Inner));
+    return new (memory) Inner;
+  }
+
+  static void insertInto(Leaf* leaf, std::size_t index, const Entry& entry) {
+    Entry* const entries = leaf->entries();
+    const std::size_t size = count(leaf);
+    std::copy_backward(entries + index, entries + size, entries + size + 1);
+    entries[index] = entry;
+    ++leaf->end;
+  }
+
+  static void insertInto(Inner* inner, std::size_t index, void* child, const Entry& first) {
+    std::copy_backward(inner->children + index, inner->children + inner->count,
+                       inner->children + inner->count + 1);
+    std::copy_backward(inner->firsts + index, inner->firsts + inner->count,
+                       inner->firsts + inner->count + 1);
+    inner->children[index] = child;
+    inner->firsts[index] = first;
+    ++inner->count;
+  }
+
+  // Adding
+
+  bool addFirst(const Entry& entry) {
+    Leaf* const leaf = newLeaf(first_capacity);
+    insertInto(leaf, 0, entry);
+    root_ = first_ = last_ = leaf;
+    ++size_;
+    return true;
+  }
+
+  void insert(Leaf* leaf, std::size_t index, const Entry& entry, const Path& path) {
+    if (!isFull(leaf)) return insertInto(leaf, index, entry);
+    if (leaf->capacity < leaf_capacity) return insertInto(growOnlyLeaf(leaf), index, entry);
+    split(leaf, index, entry, path);
+  }
+
+  // Only a leaf that is the whole tree is smaller than the others.
+  Leaf* growOnlyLeaf(Leaf* leaf) {
+    Leaf* const larger = newLeaf(2 * leaf->capacity);
+    std::copy(leaf->begin, leaf->end, larger->entries());
+    larger->end += count(leaf);
+    root_ = first_ = last_ = larger;
+    return larger;
+  }
+
+  // The nodes that a split needs are taken from the pool before anything is changed.
+  void split(Leaf* leaf, std::size_t index, const Entry& entry, const Path& path) {
+    std::size_t fullLevels = 0;
+    while (fullLevels < height_ && path[fullLevels].node->count == fanout) ++fullLevels;
+    const bool needsRoot = fullLevels == height_;
+    std::array<Inner*, max_height> spare{};
+    const std::size_t needed = fullLevels + (needsRoot ? 1 : 0);
+    Leaf* const right = newLeaf(leaf_capacity);
+    for (std::size_t i = 0; i < needed; ++i) spare[i] = newInner();
+
+    splitLeaf(leaf, right, index, entry);
+    void* child = right;
+    Entry first = *right->begin;
+    for (std::size_t level = 0; level < fullLevels; ++level) {
+      first = splitInner(path[level], spare[level], child, first);
+      child = spare[level];
+    }
+    if (!needsRoot) {
+      insertInto(path[fullLevels].node, path[fullLevels].index + 1, child, first);
+      return;
+    }
+    Inner* const root = spare[fullLevels];
+    insertInto(root, 0, root_, first);
+    insertInto(root, 1, child, first);
+    root_ = root;
+    ++height_;
+  }
+
+  void splitLeaf(Leaf* leaf, Leaf* right, std::size_t index, const Entry& entry) {
+    const bool isLastEntry = leaf == last_ && index == count(leaf);
+    const std::size_t kept = isLastEntry ? index : leaf_capacity / 2;
+    std::copy(leaf->begin + kept, leaf->end, right->entries());
+    right->end += count(leaf) - kept;
+    leaf->end = leaf->begin + kept;
+    linkBehind(leaf, right);
+    if (index < kept) {
+      insertInto(leaf, index, entry);
+    } else {
+      insertInto(right, index - kept, entry);
+    }
+  }
+
+  void linkBehind(Leaf* leaf, Leaf* right) {
+    right->previous = leaf;
+    right->next = leaf->next;
+    if (leaf == last_) {
+      last_ = right;
+    } else {
+      nextOf(right)->previous = right;
+    }
+    leaf->next = right;
+  }
+
+  static Leaf* nextOf(const Leaf* leaf) {
+    return const_cast<Leaf*>(static_cast<const Leaf*>(leaf->next));
+  }
+
+  // Adds `child` behind the child at `step` and moves what is too much into the empty `right`.
+  // Returns the first entry of `right`.
+  static Entry splitInner(const Step& step, Inner* right, void* child, const Entry& first) {
+    Inner* const left = step.node;
+    const std::size_t index = step.index + 1;
+    const std::size_t kept = index == fanout ? fanout : fanout / 2;
+    right->count = fanout - kept;
+    std::copy(left->children + kept, left->children + fanout, right->children);
+    std::copy(left->firsts + kept, left->firsts + fanout, right->firsts);
+    left->count = kept;
+    // At the border the new child goes to the right, unless it would become the first there.
+    if (index > kept || kept == fanout) {
+      insertInto(right, index - kept, child, first);
+    } else {
+      insertInto(left, index, child, first);
+    }
+    return right->firsts[0];
+  }
+
+  // Removing
+
+  void removeLeaf(Leaf* leaf, const Path& path) {
+    if (leaf->previous) {
+      leaf->previous->next = leaf->next;
+    } else {
+      first_ = nextOf(leaf);
+    }
+    if (leaf->next) {
+      nextOf(leaf)->previous = leaf->previous;
+    } else {
+      last_ = leaf->previous;
+    }
+    removeChild(path);
+    shrink();
+  }
+
+  // Takes out the child at the path's end, and every inner node that has no child left then.
+  void removeChild(const Path& path) {
+    for (std::size_t level = 0; level < height_; ++level) {
+      Inner* const inner = path[level].node;
+      const std::size_t index = path[level].index;
+      std::copy(inner->children + index + 1, inner->children + inner->count,
+                inner->children + index);
+      std::copy(inner->firsts + index + 1, inner->firsts + inner->count, inner->firsts + index);
+      if (--inner->count > 0) return;
+    }
+  }
+
+  void shrink() {
+    while (height_ > 0) {
+      const Inner* const root = static_cast<Inner*>(root_);
+      if (root->count == 0) return clear();
+      if (root->count > 1) return;
+      root_ = root->children[0];
+      --height_;
+    }
+  }
+
+  TarnAllocator<unsigned char> allocator_;
+  void* root_ = nullptr;  // a Leaf at height 0, else an Inner
+  Leaf* first_ = nullptr;
+  Leaf* last_ = nullptr;
+  std::size_t height_ = 0;
+  std::size_t size_ = 0;
+};
+
+}  // namespace indexation
+}  // namespace model
+}  // namespace libtarn
