@@ -30,7 +30,7 @@ void libtarn::util::Logger::print(Level level, const char* location, const char*
 namespace {
 
 constexpr const char* SELECTED_CLASS = "CELL";
-constexpr const char* SELECTED_SITE = "SITE-1";
+constexpr const char* SELECTED_SITE = "SITE-3";
 constexpr const char* PARAMETER = "maxTxPower";
 constexpr const char* NEW_VALUE = "400";
 

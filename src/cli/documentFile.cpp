@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
+#include <cstdint>
+#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <system_error>
 #include <vector>
@@ -28,11 +30,14 @@ struct CloseFile {
 std::vector<char> readFile(const std::string& path) {
   const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
   if (!file) throwFileError(path, errno);
-  std::vector<char> text;
+  // Room for the file as it is now and one byte more, which shows the end without growing.
+  std::error_code ignored;
+  const std::uintmax_t fileSize = std::filesystem::file_size(path, ignored);
+  constexpr std::size_t least_room = std::size_t{1} << 16U;
+  std::vector<char> text(ignored ? least_room : static_cast<std::size_t>(fileSize) + 1);
   std::size_t size = 0;
-  constexpr std::size_t first_room = std::size_t{1} << 16U;
   for (;;) {
-    if (size == text.size()) text.resize(std::max(first_room, 2 * size));
+    if (size == text.size()) text.resize(std::max(least_room, 2 * size));
     const std::size_t count = std::fread(text.data() + size, 1, text.size() - size, file.get());
     size += count;
     if (count == 0) break;

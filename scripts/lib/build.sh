@@ -1,0 +1,22 @@
+# Sourced. Expects the working directory to be the root of the repository.
+
+# build PRESET [TARGET...]: configures when need be and builds. Says nothing when all goes well.
+build() {
+  local preset=$1 log=build/$1.log
+  shift
+  mkdir -p build
+  if ! build_steps "$preset" "$@" >"$log" 2>&1; then
+    cat "$log" >&2
+    return 1
+  fi
+}
+
+build_steps() {
+  local preset=$1 ninja_file=build/$1/build.ninja
+  shift
+  # Ninja itself configures again when a build file changed; presets are read only here.
+  if [ ! -f "$ninja_file" ] || [ CMakePresets.json -nt "$ninja_file" ]; then
+    cmake --preset "$preset" || return 1
+  fi
+  cmake --build --preset "$preset" ${1:+--target "$@"}
+}

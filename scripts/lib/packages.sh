@@ -1,0 +1,28 @@
+# Sourced. Debian packages that the scripts need.
+
+BUILD_PACKAGES=(g++ cmake ninja-build python3 libboost-dev libgtest-dev googletest libcli11-dev)
+TEST_PACKAGES=(clang clang-format clang-tidy g++-i686-linux-gnu)
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# install_missing PACKAGE...: installs those that are not there.
+install_missing() {
+  if ! command -v dpkg-query >/dev/null; then
+    echo "Not a Debian system; needed are what Debian calls: $*" >&2
+    return
+  fi
+  local package missing=()
+  for package in "$@"; do
+    case "$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null)" in
+      installed) ;;
+      *) missing+=("$package") ;;
+    esac
+  done
+  if [ ${#missing[@]} -eq 0 ]; then return; fi
+  echo "Installing ${missing[*]}" >&2
+  as_root apt-get -q update >&2
+  as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get -q install -y --no-install-recommends "${missing[@]}" >&2
+}

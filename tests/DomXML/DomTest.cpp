@@ -1,0 +1,335 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "DomDocument.hpp"
+#include "rapidxml/rapidxml_print.hpp"
+#include "support/SmallStack.hpp"
+#include "support/treeDump.hpp"
+
+namespace {
+
+using namespace libDomXml;
+
+std::unique_ptr<char[]> textOf(const std::string& text) {
+  std::unique_ptr<char[]> copy(new char[text.size() + 1]);
+  std::copy(text.c_str(), text.c_str() + text.size() + 1, copy.get());
+  return copy;
+}
+
+// Every test runs over heap blocks and over memory maps.
+class DomTest : public ::testing::TestWithParam<bool> {
+ protected:
+  int parse(const std::string& text) { return document_->parse(textOf(text)); }
+  DomElement* root() { return static_cast<DomElement*>(document_->getFirstChild(nullptr)); }
+  DomElement* make(const char* name, const char* value = nullptr) {
+    return static_cast<DomElement*>(document_->createDomElement(name, value));
+  }
+  // Bytes that the pool gave out since the last call, the call's own word included.
+  std::size_t growth() {
+    char* const now = static_cast<char*>(document_->allocateMemory(1));
+    const std::size_t result = static_cast<std::size_t>(now - last_);
+    last_ = now;
+    return result;
+  }
+
+  std::unique_ptr<DomDocument> document_{DomDocument::createDomDocument(GetParam())};
+  char* last_ = nullptr;
+};
+
+INSTANTIATE_TEST_SUITE_P(HeapAndMmap, DomTest, ::testing::Bool());
+
+TEST_P(DomTest, FreshDocumentPrintsDeclarationAndAnEmptyLine) {
+  EXPECT_EQ(document_->printDocument(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n\n");
+}
+
+TEST_P(DomTest, ParsedDeclarationLeavesTheChildren) {
+  EXPECT_EQ(parse("<?xml version='1.1'?><a/><?xml version='1.2'?>"), 0);
+  EXPECT_EQ(tarn_test::dump(*document_), "{a}");
+  EXPECT_STREQ(document_->getDocumentDeclaration()->getAttribute("version"), "1.2");
+  EXPECT_EQ(document_->printDocument(), "<?xml version=\"1.2\"?>\n<a></a>\n\n");
+}
+
+TEST_P(DomTest, MalformedTextGivesOneFromBothParses) {
+  EXPECT_EQ(parse("<a"), 1);
+  EXPECT_EQ(document_->parse("<a>", boost::shared_ptr<IStripper>()), 1);
+  EXPECT_EQ(document_->parse("<a/>", boost::shared_ptr<IStripper>()), 0);
+}
+
+TEST_P(DomTest, DeclarationOutlivesTheTextItCameFrom) {
+  EXPECT_EQ(parse("<?xml version='1.1' x='&lt;'?><a/>"), 0);
+  EXPECT_EQ(document_->parse("<b/>", boost::shared_ptr<IStripper>()), 0);
+  EXPECT_EQ(parse("<c"), 1);
+  EXPECT_EQ(parse("<c/>"), 0);
+  EXPECT_EQ(document_->printDocument(), "<?xml version=\"1.1\" x=\"&lt;\"?>\n<c></c>\n\n");
+}
+
+TEST_P(DomTest, StripperCopiesTheText) {
+  struct WithoutBlanks : IStripper {
+    std::size_t copy(char* destination, const char* text, std::size_t length) override {
+      return static_cast<std::size_t>(std::remove_copy(text, text + length, destination, '\n') -
+                                      destination);
+    }
+  };
+  const boost::shared_ptr<IStripper> stripper(new WithoutBlanks);
+  EXPECT_EQ(document_->parse("<a>\nx\ny\n</a>", stripper), 0);
+  EXPECT_STREQ(root()->getValue(), "xy");
+}
+
+TEST_P(DomTest, DocumentTakesOneRootAndIgnoresFurtherOnes) {
+  DomElement* const a = make("a");
+  document_->insertChild(a, make("where"));
+  document_->addChild(make("b"));
+  document_->insertChild(make("c"), nullptr);
+  EXPECT_EQ(tarn_test::dump(*document_), "{a}");
+  EXPECT_FALSE(document_->removeChild(make("d")));
+  EXPECT_TRUE(document_->removeChild(a));
+  EXPECT_EQ(a->getParent(), nullptr);
+  EXPECT_FALSE(document_->removeChild(a));
+  EXPECT_DEATH(document_->removeChild(nullptr), "where && where->parent\\(\\) == this");
+}
+
+TEST_P(DomTest, DocumentIsNoElementWithNameValueOrAttributes) {
+  EXPECT_EQ(parse("<a><b/></a>"), 0);
+  document_->setTagName("x");
+  document_->setValue("x");
+  document_->setAttribute("x", "y");
+  document_->addAttribute(document_->createDomAttribute("x", "y"));
+  EXPECT_EQ(document_->getTagName(), nullptr);
+  EXPECT_EQ(document_->getValue(), nullptr);
+  EXPECT_EQ(document_->getAttribute("x"), nullptr);
+  EXPECT_STREQ(document_->getAttribute("x", "z"), "z");
+  EXPECT_EQ(document_->getFirstAttribute("x").get(), nullptr);
+  EXPECT_EQ(document_->getLastAttribute(nullptr).get(), nullptr);
+  EXPECT_FALSE(document_->removeAttribute("x"));
+  EXPECT_FALSE(document_->hasAttributes());
+  EXPECT_TRUE(document_->hasChildren());
+  EXPECT_EQ(document_->nextSibling(nullptr), nullptr);
+  EXPECT_EQ(document_->previousSibling(nullptr), nullptr);
+  EXPECT_EQ(document_->getParent(), nullptr);
+  EXPECT_EQ(document_->getDocument(), document_.get());
+  EXPECT_EQ(document_->getLastChild("a"), root());
+}
+
+TEST_P(DomTest, LastChildOfAnEmptyDocumentIsAnAssertion) {
+  EXPECT_EQ(document_->getFirstChild(nullptr), nullptr);
+  EXPECT_DEATH(document_->getLastChild(nullptr), "assertion failed: m_first_node");
+}
+
+TEST_P(DomTest, AllocatorMayNotComeAfterTheFirstAllocation) {
+  EXPECT_DEATH(document_->useMmapPoolAllocator(), "m_begin == m_static_memory");
+}
+
+TEST_P(DomTest, CloneOfADocumentHasItsDeclarationAsAnElement) {
+  EXPECT_EQ(parse("<?xml version='1.0'?><a x='1'>v<b/></a><c/>"), 0);
+  const std::unique_ptr<DomDocument> copy(static_cast<DomDocument*>(document_->clone()));
+  document_.reset();
+  EXPECT_EQ(tarn_test::dump(*copy), "{a(x=1)\"v\"{b}}");
+  EXPECT_EQ(copy->printDocument(), "< version=\"1.0\"></>\n<a x=\"1\">\n <b></b>\n</a>\n\n");
+}
+
+TEST_P(DomTest, DocumentWithoutDeclarationPrintsItsTree) {
+  DomDocument bare(GetParam());
+  EXPECT_EQ(bare.parse("<a/>", boost::shared_ptr<IStripper>()), 0);
+  EXPECT_EQ(bare.printDocument(), "<a></a>\n\n");
+}
+
+// Elements
+
+TEST_P(DomTest, AttributesAreSetFoundAndRemoved) {
+  DomElement* const e = make("e");
+  EXPECT_FALSE(e->hasAttributes());
+  e->setAttribute("a", "1");
+  e->setAttribute("b", "2");
+  e->setAttribute("a", "3");
+  EXPECT_EQ(tarn_test::dump(*e), "e(a=3 b=2)");
+  EXPECT_STREQ(e->getAttribute("a"), "3");
+  EXPECT_STREQ(e->getAttribute(nullptr), "3");
+  EXPECT_EQ(e->getAttribute("c"), nullptr);
+  EXPECT_STREQ(e->getAttribute("c", "d"), "d");
+  EXPECT_STREQ(e->getLastAttribute(nullptr)->getTagName(), "b");
+  EXPECT_EQ(e->getLastAttribute("c").get(), nullptr);
+  EXPECT_TRUE(e->removeAttribute(nullptr));
+  EXPECT_FALSE(e->removeAttribute("a"));
+  EXPECT_TRUE(e->removeAttribute("b"));
+  EXPECT_FALSE(e->hasAttributes());
+}
+
+TEST_P(DomTest, AddedAttributeOfAKnownNameStaysDetached) {
+  DomElement* const e = make("e");
+  e->setAttribute("a", "1");
+  DomAttribute* const other = document_->createDomAttribute("a", "2");
+  e->addAttribute(other);
+  EXPECT_STREQ(e->getAttribute("a"), "1");
+  EXPECT_EQ(other->parent(), nullptr);
+}
+
+TEST_P(DomTest, EqualAttributeValueDoesNotGrowThePool) {
+  DomElement* const e = make("e", "v");
+  e->setAttribute("a", "1");
+  growth();
+  const std::size_t nothing = growth();
+  e->setAttribute("a", "1");
+  e->getFirstAttribute("a")->setValue("1");
+  e->getFirstAttribute("a")->setTagName("a");
+  EXPECT_EQ(growth(), nothing);
+  e->setAttribute("a", "1234567");
+  EXPECT_EQ(growth(), nothing + 8);
+  e->setValue("v");
+  EXPECT_GT(growth(), nothing);
+  e->setTagName("e");
+  EXPECT_GT(growth(), nothing);
+}
+
+TEST_P(DomTest, TextsMayBeTheElementsOwn) {
+  DomElement* const e = make("e", "value");
+  e->setAttribute("a", "text");
+  e->setAttribute("a", e->getAttribute("a") + 1);
+  e->setValue(e->getValue() + 1);
+  e->setTagName(e->getValue());
+  EXPECT_EQ(tarn_test::dump(*e), "alue(a=ext)\"alue\"");
+}
+
+TEST_P(DomTest, AttributeIteratorWalksBothWays) {
+  DomElement* const e = make("e");
+  for (const char* name : {"a", "b", "c"}) e->setAttribute(name, name);
+  DomAttributeIterator it = e->getAttributeIter("b");
+  EXPECT_STREQ((*it).getTagName(), "b");
+  EXPECT_STREQ((it++)->getTagName(), "b");
+  EXPECT_STREQ(it->getValue(), "c");
+  EXPECT_STREQ((it--)->getTagName(), "c");
+  EXPECT_TRUE(--it == e->getFirstAttribute(nullptr));
+  EXPECT_TRUE(++(++(++it)) == DomAttributeIterator(nullptr));
+  EXPECT_DEATH(++it, "assertion failed: attribute");
+  EXPECT_DEATH(--it, "assertion failed: attribute");
+  EXPECT_DEATH(static_cast<void>(*it), "assertion failed: attribute");
+  EXPECT_DEATH(static_cast<void>(it->getValue()), "assertion failed: attribute");
+  DomAttributeIterator detached(document_->createDomAttribute("x", "y"));
+  EXPECT_TRUE(++detached != DomAttributeIterator(document_->createDomAttribute("x", "y")));
+  EXPECT_EQ(detached.get(), nullptr);
+}
+
+TEST_P(DomTest, ClonedAttributeIsDetached) {
+  DomElement* const e = make("e");
+  e->setAttribute("a", "1");
+  DomAttribute* const copy = e->getFirstAttribute("a")->clone();
+  EXPECT_EQ(copy->parent(), nullptr);
+  make("f")->addAttribute(copy);
+  EXPECT_STREQ(copy->getValue(), "1");
+  const DomAttribute unset(document_.get());
+  EXPECT_STREQ(unset.clone()->getValue(), "");
+}
+
+TEST_P(DomTest, ChildrenAreFoundLinkedAndRemoved) {
+  DomElement* const e = make("e");
+  EXPECT_EQ(e->getLastChild(nullptr), nullptr);
+  DomElement* const a = make("a");
+  DomElement* const b = make("b");
+  e->addChild(b);
+  e->insertChild(a, b);
+  e->insertChild(make("b"), nullptr);
+  EXPECT_EQ(tarn_test::dump(*e), "e{a b b}");
+  EXPECT_EQ(e->getFirstChild("b"), b);
+  EXPECT_EQ(e->getLastChild("a"), a);
+  EXPECT_EQ(a->nextSibling("b"), b);
+  EXPECT_EQ(b->previousSibling(nullptr), a);
+  EXPECT_TRUE(e->removeChild(b));
+  EXPECT_EQ(tarn_test::dump(*e), "e{a b}");
+  EXPECT_FALSE(e->removeChild(b));
+  EXPECT_FALSE(e->removeChild(nullptr));
+  EXPECT_FALSE(e->removeChild(document_.get()));
+  EXPECT_TRUE(e->removeChild(e->getLastChild(nullptr)));
+  EXPECT_TRUE(e->removeChild(a));
+  EXPECT_FALSE(e->hasChildren());
+  EXPECT_EQ(e->getLastChild(nullptr), nullptr);
+  EXPECT_DEATH(a->nextSibling(nullptr), "assertion failed: this->m_parent");
+}
+
+TEST_P(DomTest, ParentAndDocumentFollowTheLinks) {
+  EXPECT_EQ(parse("<a><b/></a>"), 0);
+  IDomElement* const b = root()->getFirstChild("b");
+  EXPECT_EQ(root()->getParent(), document_.get());
+  EXPECT_EQ(b->getParent(), root());
+  EXPECT_EQ(b->getDocument(), document_.get());
+  DomElement* const detached = make("c");
+  detached->addChild(make("d"));
+  EXPECT_EQ(detached->getParent(), nullptr);
+  EXPECT_EQ(detached->getDocument(), nullptr);
+  EXPECT_EQ(detached->getFirstChild("d")->getDocument(), nullptr);
+}
+
+TEST_P(DomTest, CloneInThePoolKeepsTheKindAndInAnotherMakesAnElement) {
+  EXPECT_EQ(parse("<a x='1'>v<b y='2'/><c>w</c></a>"), 0);
+  EXPECT_EQ(tarn_test::dump(*static_cast<DomElement*>(root()->clone())), tarn_test::dump(*root()));
+  const std::unique_ptr<DomDocument> other(DomDocument::createDomDocument(false));
+  auto* const copy = static_cast<DomElement*>(root()->clone(other.get()));
+  EXPECT_EQ(copy->getDomFactory()->getMemoryPool(), other.get());
+  EXPECT_EQ(tarn_test::dump(*copy), "a(x=1)\"v\"{b(y=2) c\"w\"}");
+  const IDomElement* const declaration = document_->getDocumentDeclaration();
+  EXPECT_EQ(static_cast<DomElement*>(declaration->clone())->type(), rapidxml::node_declaration);
+  EXPECT_EQ(static_cast<DomElement*>(declaration->clone(other.get()))->type(),
+            rapidxml::node_element);
+}
+
+TEST_P(DomTest, ObjectsOfDifferentPoolsAreNotLinked) {
+  const std::unique_ptr<DomDocument> other(DomDocument::createDomDocument(false));
+  DomElement* const e = make("e");
+  const char* const element =
+      "domFactory_.getMemoryPool\\(\\) == newDomElement->getDomFactory\\(\\)->getMemoryPool\\(\\)";
+  EXPECT_DEATH(e->addChild(other->createDomElement("x", nullptr)), element);
+  EXPECT_DEATH(e->insertChild(other->createDomElement("x", nullptr), nullptr), element);
+  EXPECT_DEATH(e->addAttribute(other->createDomAttribute("x", nullptr)),
+               "domFactory_.getMemoryPool\\(\\) == newDomAttribute->getDomFactory");
+  EXPECT_DEATH(e->addChild(document_.get()), "child && !child->parent");
+  EXPECT_DEATH(e->addChild(nullptr), "child && !child->parent");
+  EXPECT_DEATH(e->insertChild(make("x"), document_.get()),
+               "!where \\|\\| where->parent\\(\\) == this");
+}
+
+TEST_P(DomTest, FactoryCopiesTextsByTheirSizes) {
+  DomFactory factory(document_.get());
+  EXPECT_EQ(std::string(factory.allocateString("abc", 2), 2), "ab");
+  EXPECT_STREQ(factory.allocateString("", 0), "");
+  EXPECT_DEATH(factory.allocateString(nullptr, 0), "assertion failed: source \\|\\| size");
+  const char name[] = "name";
+  const DomElement* const element = factory.allocateNode(rapidxml::node_pi, name, "value", 2, 0);
+  EXPECT_EQ(element->type(), rapidxml::node_pi);
+  EXPECT_EQ(element->name_size(), 2U);
+  EXPECT_NE(element->name(), name);
+  EXPECT_STREQ(element->getValue(), "value");
+  if (sizeof(std::size_t) > 4) {
+    EXPECT_THROW(factory.allocateString(nullptr, std::size_t{1} << 20U << 20U), std::bad_alloc);
+  }
+  IMemoryPool nothing;
+  EXPECT_DEATH(DomFactory(&nothing).allocateAttribute("a", "b", 0, 0), "assertion failed: memory");
+}
+
+TEST_P(DomTest, AMillionNestedElementsAreCopiedOnASmallStack) {
+  constexpr std::size_t depth = 1000000;
+  std::string text;
+  for (std::size_t i = 0; i < depth; ++i) text += "<a>";
+  for (std::size_t i = 0; i < depth; ++i) text += "</a>";
+  tarn_test::runOnSmallStack([&] {
+    ASSERT_EQ(parse(text), 0);
+    const std::unique_ptr<DomDocument> other(DomDocument::createDomDocument(GetParam()));
+    for (const auto* copy : {static_cast<DomElement*>(root()->clone()),
+                             static_cast<DomElement*>(root()->clone(other.get()))}) {
+      std::string printed;
+      rapidxml::print_node(printed, copy, rapidxml::print_no_indenting, 0);
+      EXPECT_TRUE(printed == text);
+    }
+  });
+}
+
+TEST(DomDocumentTest, MapsKnowTheirLength) {
+  void* const memory = DomDocument::mmapAlloc(5000);
+  ASSERT_NE(memory, nullptr);
+  EXPECT_EQ(static_cast<std::size_t*>(memory)[-1], 5000 + sizeof(std::size_t));
+  static_cast<char*>(memory)[4999] = 'x';
+  DomDocument::mmapFree(memory);
+  EXPECT_EQ(DomDocument::mmapAlloc(static_cast<std::size_t>(-1)), nullptr);
+  EXPECT_EQ(DomDocument::mmapAlloc(static_cast<std::size_t>(-1) / 2), nullptr);
+}
+
+}  // namespace
