@@ -18,5 +18,5 @@ build_steps() {
   if [ ! -f "$ninja_file" ] || [ CMakePresets.json -nt "$ninja_file" ]; then
     cmake --preset "$preset" || return 1
   fi
-  cmake --build --preset "$preset" ${1:+--target "$@"}
+  cmake --build --preset "$preset" ${1:+--target "$@"} -- --quiet
 }

@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
-"""Runs the command and the example program as a user does."""
+"""Runs the command and the example program as a user does.
+
+Argument: the command. The example program stands beside it; the working folder is the repository's.
+"""
 
 import os
 import subprocess
@@ -7,7 +10,9 @@ import sys
 import tempfile
 import unittest
 
-TARN, TOUR, EXAMPLES = sys.argv[1:4]
+TARN = sys.argv[1]
+TOUR = os.path.join(os.path.dirname(TARN), "network_tour")
+EXAMPLES = "examples"
 
 DOCUMENT = """<?xml version="1.0"?>
 <tarn xmlns="tarn21.xsd" version="2.1"><cmData type="plan">

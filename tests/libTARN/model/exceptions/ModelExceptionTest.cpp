@@ -1,0 +1,65 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <type_traits>
+
+#include "model/exceptions/DuplicateElementException.hpp"
+#include "model/exceptions/InvalidAttributeValueException.hpp"
+#include "model/exceptions/InvalidChildCountException.hpp"
+#include "model/exceptions/InvalidDistinguishedNameException.hpp"
+#include "model/exceptions/ModelException.hpp"
+#include "model/exceptions/NoElementValueException.hpp"
+#include "model/exceptions/NoSuchAttributeException.hpp"
+#include "model/exceptions/NoSuchElementException.hpp"
+
+namespace {
+
+using namespace libtarn::model;
+using namespace libtarn::model::exceptions;
+
+template <class Exception>
+void expectMessage(const Exception& exception, const char* message) {
+  static_assert(std::is_base_of_v<ModelException, Exception>, "");
+  static_assert(sizeof(Exception) == sizeof(std::runtime_error), "carries only its message");
+  EXPECT_STREQ(exception.what(), message);
+  try {
+    throw exception;
+  } catch (const std::runtime_error& caught) {
+    EXPECT_STREQ(caught.what(), message);
+  }
+}
+
+TEST(ModelExceptionTest, MessagesFollowTheirTemplates) {
+  expectMessage(ModelException("text"), "text");
+  expectMessage(NoSuchElementException::instance("p", "name", std::string("speed")),
+                "Child 'p' element identified by 'name=speed' not found");
+  expectMessage(NoElementValueException::instance("tarn > "), "The 'tarn > ' element has no value");
+  expectMessage(NoSuchAttributeException::instance("cmData", "type"),
+                "The 'cmData' element has no attribute 'type'");
+  expectMessage(DuplicateElementException::instance("managedObject", "cmData", "distName",
+                                                    DistinguishedName("A-1/B-2")),
+                "The 'cmData' element already contains a 'managedObject' element with "
+                "'distName=A-1/B-2'");
+  expectMessage(DuplicateElementException::instance("p", "A-1", "name", std::string("x")),
+                "The 'A-1' element already contains a 'p' element with 'name=x'");
+  const char* const name = "y";
+  expectMessage(DuplicateElementException::instance("p", "A-1", "name", name),
+                "The 'A-1' element already contains a 'p' element with 'name=y'");
+  expectMessage(
+      InvalidChildCountException::instance("managedObject", "tarn > cmData > ", 1, 1, 0),
+      "The 'tarn > cmData > ' element has 0 child 'managedObject' elements.  Expected: 1");
+  expectMessage(InvalidChildCountException::instance("x", "y", 0, 2, 3),
+                "The 'y' element has 3 child 'x' elements.  Expected: [0, 2]");
+  expectMessage(InvalidAttributeValueException::instance("cmData", "type", "plans"),
+                "'plans' is not a valid value of 'cmData' attribute 'type'");
+  expectMessage(InvalidDistinguishedNameException("A"), "Invalid distinguished name: 'A'");
+  expectMessage(InvalidDistinguishedNameException(nullptr), "Invalid distinguished name");
+}
+
+TEST(ModelExceptionTest, ThrowExceptionThrowsWhatInstanceMakes) {
+  EXPECT_THROW(NoSuchAttributeException::throwException("a", "b"), NoSuchAttributeException);
+  EXPECT_THROW(InvalidAttributeValueException::throwException("a", "b", "c"),
+               InvalidAttributeValueException);
+}
+
+}  // namespace

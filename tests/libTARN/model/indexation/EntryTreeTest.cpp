@@ -1,0 +1,157 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <set>
+#include <vector>
+
+#include "model/indexation/EntryTree.hpp"
+
+namespace {
+
+using libtarn::model::indexation::EntryTree;
+
+struct Number {
+  std::intptr_t value;
+};
+struct NumberOrder {
+  static int compare(const Number& a, const Number& b) {
+    return a.value < b.value ? -1 : (a.value > b.value ? 1 : 0);
+  }
+};
+using Tree = EntryTree<Number, NumberOrder>;
+
+// Gives so many blocks and then none.
+class LimitedPool : public libDomXml::IMemoryPool {
+ public:
+  void* allocateMemory(unsigned int size) override {
+    if (left_ == 0) return nullptr;
+    --left_;
+    blocks_.emplace_back(new void*[size / sizeof(void*) + 1]);
+    return blocks_.back().get();
+  }
+  void limit(std::size_t left) { left_ = left; }
+
+ private:
+  std::size_t left_ = static_cast<std::size_t>(-1);
+  std::vector<std::unique_ptr<void*[]>> blocks_;
+};
+
+std::vector<std::intptr_t> contentOf(const Tree& tree) {
+  std::vector<std::intptr_t> content;
+  for (const Number& number : tree.collection()) content.push_back(number.value);
+  return content;
+}
+
+void expectSame(const Tree& tree, const std::set<std::intptr_t>& model) {
+  ASSERT_EQ(tree.size(), model.size());
+  ASSERT_EQ(contentOf(tree), std::vector<std::intptr_t>(model.begin(), model.end()));
+  ASSERT_EQ(tree.collection().empty(), model.empty());
+}
+
+TEST(EntryTreeTest, EmptyTreeFindsNothing) {
+  LimitedPool pool;
+  Tree tree(&pool);
+  EXPECT_TRUE(tree.collection().empty());
+  EXPECT_EQ(tree.find({1}), nullptr);
+  EXPECT_FALSE(tree.erase({1}));
+  EXPECT_EQ(tree.size(), 0U);
+}
+
+void fillAndDrain(std::vector<std::intptr_t> numbers, unsigned seed) {
+  LimitedPool pool;
+  Tree tree(&pool);
+  for (const std::intptr_t number : numbers) ASSERT_TRUE(tree.add({number}));
+  for (const std::intptr_t number : numbers) ASSERT_FALSE(tree.add({number}));
+  expectSame(tree, std::set<std::intptr_t>(numbers.begin(), numbers.end()));
+  for (const std::intptr_t number : numbers) {
+    ASSERT_NE(tree.find({number}), nullptr);
+    ASSERT_EQ(tree.find({number + 1}), nullptr);
+    ASSERT_EQ((*tree.lowerBound({number - 1})).value, number);
+  }
+  std::shuffle(numbers.begin(), numbers.end(), std::mt19937(seed));
+  while (!numbers.empty()) {
+    ASSERT_TRUE(tree.erase({numbers.back()}));
+    ASSERT_FALSE(tree.erase({numbers.back()}));
+    numbers.pop_back();
+    if (numbers.size() % 9973 == 0) {
+      expectSame(tree, std::set<std::intptr_t>(numbers.begin(), numbers.end()));
+    }
+  }
+  ASSERT_TRUE(tree.add({7}));
+  expectSame(tree, {7});
+}
+
+TEST(EntryTreeTest, OneHundredThousandEntriesInAnyOrder) {
+  std::vector<std::intptr_t> numbers(100000);
+  for (std::size_t i = 0; i < numbers.size(); ++i) numbers[i] = static_cast<std::intptr_t>(2 * i);
+  fillAndDrain(numbers, 1);
+  std::reverse(numbers.begin(), numbers.end());
+  fillAndDrain(numbers, 2);
+  std::shuffle(numbers.begin(), numbers.end(), std::mt19937(3));
+  fillAndDrain(numbers, 4);
+}
+
+TEST(EntryTreeTest, RandomAddsAndErasesAgreeWithASet) {
+  for (unsigned seed = 0; seed < 60; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    LimitedPool pool;
+    Tree tree(&pool);
+    std::set<std::intptr_t> model;
+    const unsigned range = 1U << (2 + seed % 12);
+    for (int step = 0; step < 3000; ++step) {
+      const auto number = static_cast<std::intptr_t>(random() % range);
+      const unsigned erasePercent = (step / 500) % 2 == 0 ? 20 : 80;
+      if (random() % 100 < erasePercent) {
+        ASSERT_EQ(tree.erase({number}), model.erase(number) == 1);
+      } else {
+        ASSERT_EQ(tree.add({number}), model.insert(number).second);
+      }
+      ASSERT_EQ(tree.find({number}) != nullptr, model.count(number) == 1);
+      const auto bound = model.lower_bound(number + 1);
+      const auto position = tree.lowerBound({number + 1});
+      if (tree.size() > 0) {
+        ASSERT_EQ(position == tree.collection().end(), bound == model.end());
+        if (bound != model.end()) {
+          ASSERT_EQ((*position).value, *bound);
+        }
+      }
+      if (step % 100 == 0) expectSame(tree, model);
+    }
+    tree.clear();
+    expectSame(tree, {});
+  }
+}
+
+TEST(EntryTreeTest, AddThatGetsNoMemoryChangesNothing) {
+  for (unsigned seed = 0; seed < 4; ++seed) {
+    std::mt19937 random(seed);
+    LimitedPool pool;
+    Tree tree(&pool);
+    std::set<std::intptr_t> model;
+    std::size_t refused = 0;
+    for (int step = 0; step < 20000; ++step) {
+      const auto number = seed == 0 ? step : static_cast<std::intptr_t>(random() % 100000);
+      for (std::size_t blocks = 0;; ++blocks) {
+        pool.limit(blocks);
+        try {
+          const bool added = tree.add({number});
+          ASSERT_EQ(added, model.insert(number).second);
+          break;
+        } catch (const std::bad_alloc&) {
+          ++refused;
+          ASSERT_EQ(tree.size(), model.size());
+          ASSERT_EQ(tree.find({number}), nullptr);
+        }
+      }
+    }
+    EXPECT_GT(refused, 300U);
+    expectSame(tree, model);
+  }
+}
+
+}  // namespace
