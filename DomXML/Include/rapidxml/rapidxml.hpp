@@ -317,7 +317,7 @@ class xml_node : public xml_base<Ch> {
 
   /// Unlinks an attribute of this node (asserted).
   void remove_attribute(xml_attribute<Ch>* where) {
-    TARN_ASSERT(first_attribute() && where->parent() == this,
+    TARN_ASSERT(first_attribute() && where && where->parent() == this,
                 "first_attribute() && where->parent() == this");
     xml_attribute<Ch>* const before = where->m_prev_attribute;
     xml_attribute<Ch>* const after = where->m_next_attribute;

@@ -31,6 +31,7 @@ TarnDomElement* skipToModelElement(Node* node, const char* name) {
 // as long as what it builds.
 util::TarnFactory& factoryOf(libDomXml::IMemoryPool* pool) {
   if (auto* const document = dynamic_cast<TarnDomDocument*>(pool)) return document->getFactory();
+  TARN_ASSERT(pool, "pool");
   void* const memory = libDomXml::DomFactory(pool).allocateObject(sizeof(util::TarnFactory));
   return *new (memory) util::TarnFactory(*pool);
 }

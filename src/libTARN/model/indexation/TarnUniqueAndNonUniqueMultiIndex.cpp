@@ -1,8 +1,6 @@
 #include "model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
 
-#include <algorithm>
 #include <limits>
-#include <vector>
 
 #include "EntryTree.hpp"
 #include "model/indexation/CharComparePredicate.hpp"
@@ -94,22 +92,18 @@ void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::c
   if (sharedView_) sharedView_->clear();
 }
 
-// Sorted beside the pool, so that the view is filled in order and its leaves are full.
+// The walks below need the entries, whereas a range-for gives the objects.
+
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::buildSharedView()
     const {
-  std::vector<ManagedObjectEntry> entries;
-  entries.reserve(uniqueView_->size());
-  const ManagedObjectCollection collection = uniqueView_->collection();
-  for (auto it = collection.begin(); it != collection.end(); ++it) {
-    entries.push_back({NonUniqueExtractor()(it->object), it->object, it->serial});
-  }
-  std::sort(entries.begin(), entries.end(),
-            [](const ManagedObjectEntry& a, const ManagedObjectEntry& b) {
-              return SharedKeyOrder::compare(a, b) < 0;
-            });
   auto* const view = new (TarnAllocator<SharedView>(pool_).allocate(1)) SharedView(pool_);
-  for (const ManagedObjectEntry& entry : entries) view->add(entry);
+  const ManagedObjectCollection collection = uniqueView_->collection();
+  auto entry = collection.begin();
+  while (entry != collection.end()) {
+    view->add({NonUniqueExtractor()(entry->object), entry->object, entry->serial});
+    ++entry;
+  }
   sharedView_ = view;
 }
 
@@ -119,12 +113,9 @@ void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::e
   if (sharedView_->erase({NonUniqueExtractor()(entry.object), nullptr, entry.serial})) return;
   // The class was changed behind the index: it stands under its earlier key.
   const ManagedObjectCollection collection = sharedView_->collection();
-  for (auto it = collection.begin(); it != collection.end(); ++it) {
-    if (it->serial == entry.serial) {
-      sharedView_->erase(ManagedObjectEntry(*it.operator->()));
-      return;
-    }
-  }
+  auto stale = collection.begin();
+  while (stale != collection.end() && stale->serial != entry.serial) ++stale;
+  if (stale != collection.end()) sharedView_->erase(ManagedObjectEntry(*stale.operator->()));
 }
 
 template class TarnUniqueAndNonUniqueMultiIndex<
