@@ -125,6 +125,15 @@ TEST(HostileTextTest, BeginningsOfTagsSelectTheirClass) {
   EXPECT_NE(printed(document).find("<manag distName"), std::string::npos);
 }
 
+TEST(HostileTextTest, RootOfTheTextIsTheDocumentsRootWithTheTextsAttributesOnly) {
+  LibTarnDocument document;
+  const auto* const root = document.getItsTarnDomDocument()->getRootElement();
+  ASSERT_EQ(document.parse("<tarn version='9'/>", false), 0);
+  EXPECT_EQ(document.getItsTarnDomDocument()->getRootElement(), root);
+  EXPECT_EQ(document.getItsTarnDomDocument()->getFirstChild(nullptr), root);
+  EXPECT_EQ(tarn_test::dump(*root), "tarn(version=9)");
+}
+
 TEST(HostileTextTest, SecondRootAtTopLevelIsTheSameObjectAtTheEnd) {
   LibTarnDocument document;
   ASSERT_EQ(document.parse("<tarn version='1'><cmData type='plan'/></tarn><p/>"
@@ -321,6 +330,9 @@ void nestAndCopy(const std::string& tag) {
 
 TEST(HostileTextTest, AMillionNestedListsLoadCopyAndPrintOnASmallStack) { nestAndCopy("list"); }
 TEST(HostileTextTest, AMillionNestedItemsLoadCopyAndPrintOnASmallStack) { nestAndCopy("item"); }
+TEST(HostileTextTest, AMillionNestedObjectsLoadCopyAndPrintOnASmallStack) {
+  nestAndCopy("managedObject");
+}
 TEST(HostileTextTest, AMillionNestedCmDataLoadCopyAndPrintOnASmallStack) { nestAndCopy("cmData"); }
 
 TEST(HostileTextTest, FiveThousandLevelsPrintIndentedOnASmallStack) {

@@ -221,6 +221,19 @@ TEST_F(ManagedObjectTest, ItemKeepsItsComponentsByName) {
   EXPECT_EQ(item.getComponent("c"), nullptr);
 }
 
+TEST_F(ManagedObjectTest, ItemOutsideAListTellsDuplicatesWithoutItsParents) {
+  auto& item = dynamic_cast<StructureImp&>(*factory().createStructure());
+  item.addChild(&dynamic_cast<ScalarImp&>(scalar("x")));
+  item.addChild(&dynamic_cast<ScalarImp&>(scalar("x")));
+  try {
+    item.rebuildIndexers();
+    ADD_FAILURE();
+  } catch (const exceptions::DuplicateElementException& error) {
+    EXPECT_STREQ(error.what(),
+                 "The '(list: )' element already contains a 'p' element with 'name=x'");
+  }
+}
+
 TEST_F(ManagedObjectTest, ScalarTellsNameAndValue) {
   EXPECT_EQ(scalar("").getName(), nullptr);
   EXPECT_EQ(scalar("").getId(), "");

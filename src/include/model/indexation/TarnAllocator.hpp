@@ -24,6 +24,7 @@ class TarnAllocator {
   /// Room for `count` objects. Throws std::bad_alloc when their size does not fit an unsigned int
   /// or the pool has no memory.
   T* allocate(std::size_t count) {
+    static_assert(alignof(T) <= alignof(void*), "a pool aligns to the size of a pointer");
     if (count > std::numeric_limits<unsigned int>::max() / sizeof(T)) throw std::bad_alloc();
     void* const memory = pool_->allocateMemory(static_cast<unsigned int>(count * sizeof(T)));
     if (!memory) throw std::bad_alloc();

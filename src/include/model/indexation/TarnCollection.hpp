@@ -15,7 +15,7 @@ class Scalar;
 namespace indexation {
 
 /// A piece of a collection: entries that lie one behind the other in memory, and the piece that
-/// follows. Only the last piece may be empty.
+/// follows, null for the last one.
 template <class Entry>
 struct EntryRun {
   const Entry* begin;
@@ -51,7 +51,8 @@ struct CollectionItem<ManagedObjectEntry> {
 /// The entries of an index in order, or a range of them. Works in a range-for.
 ///
 /// A value that borrows the index; it and its iterators are good until an entry is added to the
-/// index or removed from it. A host that writes an index of its own makes one from an EntryRun.
+/// index or removed from it. A walk through all entries ends even then, but may miss entries or
+/// meet removed ones. A host that writes an index of its own makes a collection from an EntryRun.
 template <class Entry>
 class TarnCollection {
  public:
@@ -61,20 +62,21 @@ class TarnCollection {
     using reference = typename CollectionItem<Entry>::type;
     using value_type = std::decay_t<reference>;
     using difference_type = std::ptrdiff_t;
-    using pointer = const value_type*;
+    using pointer = const Entry*;
 
+    /// Behind the last entry of every collection.
     iterator() = default;
-    /// `current` lies in `run`, or is its end when no run follows.
-    iterator(const Entry* current, const EntryRun<Entry>* run) : current_(current), run_(run) {}
+    /// `current` lies in `run` or is its end.
+    iterator(const Entry* current, const EntryRun<Entry>* run) : current_(current), run_(run) {
+      leaveFinishedRuns();
+    }
 
     reference operator*() const { return CollectionItem<Entry>::of(*current_); }
-    const Entry* operator->() const { return current_; }
+    pointer operator->() const { return current_; }
 
     iterator& operator++() {
-      if (++current_ == run_->end && run_->next) {
-        run_ = run_->next;
-        current_ = run_->begin;
-      }
+      ++current_;
+      leaveFinishedRuns();
       return *this;
     }
     iterator operator++(int) {
@@ -83,12 +85,18 @@ class TarnCollection {
       return before;
     }
 
-    bool operator==(const iterator& other) const {
-      return current_ == other.current_ && run_ == other.run_;
-    }
+    bool operator==(const iterator& other) const { return current_ == other.current_; }
     bool operator!=(const iterator& other) const { return !(*this == other); }
 
    private:
+    // An end that is passed, not only one that is met: a run may have become shorter meanwhile.
+    void leaveFinishedRuns() {
+      while (run_ && current_ >= run_->end) {
+        run_ = run_->next;
+        current_ = run_ ? run_->begin : nullptr;
+      }
+    }
+
     const Entry* current_ = nullptr;
     const EntryRun<Entry>* run_ = nullptr;
   };
@@ -97,9 +105,8 @@ class TarnCollection {
   /// No entries.
   TarnCollection() = default;
   TarnCollection(iterator begin, iterator end) : begin_(begin), end_(end) {}
-  /// All entries of a single run.
-  explicit TarnCollection(const EntryRun<Entry>& run)
-      : begin_(run.begin, &run), end_(run.end, &run) {}
+  /// All entries of `run` and of those that follow it.
+  explicit TarnCollection(const EntryRun<Entry>& run) : begin_(run.begin, &run) {}
 
   iterator begin() const { return begin_; }
   iterator end() const { return end_; }

@@ -18,7 +18,8 @@ struct SharedKeyOrder;
 ///
 /// Look-up, add and remove cost O(log n); adding in the order of the names costs one comparison
 /// each. The view by class is built when it is first asked for, in O(n log n), and kept in step
-/// from then on. When the pool has no memory add() throws std::bad_alloc and changes nothing.
+/// from then on. When the pool has no memory add() and the building of that view throw
+/// std::bad_alloc and change nothing.
 /// Instantiated for LibTarnManagedObject.
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 class TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUniqueMultiIndex<T> {

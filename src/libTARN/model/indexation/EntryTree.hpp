@@ -17,9 +17,10 @@
 // becomes empty is taken out. Add, find and erase cost O(log n) comparisons. What a node replaces
 // is abandoned, since the pool takes nothing back.
 //
-// Height: a level is added when the root is full, for which its children have been split fanout / 2
-// times at least, each after as many additions below it. So there are more than (fanout / 2)^height
-// additions, and 2^64 of them give 16 levels.
+// Height: a level is added when the root is full, for which its children have been split many
+// times, each split after about fanout / 2 new nodes below it. Taking no more than fanout / 4 for
+// granted, max_height inner levels stand for 8^17 leaves, all of them still in the pool: 2^51
+// leaves of 1 KiB exceed every address space.
 
 #include <algorithm>
 #include <array>
@@ -50,7 +51,7 @@ class EntryTree {
 
   TarnCollection<Entry> collection() const {
     if (!first_) return {};
-    return {iterator(first_->begin, first_), end()};
+    return TarnCollection<Entry>(*first_);
   }
 
   /// The entry equal to `key`, or null.
@@ -65,9 +66,7 @@ class EntryTree {
   typename TarnCollection<Entry>::iterator lowerBound(const Entry& key) const {
     if (!root_) return {};
     const Leaf* const leaf = descend(key, nullptr);
-    const Entry* const position = lowerBound(leaf, key);
-    if (position == leaf->end && leaf->next) return iterator(leaf->next->begin, leaf->next);
-    return iterator(position, leaf);
+    return iterator(lowerBound(leaf, key), leaf);
   }
 
   /// False, with nothing changed, when an equal entry is there.
@@ -124,7 +123,8 @@ class EntryTree {
 
     Entry* entries() { return reinterpret_cast<Entry*>(this + 1); }
   };
-  static_assert(sizeof(Leaf) % alignof(Entry) == 0, "entries follow their leaf");
+  static_assert(alignof(Entry) <= alignof(void*) && sizeof(Leaf) % alignof(Entry) == 0,
+                "entries follow their leaf in memory that is aligned for pointers");
 
   struct Inner {
     std::size_t count = 0;
@@ -144,8 +144,6 @@ class EntryTree {
     return static_cast<std::size_t>(leaf->end - leaf->begin);
   }
   static bool isFull(const Leaf* leaf) { return count(leaf) == leaf->capacity; }
-
-  iterator end() const { return iterator(last_->end, last_); }
 
   bool isBehindAll(const Entry& entry) const {
     return last_->begin != last_->end && Order::compare(last_->end[-1], entry) < 0;

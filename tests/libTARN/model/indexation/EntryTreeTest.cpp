@@ -2,17 +2,19 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
-#include <numeric>
+#include <new>
 #include <random>
 #include <set>
+#include <string>
 #include <vector>
 
+#include "TestPools.hpp"
 #include "model/indexation/EntryTree.hpp"
 
 namespace {
 
 using libtarn::model::indexation::EntryTree;
+using tarn_test::LimitedPool;
 
 struct Number {
   std::intptr_t value;
@@ -23,22 +25,6 @@ struct NumberOrder {
   }
 };
 using Tree = EntryTree<Number, NumberOrder>;
-
-// Gives so many blocks and then none.
-class LimitedPool : public libDomXml::IMemoryPool {
- public:
-  void* allocateMemory(unsigned int size) override {
-    if (left_ == 0) return nullptr;
-    --left_;
-    blocks_.emplace_back(new void*[size / sizeof(void*) + 1]);
-    return blocks_.back().get();
-  }
-  void limit(std::size_t left) { left_ = left; }
-
- private:
-  std::size_t left_ = static_cast<std::size_t>(-1);
-  std::vector<std::unique_ptr<void*[]>> blocks_;
-};
 
 std::vector<std::intptr_t> contentOf(const Tree& tree) {
   std::vector<std::intptr_t> content;
@@ -62,6 +48,7 @@ TEST(EntryTreeTest, EmptyTreeFindsNothing) {
 }
 
 void fillAndDrain(std::vector<std::intptr_t> numbers, unsigned seed) {
+  SCOPED_TRACE("seed " + std::to_string(seed));
   LimitedPool pool;
   Tree tree(&pool);
   for (const std::intptr_t number : numbers) ASSERT_TRUE(tree.add({number}));
@@ -129,6 +116,7 @@ TEST(EntryTreeTest, RandomAddsAndErasesAgreeWithASet) {
 
 TEST(EntryTreeTest, AddThatGetsNoMemoryChangesNothing) {
   for (unsigned seed = 0; seed < 4; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     LimitedPool pool;
     Tree tree(&pool);

@@ -83,6 +83,13 @@ TEST(ValidatorTest, EveryRuleNamesThePathOfTheElement) {
   }
 }
 
+TEST(ValidatorTest, HeadersAreVisitedBeforeTheObjects) {
+  EXPECT_EQ(
+      violation(inRoot("<cmData type='plan'><managedObject/><header><log/></header></cmData>")),
+      "Validation failed: The 'tarn > cmData > header > log > ' element has no attribute "
+      "'dateTime'");
+}
+
 TEST(ValidatorTest, WhatTheRulesAllowPasses) {
   const std::string texts[] = {
       inObject(""),

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "IMemoryPool.hpp"
+
+namespace tarn_test {
+
+/// Gives so many blocks and then none.
+class LimitedPool : public libDomXml::IMemoryPool {
+ public:
+  void* allocateMemory(unsigned int size) override {
+    if (left_ == 0) return nullptr;
+    --left_;
+    blocks_.emplace_back(new void*[size / sizeof(void*) + 1]);
+    return blocks_.back().get();
+  }
+  void limit(std::size_t left) { left_ = left; }
+
+ private:
+  std::size_t left_ = static_cast<std::size_t>(-1);
+  std::vector<std::unique_ptr<void*[]>> blocks_;
+};
+
+/// Gives pieces of one array that it takes from the heap at once.
+class ArrayPool : public libDomXml::IMemoryPool {
+ public:
+  explicit ArrayPool(std::size_t bytes) : words_(bytes / sizeof(void*)) {}
+
+  void* allocateMemory(unsigned int size) override {
+    const std::size_t needed = (size + sizeof(void*) - 1) / sizeof(void*);
+    if (needed > words_.size() - used_) return nullptr;
+    void* const memory = words_.data() + used_;
+    used_ += needed;
+    return memory;
+  }
+  void deallocateMemory(void* /*memory*/) override { ++givenBack_; }
+
+  std::size_t usedBytes() const { return used_ * sizeof(void*); }
+  std::size_t givenBack() const { return givenBack_; }
+
+ private:
+  std::vector<void*> words_;
+  std::size_t used_ = 0;
+  std::size_t givenBack_ = 0;
+};
+
+}  // namespace tarn_test
