@@ -24,7 +24,8 @@ class IndexTest : public ::testing::Test {
   }
   std::vector<std::string> names(const ManagedObjectCollection& collection) {
     std::vector<std::string> result;
-    for (const LibTarnManagedObject* mo : collection) result.emplace_back(mo->getDistName().getText());
+    for (const LibTarnManagedObject* mo : collection)
+      result.emplace_back(mo->getDistName().getText());
     return result;
   }
 
