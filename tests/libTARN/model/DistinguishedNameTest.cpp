@@ -74,6 +74,11 @@ TEST(DistinguishedNameValidatorTest, SegmentRangesAreInclusive) {
   EXPECT_TRUE(validator.isSegmentValid(name, 0, 3));
   EXPECT_TRUE(validator.isSegmentValid(name, 5, 8));
   EXPECT_FALSE(validator.isSegmentValid(name, 2, 3));
+  // The last "-" is looked for one character beyond the range, and back to the start of the text.
+  EXPECT_TRUE(validator.isSegmentValid(name, 0, 1));
+  EXPECT_FALSE(validator.isSegmentValid(name, 0, 0));
+  EXPECT_FALSE(validator.isSegmentValid("AB-1/CD", 5, 6));
+  EXPECT_FALSE(validator.isSegmentValid("", 0, 0));
 }
 
 TEST(DistinguishedNameValidatorTest, VeryLongNamesAreJudged) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <limits>
 #include <string>
 #include <type_traits>
 
@@ -50,6 +52,12 @@ TEST(ModelExceptionTest, MessagesFollowTheirTemplates) {
       "The 'tarn > cmData > ' element has 0 child 'managedObject' elements.  Expected: 1");
   expectMessage(InvalidChildCountException::instance("x", "y", 0, 2, 3),
                 "The 'y' element has 3 child 'x' elements.  Expected: [0, 2]");
+  const std::size_t most = std::numeric_limits<std::size_t>::max();
+  const std::string mostText = std::to_string(most);
+  expectMessage(InvalidChildCountException::instance("x", "y", most - 1, most, most),
+                ("The 'y' element has " + mostText + " child 'x' elements.  Expected: [" +
+                 std::to_string(most - 1) + ", " + mostText + "]")
+                    .c_str());
   expectMessage(InvalidAttributeValueException::instance("cmData", "type", "plans"),
                 "'plans' is not a valid value of 'cmData' attribute 'type'");
   expectMessage(InvalidDistinguishedNameException("A"), "Invalid distinguished name: 'A'");
@@ -57,9 +65,16 @@ TEST(ModelExceptionTest, MessagesFollowTheirTemplates) {
 }
 
 TEST(ModelExceptionTest, ThrowExceptionThrowsWhatInstanceMakes) {
-  EXPECT_THROW(NoSuchAttributeException::throwException("a", "b"), NoSuchAttributeException);
-  EXPECT_THROW(InvalidAttributeValueException::throwException("a", "b", "c"),
-               InvalidAttributeValueException);
+  try {
+    NoSuchAttributeException::throwException("a", "b");
+  } catch (const NoSuchAttributeException& error) {
+    EXPECT_STREQ(error.what(), NoSuchAttributeException::instance("a", "b").what());
+  }
+  try {
+    InvalidAttributeValueException::throwException("a", "b", "c");
+  } catch (const InvalidAttributeValueException& error) {
+    EXPECT_STREQ(error.what(), InvalidAttributeValueException::instance("a", "b", "c").what());
+  }
 }
 
 }  // namespace
