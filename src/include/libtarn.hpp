@@ -2,6 +2,8 @@
 
 // Everything that a host of the library needs.
 
+#include "editor/TarnMerge.hpp"
+#include "model/Diagnostic.hpp"
 #include "model/DistinguishedName.hpp"
 #include "model/DistinguishedNameValidator.hpp"
 #include "model/LibTarnCmData.hpp"
@@ -17,6 +19,10 @@
 #include "model/TarnDomElement.hpp"
 #include "model/exceptions/ModelException.hpp"
 #include "model/indexation/ITarnIndexFactory.hpp"
+#include "model/validation/Validator.hpp"
+#include "model/validation/Violation.hpp"
+#include "util/DocumentList.hpp"
 #include "util/Logger.hpp"
 #include "util/TarnFactory.hpp"
+#include "util/TextPosition.hpp"
 #include "util/dumpTarnDocument.hpp"

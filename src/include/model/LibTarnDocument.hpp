@@ -2,7 +2,10 @@
 
 #include <list>
 #include <memory>
+#include <string>
 #include <vector>
+
+#include "model/Diagnostic.hpp"
 
 namespace libtarn {
 namespace util {
@@ -39,6 +42,11 @@ class LibTarnDocument {
   /// As above for a text that ends with a zero byte, which the document takes over without copying
   /// it. A vector without that zero is malformed.
   int parse(std::vector<char> text, bool validate);
+  /// Checks the rules of the format on the document as it is now. Returns 0, or 2 for a broken
+  /// rule; the first one goes to the log at level ERROR.
+  int validate();
+  /// What the last parse() or validate() found; success before the first. Good until the next one.
+  const Diagnostic& getDiagnostic() const { return diagnostic_; }
 
   TarnDomDocument* getItsTarnDomDocument() const;
   /// The factory for new elements of this document.
@@ -60,10 +68,13 @@ class LibTarnDocument {
  private:
   template <class Text>
   int parseImpl(Text& text, bool validate);
+  void checkRules() const;
+  int fail(int code, const std::string& message, std::size_t offset);
 
   std::unique_ptr<TarnDomDocument> domDocument_;
   LibTarnDocumentInternal* root_;
   util::TarnFactory* factory_;
+  Diagnostic diagnostic_;
 };
 
 }  // namespace model

@@ -55,6 +55,8 @@ class TarnDomDocument : public libDomXml::DomDocument {
   int rapidParse(char* text) override;
   /// Parses `text` in place; it stays the caller's. Throws rapidxml::parse_error.
   void parseDoc(char* text);
+  /// The place that the parse_error of the last parse gave, in bytes from the start of its text.
+  std::size_t getTextOffset(const rapidxml::parse_error& error) const;
 
   /// The declaration and the root, whatever else the document node holds.
   std::string printDocument() override;
@@ -69,6 +71,7 @@ class TarnDomDocument : public libDomXml::DomDocument {
 
   std::vector<char> buffer_;
   util::TarnFactory factory_;
+  const char* textStart_ = nullptr;  // of the last parse; its text may be gone
   char* parsePosition_ = nullptr;
   LibTarnDocumentInternal* root_ = nullptr;
   bool beforeTopLevelNode_ = false;  // set until the first node behind a top-level "<" is made

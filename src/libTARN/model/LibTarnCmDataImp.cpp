@@ -2,6 +2,7 @@
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "attributeNames.hpp"
 #include "indexChildren.hpp"
 #include "model/LibTarnHeaderImp.hpp"
 #include "model/LibTarnManagedObjectImp.hpp"
@@ -17,7 +18,6 @@ namespace model {
 
 namespace {
 
-constexpr const char* CLASS_ATTRIBUTE = "class";
 constexpr const char* ID_ATTRIBUTE = "id";
 constexpr const char* TYPE_ATTRIBUTE = "type";
 

@@ -12,8 +12,8 @@ namespace model {
 
 namespace {
 
-// Results of a parse.
-constexpr int PARSED = 0;
+// Results of a parse or a validation.
+constexpr int DONE = 0;
 constexpr int MALFORMED = 1;
 constexpr int MODEL_RULE_BROKEN = 2;
 
@@ -39,27 +39,48 @@ int LibTarnDocument::parse(std::vector<char> text, bool validate) {
 
 template <class Text>
 int LibTarnDocument::parseImpl(Text& text, bool validate) {
+  diagnostic_ = Diagnostic();
   try {
     // Elements of an earlier parse stay readable.
     domDocument_->keepText();
     root_->parse(text);
-    if (validate) {
-      validation::Validator validator;
-      root_->accept(validator);
-    }
+    if (validate) checkRules();
   } catch (const rapidxml::parse_error& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "parseImpl")
         << "Parsing failed: " << error.what();
-    return MALFORMED;
+    return fail(MALFORMED, error.what(), domDocument_->getTextOffset(error));
   } catch (const exceptions::ModelException& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "parseImpl")
         << "Validation failed: " << error.what();
-    return MODEL_RULE_BROKEN;
+    return fail(MODEL_RULE_BROKEN, error.what(), 0);
   }
   util::Logger(util::Logger::Level::INFO, TARN_LOG_LOCATION, "parseImpl")
       << "LibTarnDocument parsing done. Document parsing, building indexers"
       << (validate ? ", validation successful" : "");
-  return PARSED;
+  return DONE;
+}
+
+int LibTarnDocument::validate() {
+  diagnostic_ = Diagnostic();
+  try {
+    checkRules();
+  } catch (const exceptions::ModelException& error) {
+    util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "validate")
+        << "Validation failed: " << error.what();
+    return fail(MODEL_RULE_BROKEN, error.what(), 0);
+  }
+  util::Logger(util::Logger::Level::INFO, TARN_LOG_LOCATION, "validate") << "Validation successful";
+  return DONE;
+}
+
+void LibTarnDocument::checkRules() const {
+  validation::Validator validator;
+  root_->accept(validator);
+}
+
+int LibTarnDocument::fail(int code, const std::string& message, std::size_t offset) {
+  diagnostic_ = {code, message, offset};
+  return code;
 }
 
 TarnDomDocument* LibTarnDocument::getItsTarnDomDocument() const {

@@ -14,18 +14,12 @@
 namespace libtarn {
 namespace model {
 
-namespace {
-
-constexpr const char* XMLNS_ATTRIBUTE = "xmlns";
-
-}  // namespace
-
 const char* const LibTarnDocumentInternal::TAG_NAME = "tarn";
 
 LibTarnDocumentInternal::LibTarnDocumentInternal(TarnDomDocument* document)
     : TarnDomElement(document), document_(document) {
   xml_base::name(TAG_NAME);
-  setAttribute(XMLNS_ATTRIBUTE, "tarn21.xsd");
+  setAttribute(XMLNS_ATTRIBUTE, XMLNS);
   setAttribute(VERSION_ATTRIBUTE, "2.1");
 }
 

@@ -24,7 +24,6 @@ namespace model {
 
 namespace {
 
-constexpr const char* CLASS_ATTRIBUTE = "class";
 constexpr const char* OPERATION_ATTRIBUTE = "operation";
 
 // Stands for any distinguished name.

@@ -4,6 +4,7 @@
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "attributeNames.hpp"
 #include "model/TypedChildren.hpp"
 #include "model/validation/Validator.hpp"
 #include "util/TarnFactory.hpp"
@@ -12,9 +13,6 @@ namespace libtarn {
 namespace model {
 
 namespace {
-
-constexpr const char* ACTION_ATTRIBUTE = "action";
-constexpr const char* DATE_TIME_ATTRIBUTE = "dateTime";
 
 // Hosts filter their logs by this location, so that it stays whatever moves in this file.
 constexpr const char* CHANGED_LOCATION = "src/libTARN/model/LogImp.cpp:72";

@@ -122,6 +122,7 @@ void TarnDomDocument::parse(const char* text) {
 }
 
 void TarnDomDocument::parse(std::vector<char>& text) {
+  textStart_ = text.data();
   if (text.empty() || text.back() != '\0') {
     throw rapidxml::parse_error("unexpected end of data", text.data() + text.size());
   }
@@ -148,8 +149,13 @@ int TarnDomDocument::rapidParse(char* text) {
 void TarnDomDocument::parseDoc(char* text) {
   TARN_ASSERT(text, "text");
   leaveText();
+  textStart_ = text;
   parsePosition_ = text;
   parse_top_level<33>(parsePosition_, [this] { beforeTopLevelNode_ = true; });
+}
+
+std::size_t TarnDomDocument::getTextOffset(const rapidxml::parse_error& error) const {
+  return static_cast<std::size_t>(error.where<char>() - textStart_);
 }
 
 // Declaration and root outlive the text of a parse; what hangs below the root goes with it. What a

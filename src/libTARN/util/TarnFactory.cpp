@@ -24,9 +24,7 @@ using namespace model;
 
 namespace {
 
-constexpr const char* ACTION_ATTRIBUTE = "action";
 constexpr const char* APP_INFO_ATTRIBUTE = "appInfo";
-constexpr const char* CLASS_ATTRIBUTE = "class";
 
 // `arguments` build a `Type` in `pool`.
 template <class Type, class... Arguments>

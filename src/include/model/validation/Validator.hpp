@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <deque>
+#include <limits>
 #include <string>
+#include <vector>
 
 namespace libDomXml {
 class IDomElement;
@@ -24,16 +26,28 @@ class StructureImp;
 
 namespace validation {
 
-/// Checks a document against the rules of the format, in one walk from the root, and stops at the
-/// first violation by throwing a ModelException whose message holds the element's path.
+struct Violation;
+
+/// Checks a document against the rules of the format, in one walk from the root. Stops at the first
+/// violation by throwing a ModelException whose message holds the element's path; with a collector
+/// it records the violations instead and goes on.
 ///
 /// The elements drive the walk: TarnDomElement::accept() puts the element on the path, lets the
 /// validator visit it, then its children. Holds pointers into the document while the walk runs.
 /// Allocates for messages and for a path deeper than before, not for each element. One thread.
 class Validator {
  public:
-  Validator() = default;
+  static constexpr std::size_t NO_LIMIT = std::numeric_limits<std::size_t>::max();
+
+  /// With a `collector`, which stays the caller's, the rules throw nothing: the first `limit`
+  /// violations are appended to it in the order of the walk, the others only counted. A message
+  /// holds the names on the path, so that without a limit a document of n bytes can take n * n.
+  explicit Validator(std::vector<Violation>* collector = nullptr, std::size_t limit = NO_LIMIT)
+      : collector_(collector), limit_(limit) {}
   virtual ~Validator() = default;
+
+  /// Violations that a collecting validator has found, with those beyond its limit.
+  std::size_t getViolationCount() const { return violationCount_; }
 
   /// Puts an element on the path; `id` may be null. A null tag throws std::invalid_argument.
   void appendToPath(const char* tagName, const char* id);
@@ -76,8 +90,14 @@ class Validator {
     const char* id;
   };
 
+  template <class MakeException>
+  void report(MakeException makeException) const;
+
   bool nameRequired_ = false;  // whether the `p` visited next must have a name
   std::deque<PathEntry> pathStack_;
+  std::vector<Violation>* collector_;  // null: throw
+  std::size_t limit_;
+  mutable std::size_t violationCount_ = 0;
 };
 
 }  // namespace validation

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "../attributeNames.hpp"
 #include "Assertion.hpp"
 #include "model/IDistinguishedNameValidator.hpp"
 #include "model/LibTarnCmDataImp.hpp"
@@ -19,16 +20,11 @@
 #include "model/exceptions/InvalidDistinguishedNameException.hpp"
 #include "model/exceptions/NoElementValueException.hpp"
 #include "model/exceptions/NoSuchAttributeException.hpp"
+#include "model/validation/Violation.hpp"
 
 namespace libtarn {
 namespace model {
 namespace validation {
-
-namespace {
-
-constexpr const char* XMLNS = "tarn21.xsd";
-
-}  // namespace
 
 // The path
 
@@ -54,32 +50,44 @@ std::string Validator::getPath() const {
 
 // The rules
 
+// Makes the exception, and so the message, only when somebody gets it.
+template <class MakeException>
+void Validator::report(MakeException makeException) const {
+  if (!collector_) throw makeException();
+  if (violationCount_++ < limit_) collector_->push_back({makeException().what(), getPath()});
+}
+
 void Validator::validateAttribute(const libDomXml::IDomElement& element, const char* name,
                                   const char* expected) const {
   const char* const value = element.getAttribute(name);
-  if (!value) throw exceptions::NoSuchAttributeException::instance(getPath().c_str(), name);
+  if (!value) {
+    return report(
+        [&] { return exceptions::NoSuchAttributeException::instance(getPath().c_str(), name); });
+  }
   if (!expected || std::strcmp(expected, value) == 0) return;
-  throw exceptions::InvalidAttributeValueException::instance(getPath().c_str(), name, value);
+  report([&] {
+    return exceptions::InvalidAttributeValueException::instance(getPath().c_str(), name, value);
+  });
 }
 
 void Validator::validateValue(const libDomXml::IDomElement& element) const {
-  if (!element.getValue()) {
-    throw exceptions::NoElementValueException::instance(getPath().c_str());
-  }
+  if (element.getValue()) return;
+  report([&] { return exceptions::NoElementValueException::instance(getPath().c_str()); });
 }
 
 void Validator::validateDistinguishedName(const LibTarnManagedObjectImp& object) {
   validateAttribute(object, DistinguishedName::ATTR_NAME, nullptr);
   const char* const distName = object.getAttribute(DistinguishedName::ATTR_NAME);
-  if (!object.getDistNameValidator()->isValid(distName)) {
-    throw exceptions::InvalidDistinguishedNameException(distName);
-  }
+  if (!distName || object.getDistNameValidator()->isValid(distName)) return;
+  report([&] { return exceptions::InvalidDistinguishedNameException(distName); });
 }
 
 void Validator::validateChildrenType(const ListImp& list) {
   if (!list.hasScalarValues() || !list.hasStructuredValues()) return;
-  throw exceptions::ModelException("The '" + getPath() + "' has both '" + Scalar::TAG_NAME +
-                                   "' and '" + Structure::TAG_NAME + "' children");
+  report([&] {
+    return exceptions::ModelException("The '" + getPath() + "' has both '" + Scalar::TAG_NAME +
+                                      "' and '" + Structure::TAG_NAME + "' children");
+  });
 }
 
 template <class Child>
@@ -93,15 +101,19 @@ void Validator::validateChildCount(const IElement& element, std::size_t minCount
     child = child->getNextSiblingElement();
   }
   if (count >= minCount && count <= maxCount) return;
-  throw exceptions::InvalidChildCountException::instance(Child::TAG_NAME, getPath().c_str(),
-                                                         minCount, maxCount, count);
+  report([&] {
+    return exceptions::InvalidChildCountException::instance(Child::TAG_NAME, getPath().c_str(),
+                                                            minCount, maxCount, count);
+  });
 }
 
 template <class Child>
 void Validator::validateAtLeastOneChild(const IElement& element) const {
   if (element.getFirstChildElement(Child::TAG_NAME)) return;
-  throw exceptions::InvalidChildCountException::instance(Child::TAG_NAME, getPath().c_str(), 1, 1,
-                                                         0);
+  report([&] {
+    return exceptions::InvalidChildCountException::instance(Child::TAG_NAME, getPath().c_str(), 1,
+                                                            1, 0);
+  });
 }
 
 template void Validator::validateChildCount<LibTarnCmDataImp>(const IElement&, std::size_t,
@@ -113,8 +125,8 @@ template void Validator::validateAtLeastOneChild<LibTarnManagedObjectImp>(const 
 // The elements
 
 void Validator::visit(const LibTarnDocumentInternal& root) {
-  validateAttribute(root, "version", nullptr);
-  validateAttribute(root, "xmlns", XMLNS);
+  validateAttribute(root, VERSION_ATTRIBUTE, nullptr);
+  validateAttribute(root, XMLNS_ATTRIBUTE, XMLNS);
   validateChildCount<LibTarnCmDataImp>(root, 1, 1);
 }
 
@@ -128,13 +140,13 @@ void Validator::visit(const LibTarnCmDataImp& cmData) {
 void Validator::visit(const LibTarnHeaderImp& /*header*/) {}
 
 void Validator::visit(const LogImp& log) {
-  validateAttribute(log, "dateTime", nullptr);
-  validateAttribute(log, "action", nullptr);
+  validateAttribute(log, DATE_TIME_ATTRIBUTE, nullptr);
+  validateAttribute(log, ACTION_ATTRIBUTE, nullptr);
 }
 
 void Validator::visit(const LibTarnManagedObjectImp& object) {
   nameRequired_ = true;
-  validateAttribute(object, "class", nullptr);
+  validateAttribute(object, CLASS_ATTRIBUTE, nullptr);
   validateDistinguishedName(object);
 }
 
@@ -142,14 +154,14 @@ void Validator::visit(const LibTarnExtensionImp& /*extension*/) { nameRequired_ 
 
 void Validator::visit(const ListImp& list) {
   nameRequired_ = false;
-  validateAttribute(list, "name", nullptr);
+  validateAttribute(list, NAME_ATTRIBUTE, nullptr);
   validateChildrenType(list);
 }
 
 void Validator::visit(const StructureImp& /*structure*/) { nameRequired_ = true; }
 
 void Validator::visit(const ScalarImp& scalar) {
-  if (nameRequired_) validateAttribute(scalar, "name", nullptr);
+  if (nameRequired_) validateAttribute(scalar, NAME_ATTRIBUTE, nullptr);
 }
 
 }  // namespace validation

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <list>
+
+namespace libtarn {
+
+namespace model {
+class LibTarnDocument;
+}
+
+namespace util {
+
+/// The documents that a host saved last, up to a fixed number, handed back newest first.
+///
+/// Keeps pointers only: it never makes, copies or deletes a document. A host that wants to delete
+/// the documents that the list drops keeps track of them itself. One thread at a time.
+class DocumentList {
+ public:
+  /// Keeps three documents.
+  DocumentList() = default;
+  /// Keeps `capacity` documents; with 0, none.
+  explicit DocumentList(unsigned int capacity) : capacity_(capacity) {}
+  virtual ~DocumentList() = default;
+
+  /// Appends `document`, also one that is in the list already, and drops the oldest entry when
+  /// there are more than the capacity.
+  void SaveDocument(model::LibTarnDocument* document);
+  /// The newest entry, which leaves the list; null when the list is empty.
+  model::LibTarnDocument* GetDocumentBack();
+
+ private:
+  std::list<model::LibTarnDocument*> documents_;  // oldest first
+  unsigned int capacity_ = 3;
+};
+
+}  // namespace util
+}  // namespace libtarn

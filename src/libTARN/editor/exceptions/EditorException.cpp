@@ -1,0 +1,11 @@
+#include "editor/exceptions/EditorException.hpp"
+
+namespace libtarn {
+namespace editor {
+namespace exceptions {
+
+EditorException::EditorException(const std::string& message) : std::runtime_error(message) {}
+
+}  // namespace exceptions
+}  // namespace editor
+}  // namespace libtarn
