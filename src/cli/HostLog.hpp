@@ -4,12 +4,22 @@
 
 namespace tarn {
 
-/// Where the library's log lines go in this command: ERROR lines are kept, so that the command can
-/// tell the user in its own words; the others are dropped. One thread at a time.
+/// Where the library's log lines go in this command: to standard error, from a level on.
+///
+/// An ERROR line is held back until the command has told the error in its own words, which it gets
+/// from takeError(), or until the next line; a log that was asked for has every line. Each thread
+/// holds its own.
 class HostLog {
  public:
+  /// From which level on lines are written. At Error, only those that the command does not tell.
+  enum class Level { Debug, Info, Error, None };
+
+  /// Set before the first document is made.
+  static void setLevel(Level level);
   /// The message of the last ERROR line, "" when there was none since the last call.
   static std::string takeError();
+  /// Writes a line that is still held back.
+  static void flush();
 };
 
 }  // namespace tarn

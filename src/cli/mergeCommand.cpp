@@ -1,0 +1,98 @@
+#include <string>
+
+#include "HostLog.hpp"
+#include "commands.hpp"
+#include "documentFile.hpp"
+#include "editor/TarnMerge.hpp"
+#include "model/LibTarnCmData.hpp"
+#include "model/exceptions/ModelException.hpp"
+#include "replaceFile.hpp"
+#include "util/dumpTarnDocument.hpp"
+
+namespace tarn {
+
+using libtarn::editor::TarnMerge;
+using libtarn::model::LibTarnDocument;
+using libtarn::model::LibTarnManagedObject;
+using Operation = LibTarnManagedObject::Operation;
+
+namespace {
+
+constexpr const char* STANDARD_OUTPUT = "-";
+
+void load(const std::string& path, LibTarnDocument& document, bool validate) {
+  if (validate) {
+    loadValidDocument(path, document);
+  } else {
+    loadDocument(path, document);
+  }
+}
+
+// A delta that was merged has one of the three operations in each object.
+std::string summary(const LibTarnDocument& delta) {
+  std::size_t created = 0;
+  std::size_t updated = 0;
+  std::size_t deleted = 0;
+  for (const LibTarnManagedObject* object : delta.getLibTarnCmData()->getLibTarnManagedObjects()) {
+    const Operation operation = object->getOperation();
+    ++(operation == Operation::CREATE   ? created
+       : operation == Operation::DELETE ? deleted
+                                        : updated);
+  }
+  return std::to_string(created) + " created, " + std::to_string(updated) + " updated, " +
+         std::to_string(deleted) + " deleted";
+}
+
+// Why the library refused is in its log only.
+[[noreturn]] void throwRefusal(const MergeRequest& request, const std::string& deltaPath,
+                               const LibTarnDocument& source, const LibTarnDocument& delta) {
+  const std::string reason = HostLog::takeError();
+  if (!source.getLibTarnCmData()) {
+    throw CommandError(Status::RuleBroken, errorLine(request.source, reason));
+  }
+  throw CommandError(delta.getLibTarnCmData() ? Status::Conflict : Status::RuleBroken,
+                     errorLine(deltaPath, reason));
+}
+
+// Returns what the delta did, as a line.
+std::string applyDelta(const MergeRequest& request, const std::string& path,
+                       LibTarnDocument& source) {
+  LibTarnDocument delta;
+  load(path, delta, request.validate);
+  try {
+    if (!TarnMerge(source).mergeDocument(delta)) throwRefusal(request, path, source, delta);
+  } catch (const libtarn::model::exceptions::ModelException& error) {
+    throw CommandError(Status::RuleBroken, errorLine(path, error.what()));
+  }
+  return path + ": " + summary(delta) + "\n";
+}
+
+void writeResult(const std::string& path, LibTarnDocument& document) {
+  std::string text;
+  libtarn::util::dumpTarnDocument(document, text);
+  if (path == STANDARD_OUTPUT) {
+    writeOutput(text);
+  } else {
+    replaceFile(path, text);
+  }
+}
+
+}  // namespace
+
+void mergeCommand(const MergeRequest& request) {
+  LibTarnDocument source;
+  load(request.source, source, request.validate);
+  std::string summaries;
+  for (const std::string& path : request.deltas) summaries += applyDelta(request, path, source);
+  if (request.validate && source.validate() != 0) {
+    HostLog::takeError();
+    throw CommandError(
+        Status::RuleBroken,
+        errorLine(request.source, "merged document: " + source.getDiagnostic().message));
+  }
+  const std::string target = request.inPlace ? request.source : request.output;
+  if (!request.checkOnly) writeResult(target, source);
+  if (request.checkOnly || target != STANDARD_OUTPUT) writeOutput(summaries);
+}
+
+}  // namespace tarn

@@ -1,0 +1,147 @@
+#!/usr/bin/env python3
+"""Runs `tarn check` as a user does. Argument: the command; working folder: the repository's."""
+
+import os
+import sys
+import threading
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "support"))
+from command_case import EXAMPLES, CommandCase, document, main, managed_object, tarn  # noqa: E402
+
+NAMELESS = "The 'tarn > cmData > managedObject:A-1 > p > ' element has no attribute 'name'"
+
+
+class CheckTest(CommandCase):
+    def test_good_files_are_told_in_their_order(self):
+        network = os.path.join(EXAMPLES, "network.xml")
+        upgrade = os.path.join(EXAMPLES, "upgrade.xml")
+        self.expect(tarn("check", upgrade, network), 0, f"{upgrade}: ok\n{network}: ok\n")
+
+    def test_broken_rule_is_told_with_its_path_and_status_2(self):
+        path = self.file(document(managed_object("A-1", body="<p>1</p><p name='x'/>")))
+        self.expect(tarn("check", path), 2, "", f"{path}: error: {NAMELESS}\n")
+
+    def test_malformed_file_is_told_with_line_and_byte_column(self):
+        for text, place, message in (
+                ("", None, None),
+                ("<tarn", "1:6", "expected >"),
+                ("<tarn>\n", "2:1", "unexpected end of data"),
+                ("<tarn>\n  <cmData>\r\n<foo/>", "3:5", "unknown TARN object"),
+                ("\ufeff<foo/>", "1:8", "unknown TARN object"),
+                ("<tarn\n\nversion='é'&/>", "3:14", "expected ="),
+                ("<tarn version='&lt;&lt;&#10;'\n x=1/>", "2:4", "expected ' or \""),
+        ):
+            path = self.file(text)
+            result = tarn("check", path)
+            with self.subTest(text=text):
+                if place is None:
+                    self.assertEqual((result.returncode, result.stdout), (2, b""))
+                else:
+                    self.expect(result, 1, "", f"{path}:{place}: error: {message}\n")
+
+    def test_place_behind_many_lines_is_right(self):
+        # More than the blocks in which the file is read again.
+        text = document("\n".join(managed_object(f"A-{n}", body="\n<p name='x'>1</p>")
+                                  for n in range(5000)) + "\n <wrong/>")
+        path = self.file(text)
+        offset = text.index("<wrong") + 6
+        line = text.count("\n", 0, offset) + 1
+        column = offset - text.rindex("\n", 0, offset)
+        self.expect(tarn("check", path), 1, "",
+                    f"{path}:{line}:{column}: error: unknown TARN object\n")
+
+    def test_zero_byte_is_malformed(self):
+        path = self.file(document("").encode() + b"\n \0")
+        self.expect(tarn("check", path), 1, "", f"{path}:2:2: error: unexpected zero byte\n")
+        path = self.file(b"\0")
+        self.expect(tarn("check", path), 1, "", f"{path}:1:1: error: unexpected zero byte\n")
+
+    def test_pipe_is_read_once_and_its_faults_have_a_place(self):
+        pipe = self.path("pipe")
+        os.mkfifo(pipe)
+
+        def write():
+            with open(pipe, "wb") as file:
+                file.write(b"<tarn>\n<cmData \n</tarn>")
+        writer = threading.Thread(target=write)
+        writer.start()
+        result = tarn("check", pipe)
+        writer.join()
+        self.expect(result, 1, "", f"{pipe}:3:1: error: expected >\n")
+
+    def test_every_file_is_checked_and_the_highest_status_counts(self):
+        good = self.file(document(managed_object("A-1")), "good.xml")
+        malformed = self.file("<tarn>", "malformed.xml")
+        broken = self.file(document(""), "broken.xml")
+        missing = self.path("missing.xml")
+        result = tarn("check", missing, malformed, broken, good)
+        self.assertEqual((result.returncode, result.stdout), (5, f"{good}: ok\n".encode()))
+        self.assertEqual([line.split(b": error: ")[0].decode() for line in
+                          result.stderr.splitlines()],
+                         [missing, f"{malformed}:1:7", broken])
+        self.assertEqual(tarn("check", malformed, broken).returncode, 2)
+        self.assertEqual(tarn("check", broken, malformed).returncode, 2)
+        self.assertEqual(tarn("check", malformed, good).returncode, 1)
+
+    def test_all_tells_every_violation_in_the_order_of_the_walk(self):
+        path = self.file("<tarn version='1' xmlns='x'><cmData type='actual'><header>"
+                         "<log/></header><managedObject distName='A'><p/></managedObject>"
+                         "<managedObject/></cmData></tarn>")
+        where = "The 'tarn > cmData > "
+        self.expect(tarn("check", "--all", path), 2, "", "".join(
+            f"{path}: error: {message}\n" for message in (
+                "'x' is not a valid value of 'tarn > ' attribute 'xmlns'",
+                where + "header > log > ' element has no attribute 'dateTime'",
+                where + "header > log > ' element has no attribute 'action'",
+                where + "managedObject > ' element has no attribute 'class'",
+                where + "managedObject > ' element has no attribute 'distName'",
+                where + "managedObject:A > ' element has no attribute 'class'",
+                "Invalid distinguished name: 'A'",
+                where + "managedObject:A > p > ' element has no attribute 'name'")))
+
+    def test_all_is_limited_and_tells_how_many_are_left_out(self):
+        body = "<extension>" + "<p/>" * 150 + "</extension>"
+        path = self.file(document(managed_object("A-1", body=body)))
+        for limit, told in ((None, 100), (7, 7), (149, 149), (150, 150), (151, 150), (0, 150)):
+            options = [] if limit is None else ["--limit", str(limit)]
+            lines = tarn("check", "--all", *options, path).stderr.decode().splitlines()
+            with self.subTest(limit=limit):
+                self.assertEqual(sum("no attribute 'name'" in line for line in lines), told)
+                left = [f"{path}: error: {150 - told} more violations"] if told < 150 else []
+                self.assertEqual(lines[told:], left)
+
+    def test_all_of_a_good_and_of_a_malformed_file(self):
+        good = self.file(document(managed_object("A-1")), "good.xml")
+        malformed = self.file("<tarn>", "malformed.xml")
+        result = tarn("check", "--all", malformed, good)
+        self.expect(result, 1, f"{good}: ok\n",
+                    f"{malformed}:1:7: error: unexpected end of data\n")
+
+    def test_names_with_control_characters_stay_on_one_line(self):
+        path = self.file(document(managed_object("A&#10;&#27;[2J")))
+        self.expect(tarn("check", path), 2, "",
+                    f"{path}: error: Invalid distinguished name: 'A\\x0A\\x1B[2J'\n")
+
+    def test_log_lines_come_when_asked_for(self):
+        path = self.file(document(""))
+        message = "The 'tarn > cmData > ' element has 0 child 'managedObject' elements." \
+                  "  Expected: 1"
+        plain = tarn("check", path).stderr.decode()
+        self.assertEqual(plain, f"{path}: error: {message}\n")
+        self.assertEqual(tarn("--log-level", "none", "check", path).stderr.decode(), plain)
+        self.assertEqual(tarn("--log-level", "error", "check", path).stderr.decode(), plain)
+        lines = tarn("check", "--log-level", "debug", path).stderr.decode().splitlines()
+        self.assertEqual([line.split(" ")[0] for line in lines[:-1]], ["DEBUG", "DEBUG", "ERROR"])
+        self.assertTrue(lines[2].endswith(f" parseImpl: Validation failed: {message}"))
+        self.assertEqual(lines[3] + "\n", plain)
+
+    def test_wrong_usage_has_status_64(self):
+        for arguments in ([], ["--all"], ["--limit", "3", "x"], ["--all", "--limit", "-1", "x"],
+                          ["--all", "--limit", "x", "x"], ["x", "--log-level", "loud"]):
+            result = tarn("check", *arguments)
+            self.assertEqual((arguments, result.returncode, result.stdout), (arguments, 64, b""))
+            self.assertNotEqual(result.stderr, b"")
+
+
+if __name__ == "__main__":
+    main()

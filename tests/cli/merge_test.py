@@ -1,0 +1,228 @@
+#!/usr/bin/env python3
+"""Runs `tarn merge` as a user does. Argument: the command; working folder: the repository's."""
+
+import os
+import resource
+import stat
+import sys
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "support"))
+from command_case import (EXAMPLES, TARN, CommandCase, document, main, managed_object,  # noqa: E402
+                          run, tarn)
+
+SOURCE = document(managed_object("A-1", body='<p name="x">1</p><p name="y">2</p>')
+                  + managed_object("A-2"))
+DELTA = document(managed_object("A-1", "update", '<p name="x">7</p>')
+                 + managed_object("A-2", "delete") + managed_object("A-3", "create"),
+                 header="<header><log dateTime='d' action='a'>t</log></header>")
+MERGED = """<?xml version="1.0" encoding="UTF-8"?>
+<tarn xmlns="tarn21.xsd" version="2.1">
+ <cmData type="plan">
+  <header>
+   <log dateTime="d" action="a">t</log>
+  </header>
+  <managedObject class="C" distName="A-1">
+   <p name="x">7</p>
+   <p name="y">2</p>
+  </managedObject>
+  <managedObject class="C" distName="A-3" operation="create"></managedObject>
+ </cmData>
+</tarn>
+"""
+SUMMARY = "1 created, 1 updated, 1 deleted"
+
+
+class MergeTest(CommandCase):
+    def setUp(self):
+        super().setUp()
+        self.source = self.file(SOURCE, "source.xml")
+        self.delta = self.file(DELTA, "delta.xml")
+
+    def conflict(self):
+        return self.file(document(managed_object("A-1", "update") + managed_object("A-9", "delete")),
+                         "conflict.xml")
+
+    def expect_untouched(self, result, status, err):
+        """The merge failed: every file is as it was and none was added."""
+        self.expect(result, status, "", err)
+        self.assertEqual(self.read(self.source), SOURCE.encode())
+        self.assertEqual(self.read(self.delta), DELTA.encode())
+
+    def test_result_goes_to_standard_output(self):
+        self.expect(tarn("merge", self.source, self.delta), 0, MERGED)
+        self.expect(tarn("merge", self.source, self.delta, "-o", "-"), 0, MERGED)
+        self.assertEqual(self.read(self.source), SOURCE.encode())
+
+    def test_result_goes_to_a_new_file_with_the_usual_mode(self):
+        out = self.path("out.xml")
+        self.expect(tarn("merge", self.source, self.delta, "-o", out), 0,
+                    f"{self.delta}: {SUMMARY}\n")
+        self.assertEqual(self.read(out), MERGED.encode())
+        mask = os.umask(0)
+        os.umask(mask)
+        self.assertEqual(stat.S_IMODE(os.stat(out).st_mode), 0o666 & ~mask)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["delta.xml", "out.xml", "source.xml"])
+
+    def test_in_place_keeps_the_mode(self):
+        os.chmod(self.source, 0o640)
+        self.expect(tarn("merge", "--in-place", self.source, self.delta), 0,
+                    f"{self.delta}: {SUMMARY}\n")
+        self.assertEqual(self.read(self.source), MERGED.encode())
+        self.assertEqual(stat.S_IMODE(os.stat(self.source).st_mode), 0o640)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["delta.xml", "source.xml"])
+
+    def test_deltas_are_applied_in_their_order(self):
+        create = self.file(document(managed_object("B-1", "create")), "create.xml")
+        delete = self.file(document(managed_object("B-1", "delete")), "delete.xml")
+        self.expect(tarn("merge", self.source, create, delete, "--check-only"), 0,
+                    f"{create}: 1 created, 0 updated, 0 deleted\n"
+                    f"{delete}: 0 created, 0 updated, 1 deleted\n")
+        self.expect_untouched(
+            tarn("merge", "--in-place", self.source, delete, create), 3,
+            f"{delete}: error: There is no 'managedObject' element with 'distName=B-1' to delete\n")
+        self.expect_untouched(
+            tarn("merge", "--in-place", self.source, create, create), 3,
+            f"{create}: error: A 'managedObject' element with 'distName=B-1' already exists\n")
+
+    def test_auto_is_counted_as_what_it_came_to(self):
+        delta = self.file(document(managed_object("A-1") + managed_object("A-5", "auto")), "auto.xml")
+        self.expect(tarn("merge", self.source, delta, "--check-only"), 0,
+                    f"{delta}: 1 created, 1 updated, 0 deleted\n")
+
+    def test_check_only_writes_nothing(self):
+        out = self.path("out.xml")
+        for options in ([], ["--in-place"], ["-o", out]):
+            result = tarn("merge", "--check-only", self.source, self.delta, *options)
+            self.expect(result, 0, f"{self.delta}: {SUMMARY}\n")
+        self.assertEqual(self.read(self.source), SOURCE.encode())
+        self.assertFalse(os.path.exists(out))
+
+    def test_conflict_is_told_with_status_3_and_nothing_written(self):
+        path = self.conflict()
+        out = self.path("out.xml")
+        message = (f"{path}: error: There is no 'managedObject' element with 'distName=A-9'"
+                   " to delete\n")
+        for options in (["--in-place"], ["-o", out], [], ["--check-only"]):
+            self.expect_untouched(tarn("merge", *options, self.source, path), 3, message)
+        self.assertFalse(os.path.exists(out))
+
+    def test_document_without_cm_data_has_status_2(self):
+        empty = self.file("<tarn/>", "empty.xml")
+        self.expect(tarn("merge", empty, self.delta), 2, "",
+                    f"{empty}: error: Source document doesn't have cmData node\n")
+        self.expect_untouched(tarn("merge", self.source, empty), 2,
+                              f"{empty}: error: Delta document doesn't have cmData node\n")
+
+    def test_faults_of_a_file_are_told_as_by_check(self):
+        malformed = self.file("<tarn>\n<", "malformed.xml")
+        broken = self.file("<tarn><cmData type='wrong'/></tarn>", "broken.xml")
+        missing = self.path("missing.xml")
+        for path, status, message in (
+                (malformed, 1, ":2:2: error: expected element name"),
+                (broken, 2, ": error: 'wrong' is not a valid value of 'cmData' attribute 'type'"),
+                (missing, 5, ": error: No such file or directory")):
+            self.expect_untouched(tarn("merge", "--in-place", self.source, path), status,
+                                  f"{path}{message}\n")
+            self.expect_untouched(tarn("merge", "--in-place", path, self.delta), status,
+                                  f"{path}{message}\n")
+
+    def test_validate_checks_source_deltas_and_result(self):
+        bad = self.file(document(managed_object("A")), "bad.xml")
+        message = ": error: Invalid distinguished name: 'A'\n"
+        self.assertEqual(tarn("merge", self.source, bad).returncode, 0)
+        self.expect_untouched(tarn("merge", "--validate", self.source, bad), 2, bad + message)
+        self.expect_untouched(tarn("merge", "--validate", bad, self.delta), 2, bad + message)
+        delete_all = self.file(document(managed_object("A-1", "delete")
+                                        + managed_object("A-2", "delete")), "all.xml")
+        self.expect_untouched(
+            tarn("merge", "--validate", "--in-place", self.source, delete_all), 2,
+            f"{self.source}: error: merged document: The 'tarn > cmData > ' element has 0 child"
+            " 'managedObject' elements.  Expected: 1\n")
+
+    def test_rule_broken_while_copying_has_status_2_and_writes_nothing(self):
+        body = managed_object("B-1", "no operation")
+        delta = self.file(document(managed_object("A-7", "create", body)), "nested.xml")
+        self.expect_untouched(
+            tarn("merge", "--in-place", self.source, delta), 2,
+            f"{delta}: error: 'no operation' is not a valid value of 'managedObject' attribute"
+            " 'operation'\n")
+
+    def test_source_as_its_own_delta(self):
+        # Two documents of one file: without operations, every object is an update of itself.
+        result = tarn("merge", self.source, self.source)
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        self.assertEqual(result.stdout, tarn("print", self.source).stdout)
+
+    def test_output_may_be_the_delta(self):
+        result = tarn("merge", self.source, self.delta, "-o", self.delta)
+        self.expect(result, 0, f"{self.delta}: {SUMMARY}\n")
+        self.assertEqual(self.read(self.delta), MERGED.encode())
+
+    def test_target_of_a_link_is_replaced_and_the_link_stays(self):
+        os.mkdir(self.path("folder"))
+        os.symlink("folder/second.xml", self.path("link.xml"))
+        os.symlink("../source.xml", self.path("folder/second.xml"))
+        link = self.path("link.xml")
+        self.assertEqual(tarn("merge", "--in-place", link, self.delta).returncode, 0)
+        self.assertTrue(os.path.islink(link))
+        self.assertTrue(os.path.islink(self.path("folder/second.xml")))
+        self.assertEqual(self.read(self.source), MERGED.encode())
+
+    def test_link_to_nothing_makes_the_file_that_it_names(self):
+        os.symlink("made.xml", self.path("link.xml"))
+        self.assertEqual(tarn("merge", self.source, self.delta, "-o",
+                              self.path("link.xml")).returncode, 0)
+        self.assertEqual(self.read(self.path("made.xml")), MERGED.encode())
+
+    def test_links_in_a_circle_are_told(self):
+        os.symlink("b.xml", self.path("a.xml"))
+        os.symlink("a.xml", self.path("b.xml"))
+        path = self.path("a.xml")
+        self.expect_untouched(
+            tarn("merge", self.source, self.delta, "-o", path), 5,
+            f"{path}: error: Too many levels of symbolic links\n")
+
+    def test_device_is_written_and_stays_a_device(self):
+        self.expect(tarn("merge", self.source, self.delta, "-o", "/dev/null"), 0,
+                    f"{self.delta}: {SUMMARY}\n")
+        self.assertTrue(stat.S_ISCHR(os.stat("/dev/null").st_mode))
+        self.expect_untouched(
+            tarn("merge", self.source, self.delta, "-o", "/dev/full"), 5,
+            "/dev/full: error: No space left on device\n")
+
+    def test_target_that_cannot_be_written_is_told(self):
+        for path, message in ((self.folder, "Is a directory"),
+                              (self.path("none/out.xml"), "No such file or directory"),
+                              (os.path.join(self.source, "out.xml"), "Not a directory")):
+            self.expect_untouched(tarn("merge", self.source, self.delta, "-o", path), 5,
+                                  f"{path}: error: {message}\n")
+
+    def test_write_that_fails_half_way_leaves_the_target_and_no_stray_file(self):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100))
+        # Python ignores SIGXFSZ, and so does the command then: writing fails.
+        result = run(TARN, "merge", "--in-place", self.source, self.delta, preexec_fn=limit,
+                     restore_signals=False)
+        self.expect_untouched(result, 5, f"{self.source}: error: File too large\n")
+        self.assertEqual(sorted(os.listdir(self.folder)), ["delta.xml", "source.xml"])
+
+    def test_wrong_usage_has_status_64(self):
+        for arguments in ([], [self.source], ["--in-place", "-o", "x", self.source, self.delta]):
+            result = tarn("merge", *arguments)
+            self.assertEqual((arguments, result.returncode, result.stdout), (arguments, 64, b""))
+            self.assertNotEqual(result.stderr, b"")
+
+    def test_example_does_the_main_job(self):
+        result = run("bash", os.path.join(EXAMPLES, "upgrade.sh"), TARN, self.path("results"))
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertIn(b"examples/upgrade.xml: 14 created, 22 updated, 5 deleted\n", result.stdout)
+        self.assertIn(b"network-upgraded.xml: ok\n", result.stdout)
+        self.assertIn(b"network-copy.xml is unchanged\n", result.stdout)
+        errors = [line for line in result.stderr.splitlines() if line.startswith(b"ERROR")]
+        self.assertEqual(errors, [b"ERROR src/libTARN/editor/TarnMerge.cpp:64 doMerge: A"
+                                  b" 'managedObject' element with 'distName=NET-1/SITE-7' already"
+                                  b" exists"])
+
+
+if __name__ == "__main__":
+    main()
