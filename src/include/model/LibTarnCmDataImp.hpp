@@ -71,6 +71,8 @@ class LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
 
  private:
+  void dispatchToObjectsAsTheyLie(validation::Validator& validator) const;
+
   EnumeratedAttribute<Type> type_;
   const indexation::ITarnIndexFactory* indexFactory_;
   indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* managedObjectIndex_;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 
 namespace libtarn {
 namespace model {
@@ -17,28 +18,30 @@ bool isAlphanumeric(char c) {
 
 // The characters of `dn` from `start` up to, not including, `end`. The last "-" is looked for up to
 // `end`, where the "/" that closes the segment stands.
-bool isSegment(const std::string& dn, std::size_t start, std::size_t end) {
+bool isSegment(std::string_view dn, std::size_t start, std::size_t end) {
   const std::size_t dash = dn.rfind('-', end);
-  if (dash == std::string::npos || dash <= start) return false;
+  if (dash == std::string_view::npos || dash <= start) return false;
   for (std::size_t i = dash + 1; i < end && i < dn.size(); ++i) {
     if (!isAlphanumeric(dn[i])) return false;
   }
   return true;
 }
 
+bool areSegments(std::string_view name) {
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t slash = name.find('/', start);
+    if (slash == std::string_view::npos) return isSegment(name, start, name.size());
+    if (!isSegment(name, start, slash)) return false;
+    start = slash + 1;
+  }
+}
+
 }  // namespace
 
 bool DistinguishedNameValidator::isValid(const char* distName) const {
   if (!distName) return false;
-  if (std::strstr(distName, ALWAYS_VALID_PART)) return true;
-  const std::string name(distName);
-  std::size_t start = 0;
-  for (;;) {
-    const std::size_t slash = name.find('/', start);
-    if (slash == std::string::npos) return isSegment(name, start, name.size());
-    if (!isSegment(name, start, slash)) return false;
-    start = slash + 1;
-  }
+  return areSegments(distName) || std::strstr(distName, ALWAYS_VALID_PART);
 }
 
 bool DistinguishedNameValidator::isSegmentValid(const std::string& dn, unsigned int start,

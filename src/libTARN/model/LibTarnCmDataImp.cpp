@@ -68,8 +68,22 @@ void LibTarnCmDataImp::dispatchToChildren(validation::Validator& validator) cons
        header = nextTypedSibling(*header)) {
     header->accept(validator);
   }
+  if (validator.isAnyOrderAllowed()) return dispatchToObjectsAsTheyLie(validator);
   for (const LibTarnManagedObject* object : getLibTarnManagedObjects()) {
     implementation<LibTarnManagedObjectImp>(*object).accept(validator);
+  }
+}
+
+// Objects lie in memory as they stand in the text. A host may have unlinked some without telling
+// the index; those count, too.
+void LibTarnCmDataImp::dispatchToObjectsAsTheyLie(validation::Validator& validator) const {
+  for (auto* object = firstTypedChild<LibTarnManagedObjectImp>(*this); object;
+       object = nextTypedSibling(*object)) {
+    object->accept(validator);
+  }
+  for (const LibTarnManagedObject* indexed : getLibTarnManagedObjects()) {
+    const auto& object = implementation<LibTarnManagedObjectImp>(*indexed);
+    if (object.parent() != this) object.accept(validator);
   }
 }
 

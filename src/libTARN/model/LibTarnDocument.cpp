@@ -73,7 +73,16 @@ int LibTarnDocument::validate() {
   return DONE;
 }
 
+// Walks twice only for a document that is broken.
 void LibTarnDocument::checkRules() const {
+  try {
+    validation::Validator inAnyOrder;
+    inAnyOrder.allowAnyOrder();
+    root_->accept(inAnyOrder);
+    return;
+  } catch (const exceptions::ModelException&) {
+    // Something is wrong; which violation is the first, the walk in the order of names says.
+  }
   validation::Validator validator;
   root_->accept(validator);
 }

@@ -114,6 +114,36 @@ TEST(DiagnosticTest, ValidateChecksTheDocumentAsItIsNow) {
   expectDiagnostic(document, 0, "", 0);
 }
 
+// What counts are the objects that the index holds, whatever a host did to the tree.
+TEST(DiagnosticTest, ValidateVisitsTheIndexedObjectsInTheOrderOfTheirNames) {
+  const std::string before = "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header/>";
+  CapturedLog log;
+  LibTarnDocument document;
+  ASSERT_EQ(
+      document.parse((before + "<managedObject distName='B-1'/><managedObject distName='A-1'/>"
+                               "<managedObject class='C' distName='C-1'/></cmData></tarn>")
+                         .c_str(),
+                     false),
+      0);
+  LibTarnCmData& cmData = *document.getLibTarnCmData();
+  const std::string first =
+      "The 'tarn > cmData > managedObject:A-1 > ' element has no attribute 'class'";
+  EXPECT_EQ(document.validate(), 2);
+  expectDiagnostic(document, 2, first, 0);
+
+  cmData.getLibTarnManagedObject("B-1")->removeThisElement();
+  cmData.getLibTarnManagedObject("A-1")->removeThisElement();
+  EXPECT_EQ(document.validate(), 2);
+  expectDiagnostic(document, 2, first, 0);
+
+  cmData.removeLibTarnManagedObject("A-1");
+  cmData.removeLibTarnManagedObject("B-1");
+  EXPECT_EQ(document.validate(), 0);
+  dynamic_cast<TarnDomElement&>(cmData).addChild(
+      document.getFactory().allocateTarnManagedObjectNode());
+  EXPECT_EQ(document.validate(), 0);
+}
+
 TEST(DiagnosticTest, ValidateOfDocumentWithoutCmDataFails) {
   CapturedLog log;
   LibTarnDocument document;

@@ -144,7 +144,8 @@ TEST(CollectorTest, ValidationAllocatesNothingForAnElement) {
   CapturedLog log;
   std::string text = "<tarn xmlns='tarn21.xsd' version='1'><cmData type='plan'><header/>";
   for (int i = 0; i < 1000; ++i) {
-    text += "<managedObject class='x' distName='A-" + std::to_string(i) +
+    text += "<managedObject class='x' distName='NETWORK-1/SITE-100/RADIO-1000/A-" +
+            std::to_string(i) +
             "'><p name='p'>1</p><list name='l'><item><p name='q'/></item></list>"
             "<extension name='e'><p name='r'/></extension></managedObject>";
   }
