@@ -102,6 +102,9 @@ void measureRound(const std::vector<char>& text, PhaseTimes& times) {
   }
   LibTarnDocument whole;
   whole.parse(text, false);
+  for (LibTarnManagedObject* object : whole.getLibTarnCmData()->getLibTarnManagedObjects()) {
+    object->clearOperation();
+  }
   times.measure("merge of a delta that updates every object",
                 [&] { return TarnMerge(source).mergeDocument(whole); });
   times.measure("validation of the result", [&] { return source.validate() == 0; });

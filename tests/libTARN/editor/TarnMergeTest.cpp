@@ -10,7 +10,9 @@
 #include "editor/exceptions/EditorException.hpp"
 #include "libtarn.hpp"
 #include "model/LibTarnCmDataImp.hpp"
+#include "model/indexation/TarnIndexFactory.hpp"
 #include "support/CapturedLog.hpp"
+#include "support/HeapCount.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
@@ -484,6 +486,48 @@ TEST(TarnMergeTest, ObjectMadeByTheSourcesFactoryIsCopied) {
   CapturedLog log;
   EXPECT_TRUE(TarnMerge(*source).mergeManagedObject(*made));
   EXPECT_NE(&objectIn(*source, "A-1"), made);
+}
+
+// Cost
+
+// A document with its pool on the heap, where the test program counts what is taken.
+class HeapDocument {
+ public:
+  explicit HeapDocument(const std::string& text)
+      : indexFactory_(indexPool_), document_(new TarnDomDocument(&validator_, &indexFactory_)) {
+    CapturedLog log;
+    EXPECT_EQ(document_.parse(text.c_str(), false), 0);
+  }
+
+  LibTarnDocument& get() { return document_; }
+
+ private:
+  DistinguishedNameValidator validator_;
+  libDomXml::DomDocument indexPool_{false};
+  indexation::TarnIndexFactory indexFactory_;
+  LibTarnDocument document_;
+};
+
+// Blocks that a merge of `delta` takes with so many objects in the source.
+std::size_t blocksOfMerge(int sourceObjects, LibTarnDocument& delta) {
+  std::string text;
+  for (int i = 0; i < sourceObjects; ++i) text += object("S-" + std::to_string(i), "");
+  HeapDocument source(cmData(text));
+  TarnMerge merge(source.get());
+  const std::size_t before = tarn_test::heapAllocations();
+  EXPECT_TRUE(merge.mergeDocument(delta));
+  return tarn_test::heapAllocations() - before;
+}
+
+TEST(TarnMergeTest, MemoryOfAMergeGrowsWithTheDeltaOnly) {
+  std::string text = object("S-0", "update", "<p name='x'>1</p>") + object("S-1", "delete");
+  for (int i = 0; i < 2000; ++i)
+    text += object("A-" + std::to_string(i), "create", "<p name='x'/>");
+  const auto delta = parsed(cmData(text));
+  const std::size_t small = blocksOfMerge(10, *delta);
+  const std::size_t large = blocksOfMerge(10000, *delta);
+  EXPECT_GT(small, 0U);
+  EXPECT_LE(large, small + 2);  // blocks that were begun
 }
 
 // Steps
