@@ -44,7 +44,7 @@ class Descriptor {
 /// Removes a file at the end, unless it was released.
 class FileRemover {
  public:
-  explicit FileRemover(const std::string& path) : path_(path) {}
+  explicit FileRemover(std::string path) : path_(std::move(path)) {}
   FileRemover(const FileRemover&) = delete;
   FileRemover& operator=(const FileRemover&) = delete;
   ~FileRemover() {

@@ -22,6 +22,13 @@ void* operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 
+// The forms for arrays, too: a sanitizer brings its own, which would not come here.
+void* operator new[](std::size_t size) { return operator new(size); }
+
 void operator delete(void* memory) noexcept { std::free(memory); }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+
+void operator delete[](void* memory) noexcept { std::free(memory); }
+
+void operator delete[](void* memory, std::size_t /*size*/) noexcept { std::free(memory); }

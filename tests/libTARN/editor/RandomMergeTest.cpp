@@ -13,8 +13,8 @@
 
 #include "editor/TarnMerge.hpp"
 #include "libtarn.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
 #include "support/CapturedLog.hpp"
+#include "support/HeapDocument.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
@@ -22,6 +22,7 @@ namespace {
 using namespace libtarn::model;
 using libtarn::editor::TarnMerge;
 using tarn_test::CapturedLog;
+using tarn_test::HeapDocument;
 using Name = std::optional<std::string>;  // absent: no attribute
 
 constexpr std::size_t MOST_LOGS = 50;
@@ -269,24 +270,6 @@ std::unique_ptr<LibTarnDocument> parsed(const Document& document) {
   return result;
 }
 
-// A document with its pool on the heap, where the address sanitizer sees what points into it once
-// it is gone.
-class HeapDocument {
- public:
-  explicit HeapDocument(const Document& model)
-      : indexFactory_(indexPool_), document_(new TarnDomDocument(&validator_, &indexFactory_)) {
-    EXPECT_EQ(document_.parse(model.render().c_str(), false), 0) << model.render();
-  }
-
-  LibTarnDocument& get() { return document_; }
-
- private:
-  DistinguishedNameValidator validator_;
-  libDomXml::DomDocument indexPool_{false};
-  indexation::TarnIndexFactory indexFactory_;
-  LibTarnDocument document_;
-};
-
 std::string dumpOf(const LibTarnDocument& document) {
   return tarn_test::dump(*document.getItsTarnDomDocument());
 }
@@ -342,7 +325,7 @@ void mergeDocuments(unsigned seed, unsigned conflictOdds, Counts& counts) {
   for (int round = 0; round < 4; ++round) {
     Document deltaModel = generator.delta(sourceModel, conflictOdds);
     const std::string before = source->getItsTarnDomDocument()->printDocument();
-    auto delta = std::make_unique<HeapDocument>(deltaModel);
+    auto delta = std::make_unique<HeapDocument>(deltaModel.render());
     log.clear();
     const bool done = tarnMerge.mergeDocument(delta->get());
     ASSERT_EQ(done, merge(sourceModel, deltaModel)) << deltaModel.render();
@@ -376,7 +359,7 @@ TEST(RandomMergeTest, SingleObjectsMergeAsThePlainModelSays) {
     Document sourceModel = generator.source();
     const auto source = parsed(sourceModel);
     Document deltaModel = generator.delta(sourceModel, 3);
-    auto delta = std::make_unique<HeapDocument>(deltaModel);
+    auto delta = std::make_unique<HeapDocument>(deltaModel.render());
     log.clear();
     TarnMerge tarnMerge(*source);
     for (const Object& object : deltaModel.objects) {

@@ -10,9 +10,9 @@
 #include "editor/exceptions/EditorException.hpp"
 #include "libtarn.hpp"
 #include "model/LibTarnCmDataImp.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/HeapCount.hpp"
+#include "support/HeapDocument.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
@@ -21,6 +21,7 @@ using namespace libtarn::model;
 using libtarn::editor::TarnMerge;
 using libtarn::editor::exceptions::EditorException;
 using tarn_test::CapturedLog;
+using tarn_test::HeapDocument;
 using Operation = LibTarnManagedObject::Operation;
 using Strings = std::vector<std::string>;
 
@@ -489,24 +490,6 @@ TEST(TarnMergeTest, ObjectMadeByTheSourcesFactoryIsCopied) {
 }
 
 // Cost
-
-// A document with its pool on the heap, where the test program counts what is taken.
-class HeapDocument {
- public:
-  explicit HeapDocument(const std::string& text)
-      : indexFactory_(indexPool_), document_(new TarnDomDocument(&validator_, &indexFactory_)) {
-    CapturedLog log;
-    EXPECT_EQ(document_.parse(text.c_str(), false), 0);
-  }
-
-  LibTarnDocument& get() { return document_; }
-
- private:
-  DistinguishedNameValidator validator_;
-  libDomXml::DomDocument indexPool_{false};
-  indexation::TarnIndexFactory indexFactory_;
-  LibTarnDocument document_;
-};
 
 // Blocks that a merge of `delta` takes with so many objects in the source.
 std::size_t blocksOfMerge(int sourceObjects, LibTarnDocument& delta) {

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "libtarn.hpp"
+#include "model/indexation/TarnIndexFactory.hpp"
+
+namespace tarn_test {
+
+/// A parsed document with its pool on the heap: the address sanitizer sees what points into it once
+/// it is gone, and heapAllocations() counts its blocks.
+class HeapDocument {
+ public:
+  explicit HeapDocument(const std::string& text)
+      : indexFactory_(indexPool_),
+        document_(new libtarn::model::TarnDomDocument(&validator_, &indexFactory_)) {
+    EXPECT_EQ(document_.parse(text.c_str(), false), 0) << text;
+  }
+
+  libtarn::model::LibTarnDocument& get() { return document_; }
+
+ private:
+  libtarn::model::DistinguishedNameValidator validator_;
+  libDomXml::DomDocument indexPool_{false};
+  libtarn::model::indexation::TarnIndexFactory indexFactory_;
+  libtarn::model::LibTarnDocument document_;
+};
+
+}  // namespace tarn_test
