@@ -570,8 +570,9 @@ TEST(TarnMergeDeathTest, StepsNeedSourceAndDelta) {
 
 // Faults that the delta's load does not find
 
-// Elements that stand where the model has none are not looked at by a load; a copy looks at them.
-TEST(TarnMergeTest, CopyOfAnObjectInAnObjectFindsItsFaults) {
+// Elements that stand where the model has none are looked at by no load and no validation, but by a
+// copy.
+TEST(TarnMergeTest, CopyFindsFaultsOfElementsThatStandWhereTheModelHasNone) {
   const struct {
     std::string body;
     const char* message;
@@ -584,14 +585,27 @@ TEST(TarnMergeTest, CopyOfAnObjectInAnObjectFindsItsFaults) {
        "The '' element already contains a 'list' element with 'name='"},
       {"<extension><managedObject operation='x'/></extension>",
        "'x' is not a valid value of 'managedObject' attribute 'operation'"},
+      {"<header><managedObject operation='x'/></header>",
+       "'x' is not a valid value of 'managedObject' attribute 'operation'"},
+      {"<list name='l'><managedObject operation='x'/></list>",
+       "'x' is not a valid value of 'managedObject' attribute 'operation'"},
+      {"<item><p name='n'/><p name='n'/></item>",
+       "The '(list: )' element already contains a 'p' element with 'name=n'"},
+      {"<extension><list name='l'><item><p/><p/></item></list></extension>",
+       "The '(list: l)' element already contains a 'p' element with 'name='"},
+      {"<list name='l'><list name='k'><item><p/><p/></item></list></list>",
+       "The '(list: k)' element already contains a 'p' element with 'name='"},
+      {"<list name='l'><item><item><p/><p/></item></item></list>",
+       "The '(list: )' element already contains a 'p' element with 'name='"},
   };
   for (const auto& c : cases) {
     for (const char* const operation : {"create", "auto"}) {
       const auto source = parsed(cmData(""));
-      const auto delta = parsed(cmData(object("A-1", operation, c.body)));
+      LibTarnDocument delta;
+      ASSERT_EQ(delta.parse(cmData(object("A-1", operation, c.body)).c_str(), true), 0) << c.body;
       CapturedLog log;
       try {
-        TarnMerge(*source).mergeDocument(*delta);
+        TarnMerge(*source).mergeDocument(delta);
         ADD_FAILURE() << c.body;
       } catch (const exceptions::ModelException& error) {
         EXPECT_STREQ(error.what(), c.message);
