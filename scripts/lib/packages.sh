@@ -1,7 +1,9 @@
 # Sourced. Debian packages that the scripts need.
 
-BUILD_PACKAGES=(g++ cmake ninja-build python3 libboost-dev libgtest-dev googletest libcli11-dev)
-TEST_PACKAGES=(clang clang-format clang-tidy g++-i686-linux-gnu)
+BUILD_PACKAGES=(g++ cmake ninja-build python3 libboost-dev libgtest-dev googletest
+  libcli11-dev libfmt-dev nlohmann-json3-dev zlib1g-dev scdoc)
+TEST_PACKAGES=(clang clang-format clang-tidy g++-i686-linux-gnu
+  chromium chromium-driver python3-selenium)
 
 as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi

@@ -1,39 +1,51 @@
 #include "CommandError.hpp"
 
-#include <array>
-#include <cstdio>
+#include <fmt/format.h>
+
 #include <system_error>
 
 namespace tarn {
 
-namespace {
+using libtarn::util::TextPosition;
 
-// Control characters could move the cursor or end the line.
-bool isControl(unsigned char c) { return c < 0x20U || c == 0x7FU; }
+CommandError::CommandError(Status status, const std::string& subject, const std::string& message)
+    : std::runtime_error(errorLine(subject, message)), status_(status), message_(message) {}
+
+CommandError::CommandError(Status status, const std::string& subject, TextPosition place,
+                           const std::string& message)
+    : std::runtime_error(
+          errorLine(fmt::format("{}:{}:{}", subject, place.line, place.column), message)),
+      status_(status),
+      message_(message),
+      place_(place) {}
+
+std::string subjectOf(const std::string& path, const std::string& distName) {
+  return path + ": " + printable(distName);
+}
+
+std::string errorLine(const std::string& subject, const std::string& message) {
+  return subject + ": error: " + printable(message);
+}
 
 std::string printable(const std::string& text) {
   std::string result;
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
-    if (!isControl(byte)) {
+    if (byte < 0x20U || byte == 0x7FU) {
+      result += fmt::format("\\x{:02X}", byte);
+    } else {
       result += c;
-      continue;
     }
-    std::array<char, 5> escape{};
-    std::snprintf(escape.data(), escape.size(), "\\x%02X", static_cast<unsigned>(byte));
-    result += escape.data();
   }
   return result;
 }
 
-}  // namespace
-
-std::string errorLine(const std::string& path, const std::string& message) {
-  return path + ": error: " + printable(message);
+void throwUsageError(const std::string& message) {
+  throw CommandError(Status::UsageError, "tarn", message);
 }
 
 void throwFileError(const std::string& path, int error) {
-  throw CommandError(Status::FileError, errorLine(path, std::generic_category().message(error)));
+  throw CommandError(Status::FileError, path, std::generic_category().message(error));
 }
 
 }  // namespace tarn

@@ -1,36 +1,52 @@
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
+
+#include "util/TextPosition.hpp"
 
 namespace tarn {
 
 /// Exit statuses of the command. Of several, the highest counts.
 enum class Status {
   Done = 0,
-  Malformed = 1,    ///< The XML is malformed.
-  RuleBroken = 2,   ///< A rule of the model is broken.
-  Conflict = 3,     ///< A delta does not fit its source.
+  Malformed = 1,   ///< The XML is malformed.
+  RuleBroken = 2,  ///< A rule of the model is broken.
+  Conflict = 3,    ///< What is to be merged or added does not fit.
+  NothingMatched = 4,
   FileError = 5,    ///< A file cannot be read or written.
   UsageError = 64,  ///< The command line is wrong.
 };
 
-/// Ends a command: what to tell the user, and the exit status.
+/// Ends a command: the exit status, and what to tell the user in one line, whatever the texts of a
+/// document put into it: "SUBJECT: error: MESSAGE", or "SUBJECT:LINE:COLUMN: error: MESSAGE".
 class CommandError : public std::runtime_error {
  public:
-  CommandError(Status status, const std::string& message)
-      : std::runtime_error(message), status_(status) {}
+  /// `subject` is what is at fault: a file, or a file and an object in it.
+  CommandError(Status status, const std::string& subject, const std::string& message);
+  CommandError(Status status, const std::string& subject, libtarn::util::TextPosition place,
+               const std::string& message);
 
   Status status() const { return status_; }
+  const std::string& message() const { return message_; }
+  const std::optional<libtarn::util::TextPosition>& place() const { return place_; }
 
  private:
   Status status_;
+  std::string message_;
+  std::optional<libtarn::util::TextPosition> place_;
 };
 
-/// The line that tells what is wrong with a file: "FILE: error: MESSAGE", on one line whatever the
-/// texts of a document put into the message.
-std::string errorLine(const std::string& path, const std::string& message);
+/// The subject of an error about one object of a file.
+std::string subjectOf(const std::string& path, const std::string& distName);
+/// The line for an error: "SUBJECT: error: MESSAGE".
+std::string errorLine(const std::string& subject, const std::string& message);
+/// `text` with control characters escaped, which could move the cursor or end the line.
+std::string printable(const std::string& text);
 
+/// Throws a CommandError for wrong usage.
+[[noreturn]] void throwUsageError(const std::string& message);
 /// Throws a CommandError for a file that cannot be read or written; `error` is the errno.
 [[noreturn]] void throwFileError(const std::string& path, int error);
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "InputFile.hpp"
 #include "util/TextPosition.hpp"
 
 namespace tarn {
@@ -14,7 +13,7 @@ namespace tarn {
 /// CommandError when the file cannot be read.
 class TextFile {
  public:
-  explicit TextFile(const std::string& path);
+  explicit TextFile(const std::string& path) : path_(path), file_(path) {}
 
   /// The whole text with a zero byte behind it.
   std::vector<char> read();
@@ -22,15 +21,8 @@ class TextFile {
   libtarn::util::TextPosition locate(std::size_t offset);
 
  private:
-  struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
-
-  std::size_t readBlock(char* block, std::size_t size);
-
   std::string path_;
-  std::unique_ptr<std::FILE, CloseFile> file_;
-  bool isSeekable_ = false;
+  InputFile file_;
   std::vector<char> copy_;
 };
 

@@ -5,40 +5,64 @@
 #include <vector>
 
 #include "CommandError.hpp"
-#include "ObjectMask.hpp"
+#include "ObjectPattern.hpp"
+#include "documentFile.hpp"
 
 namespace tarn {
 
-// The commands. Each writes to standard output and throws CommandError.
+// The commands. A file "-" is standard input. Each writes to standard output, or where it is told
+// to, and throws CommandError, with nothing written to a file.
 
-/// What a user asks of `tarn check`.
+/// Validates each file and says so, faults on standard error; or everything as JSON on standard
+/// output, an object a file. Throws nothing for a file; returns the highest status.
 struct CheckRequest {
   std::vector<std::string> files;
   bool all = false;         ///< Every violation, not only the first.
   std::size_t limit = 100;  ///< Most violations told for a file; 0 for no limit.
+  bool json = false;
+  unsigned jobs = 0;  ///< Documents at a time; 0 for as many as there are cores.
 };
+Status checkCommand(const CheckRequest& request);
 
-/// What a user asks of `tarn merge`.
+/// The printed form of a document.
+void printCommand(const std::string& path, const std::string& output);
+
+/// The managed objects that match, in the order of their names.
+enum class ListFormat { Table, Tsv, Json, Dn };
+void listCommand(const std::string& path, const PatternOptions& mask, ListFormat format);
+
+/// One object as XML, or the value that `name` says: a parameter, a list, an item or a component of
+/// an item, "NAME[2].component" with items counted from 1. "" for the object.
+void getCommand(const std::string& path, const std::string& distName, const std::string& name);
+
+/// Changes the objects that match.
+void setCommand(const std::string& path, const PatternOptions& mask, const PatternOptions& values,
+                const Target& target);
+
+/// Adds copies of the objects of another document, all or none.
+void addCommand(const std::string& path, const std::string& objectPath, const Target& target);
+
+/// Removes objects, all or none.
+void removeCommand(const std::string& path, const std::vector<std::string>& distNames,
+                   const Target& target);
+
+/// Applies deltas to the source in their order.
 struct MergeRequest {
   std::string source;
   std::vector<std::string> deltas;
-  std::string output = "-";  ///< "-" is standard output.
-  bool inPlace = false;      ///< The result replaces the source.
-  bool checkOnly = false;    ///< Nothing is written.
-  bool validate = false;     ///< Source, deltas and result are validated.
+  Target target;
+  bool checkOnly = false;  ///< Nothing is written.
+  bool validate = false;   ///< Source, deltas and result are validated.
 };
-
-/// Validates each file and says so, faults on standard error. Throws nothing for a file; returns
-/// the highest status.
-Status checkCommand(const CheckRequest& request);
-
-/// Applies the deltas to the source in their order, and writes the result.
 void mergeCommand(const MergeRequest& request);
 
-/// The printed form of the document in `path`.
-void printCommand(const std::string& path);
+/// Figures of a document.
+void statsCommand(const std::string& path, bool json);
 
-/// The managed objects of `path` that match `mask`, a line each: name, tab, class.
-void listCommand(const std::string& path, const ObjectMask& mask);
+/// The tree that the names of the objects spell, down to `depth` segments.
+void treeCommand(const std::string& path, const std::string& distName, std::size_t depth);
+
+/// One HTML page with the tree, the objects, a search and the violations.
+void reportCommand(const std::string& path, const std::string& output);
 
 }  // namespace tarn

@@ -9,6 +9,8 @@
 #include "CommandError.hpp"
 #include "HostLog.hpp"
 #include "TextFile.hpp"
+#include "outputFile.hpp"
+#include "util/dumpTarnDocument.hpp"
 
 namespace tarn {
 
@@ -17,12 +19,7 @@ using libtarn::model::LibTarnDocument;
 
 namespace {
 
-[[noreturn]] void throwMalformed(const std::string& path, libtarn::util::TextPosition place,
-                                 const std::string& message) {
-  throw CommandError(Status::Malformed, errorLine(path + ":" + std::to_string(place.line) + ":" +
-                                                      std::to_string(place.column),
-                                                  message));
-}
+constexpr const char* STANDARD_OUTPUT = "-";
 
 // The library takes a zero for the end of the text; in a file it is a fault, not an early end.
 void refuseZeroBytes(const std::string& path, const std::vector<char>& text) {
@@ -30,7 +27,8 @@ void refuseZeroBytes(const std::string& path, const std::vector<char>& text) {
   const void* const zero = std::memchr(text.data(), '\0', size);
   if (!zero) return;
   const auto offset = static_cast<std::size_t>(static_cast<const char*>(zero) - text.data());
-  throwMalformed(path, libtarn::util::locate(text.data(), offset), "unexpected zero byte");
+  throw CommandError(Status::Malformed, path, libtarn::util::locate(text.data(), offset),
+                     "unexpected zero byte");
 }
 
 void load(const std::string& path, LibTarnDocument& document, bool validate) {
@@ -41,9 +39,9 @@ void load(const std::string& path, LibTarnDocument& document, bool validate) {
   HostLog::takeError();  // what the diagnostic says, too
   const Diagnostic& diagnostic = document.getDiagnostic();
   if (diagnostic.code == 1) {
-    throwMalformed(path, file.locate(diagnostic.offset), diagnostic.message);
+    throw CommandError(Status::Malformed, path, file.locate(diagnostic.offset), diagnostic.message);
   }
-  throw CommandError(Status::RuleBroken, errorLine(path, diagnostic.message));
+  throw CommandError(Status::RuleBroken, path, diagnostic.message);
 }
 
 }  // namespace
@@ -56,9 +54,18 @@ void loadValidDocument(const std::string& path, LibTarnDocument& document) {
   load(path, document, true);
 }
 
-void writeOutput(const std::string& text) {
-  const std::size_t written = std::fwrite(text.data(), 1, text.size(), stdout);
-  if (written != text.size() || std::fflush(stdout) != 0) throwFileError("standard output", errno);
+void writeResult(LibTarnDocument& document, const std::string& path, const Target& target,
+                 const std::string& report) {
+  const std::string output = target.inPlace ? path : target.output;
+  std::string text;
+  libtarn::util::dumpTarnDocument(document, text);
+  if (output == STANDARD_OUTPUT) {
+    writeOutput(text);
+    std::fputs(report.c_str(), stderr);
+  } else {
+    replaceFile(output, text);
+    writeOutput(report);
+  }
 }
 
 }  // namespace tarn

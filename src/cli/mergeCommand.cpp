@@ -6,8 +6,7 @@
 #include "editor/TarnMerge.hpp"
 #include "model/LibTarnCmData.hpp"
 #include "model/exceptions/ModelException.hpp"
-#include "replaceFile.hpp"
-#include "util/dumpTarnDocument.hpp"
+#include "outputFile.hpp"
 
 namespace tarn {
 
@@ -17,8 +16,6 @@ using libtarn::model::LibTarnManagedObject;
 using Operation = LibTarnManagedObject::Operation;
 
 namespace {
-
-constexpr const char* STANDARD_OUTPUT = "-";
 
 void load(const std::string& path, LibTarnDocument& document, bool validate) {
   if (validate) {
@@ -48,10 +45,10 @@ std::string summary(const LibTarnDocument& delta) {
                                const LibTarnDocument& source, const LibTarnDocument& delta) {
   const std::string reason = HostLog::takeError();
   if (!source.getLibTarnCmData()) {
-    throw CommandError(Status::RuleBroken, errorLine(request.source, reason));
+    throw CommandError(Status::RuleBroken, request.source, reason);
   }
-  throw CommandError(delta.getLibTarnCmData() ? Status::Conflict : Status::RuleBroken,
-                     errorLine(deltaPath, reason));
+  throw CommandError(delta.getLibTarnCmData() ? Status::Conflict : Status::RuleBroken, deltaPath,
+                     reason);
 }
 
 // Returns what the delta did, as a line.
@@ -62,19 +59,9 @@ std::string applyDelta(const MergeRequest& request, const std::string& path,
   try {
     if (!TarnMerge(source).mergeDocument(delta)) throwRefusal(request, path, source, delta);
   } catch (const libtarn::model::exceptions::ModelException& error) {
-    throw CommandError(Status::RuleBroken, errorLine(path, error.what()));
+    throw CommandError(Status::RuleBroken, path, error.what());
   }
   return path + ": " + summary(delta) + "\n";
-}
-
-void writeResult(const std::string& path, LibTarnDocument& document) {
-  std::string text;
-  libtarn::util::dumpTarnDocument(document, text);
-  if (path == STANDARD_OUTPUT) {
-    writeOutput(text);
-  } else {
-    replaceFile(path, text);
-  }
 }
 
 }  // namespace
@@ -86,13 +73,11 @@ void mergeCommand(const MergeRequest& request) {
   for (const std::string& path : request.deltas) summaries += applyDelta(request, path, source);
   if (request.validate && source.validate() != 0) {
     HostLog::takeError();
-    throw CommandError(
-        Status::RuleBroken,
-        errorLine(request.source, "merged document: " + source.getDiagnostic().message));
+    throw CommandError(Status::RuleBroken, request.source,
+                       "merged document: " + source.getDiagnostic().message);
   }
-  const std::string target = request.inPlace ? request.source : request.output;
-  if (!request.checkOnly) writeResult(target, source);
-  if (request.checkOnly || target != STANDARD_OUTPUT) writeOutput(summaries);
+  if (request.checkOnly) return writeOutput(summaries);
+  writeResult(source, request.source, request.target, summaries);
 }
 
 }  // namespace tarn

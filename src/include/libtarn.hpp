@@ -23,6 +23,7 @@
 #include "model/validation/Violation.hpp"
 #include "util/DocumentList.hpp"
 #include "util/Logger.hpp"
+#include "util/ManagedObjectBuilder.hpp"
 #include "util/TarnFactory.hpp"
 #include "util/TextPosition.hpp"
 #include "util/dumpTarnDocument.hpp"

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Runs `tarn check` as a user does. Argument: the command; working folder: the repository's."""
 
+import json
 import os
 import sys
 import threading
@@ -116,6 +117,61 @@ class CheckTest(CommandCase):
         result = tarn("check", "--all", malformed, good)
         self.expect(result, 1, f"{good}: ok\n",
                     f"{malformed}:1:7: error: unexpected end of data\n")
+
+    def test_json_has_an_object_a_file(self):
+        good = self.file(document(managed_object("A-1")), "good.xml")
+        malformed = self.file("<tarn>\n<", "malformed.xml")
+        broken = self.file(document(managed_object("A-1", body="<p/>")), "broken.xml")
+        unloadable = self.file("<tarn><cmData/></tarn>", "unloadable.xml")
+        missing = self.path("missing.xml")
+        result = tarn("check", "--json", good, malformed, broken, unloadable, missing)
+        self.assertEqual((result.returncode, result.stderr), (5, b""))
+        self.assertEqual([json.loads(line) for line in result.stdout.splitlines()], [
+            {"file": file, "result": code, "message": message, "line": line, "column": column,
+             "path": path}
+            for file, code, message, line, column, path in (
+                (good, 0, None, None, None, None),
+                (malformed, 1, "expected element name", 2, 2, None),
+                (broken, 2, NAMELESS, None, None, "tarn > cmData > managedObject:A-1 > p > "),
+                (unloadable, 2, "The 'cmData' element has no attribute 'type'", None, None, None),
+                (missing, 5, "No such file or directory", None, None, None))])
+
+    def test_json_of_all_violations(self):
+        path = self.file(document("", header="<header><log/></header>"))
+        found = json.loads(tarn("check", "--json", "--all", "--limit", "2", path).stdout)
+        self.assertEqual(found["violationCount"], 3)
+        self.assertEqual([violation["path"] for violation in found["violations"]],
+                         ["tarn > cmData > ", "tarn > cmData > header > log > "])
+        self.assertEqual(found["message"], found["violations"][0]["message"])
+        self.assertEqual(found["result"], 2)
+
+    def test_a_thousand_files_in_one_call_in_their_order(self):
+        files = []
+        expected_out = []
+        expected_err = []
+        for number in range(1000):
+            good = number % 7 != 0
+            files.append(self.file(document(managed_object("A-1") if good else ""),
+                                   f"{number}.xml"))
+            if good:
+                expected_out.append(f"{files[-1]}: ok")
+            else:
+                expected_err.append(files[-1])
+        for jobs in ("0", "1", "8"):
+            result = tarn("check", "--jobs", jobs, *files)
+            self.assertEqual(result.returncode, 2)
+            self.assertEqual(result.stdout.decode().splitlines(), expected_out)
+            self.assertEqual([line.split(": error: ")[0] for line in
+                              result.stderr.decode().splitlines()], expected_err)
+
+    def test_standard_input(self):
+        good = document(managed_object("A-1")).encode()
+        self.expect(tarn("check", "-", input=good), 0, "-: ok\n")
+        self.expect(tarn("check", "-", input=b"<tarn>\n<foo/>"), 1, "",
+                    "-:2:5: error: unknown TARN object\n")
+        with open(self.file("<tarn>\n<foo/>"), "rb") as file:
+            self.expect(tarn("check", "-", stdin=file), 1, "",
+                        "-:2:5: error: unknown TARN object\n")
 
     def test_names_with_control_characters_stay_on_one_line(self):
         path = self.file(document(managed_object("A&#10;&#27;[2J")))

@@ -40,17 +40,6 @@ class CommandTest(CommandCase):
         self.assertGreater(len(once), 10000)
         self.expect(tarn("print", self.file(once)), 0, once)
 
-    def test_list_is_in_byte_order_and_escapes_what_would_break_a_line(self):
-        self.expect(tarn("list", self.file(DOCUMENT)), 0,
-                    b"\tN\nA-1\tA\nA-1/B-10\tB\nA-1/B-2\tB\nt\\tb\\\\\\n\\r\t\n")
-
-    def test_list_selects_by_class_part_of_name_and_parameters(self):
-        path = self.file(DOCUMENT)
-        self.expect(tarn("list", path, "--class", "A"), 0, b"A-1\tA\n")
-        self.expect(tarn("list", path, "--dn", "B-1"), 0, b"A-1/B-10\tB\n")
-        self.expect(tarn("list", path, "--p", "x=1", "--p", "y=2"), 0, b"A-1/B-2\tB\n")
-        self.expect(tarn("list", path, "--p", "x=2"), 0)
-
     def test_malformed_file_is_told_with_status_1(self):
         path = self.file("<tarn>\n<foo/></tarn>")
         self.expect(tarn("print", path), 1, b"",
@@ -58,12 +47,12 @@ class CommandTest(CommandCase):
 
     def test_zero_byte_is_told_with_line_and_column(self):
         path = self.file(b"<tarn>\n ab\0</tarn>")
-        self.expect(tarn("list", path), 1, b"",
+        self.expect(tarn("print", path), 1, b"",
                     f"{path}:2:4: error: unexpected zero byte\n".encode())
 
     def test_broken_rule_is_told_with_status_2(self):
         path = self.file("<tarn><cmData/></tarn>")
-        self.expect(tarn("list", path), 2, b"",
+        self.expect(tarn("print", path), 2, b"",
                     f"{path}: error: The 'cmData' element has no attribute 'type'\n".encode())
 
     def test_missing_file_and_folder_are_told_with_status_5(self):
@@ -81,7 +70,7 @@ class CommandTest(CommandCase):
         self.assertEqual(result.stderr, b"standard output: error: No space left on device\n")
 
     def test_wrong_usage_has_status_64(self):
-        for arguments in ([], ["print"], ["nothing"], ["list", "x", "--p", "novalue"],
+        for arguments in ([], ["print"], ["nothing"], ["set", "x", "--p", "novalue"], ["list", "x", "--p", "=1"],
                           ["list", "x", "--p", "a=1", "--p", "a=2"]):
             result = tarn(*arguments)
             self.assertEqual((arguments, result.returncode, result.stdout), (arguments, 64, b""))
@@ -103,7 +92,8 @@ class CommandTest(CommandCase):
         self.assertEqual((result.returncode, result.stderr), (0, b""))
         self.assertIn(b"managed objects of", result.stdout)
         self.assertIn(result_path.encode(), result.stdout)
-        changed = tarn("list", result_path, "--class", "CELL", "--p", "maxTxPower=400")
+        changed = tarn("list", result_path, "--class", "CELL", "--p",
+                       "maxTxPower=400", "--format", "dn")
         self.assertGreater(changed.stdout.count(b"\n"), 0)
 
 

@@ -438,6 +438,9 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
     m_free_func = release;
   }
 
+  /// Bytes of the blocks taken so far, with those not used yet.
+  std::size_t pool_size() const { return m_block_bytes; }
+
  protected:
   /// `size` bytes, aligned. Throws std::bad_alloc, the pool unchanged, when there is no memory.
   void* allocate_aligned(std::size_t size) {
@@ -470,6 +473,7 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
     *reinterpret_cast<char**>(header) = m_begin;
     m_begin = raw;
     m_end = raw + raw_size;
+    m_block_bytes += raw_size;
     char* const result = align(header + sizeof(char*));
     m_ptr = result + size;
     return result;
@@ -492,6 +496,7 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
   char* m_ptr;    // first free byte of it
   char* m_end;    // one past its last byte
   char m_static_memory[static_pool_size];
+  std::size_t m_block_bytes = 0;
   alloc_func* m_alloc_func = nullptr;
   free_func* m_free_func = nullptr;
 };

@@ -49,6 +49,8 @@ class LibTarnDocument {
   const Diagnostic& getDiagnostic() const { return diagnostic_; }
 
   TarnDomDocument* getItsTarnDomDocument() const;
+  /// Bytes that the document takes: its pool and the texts that it has taken over.
+  std::size_t getMemorySize() const;
   /// The factory for new elements of this document.
   util::TarnFactory& getFactory() const { return *factory_; }
   /// Attributes of the root, null when absent.

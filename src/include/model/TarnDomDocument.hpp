@@ -58,6 +58,9 @@ class TarnDomDocument : public libDomXml::DomDocument {
   /// The place that the parse_error of the last parse gave, in bytes from the start of its text.
   std::size_t getTextOffset(const rapidxml::parse_error& error) const;
 
+  /// Bytes that the document takes: the blocks of its pool and the texts that it has taken over.
+  std::size_t getMemorySize() const;
+
   /// The declaration and the root, whatever else the document node holds.
   std::string printDocument() override;
 

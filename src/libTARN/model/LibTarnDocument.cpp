@@ -96,6 +96,8 @@ TarnDomDocument* LibTarnDocument::getItsTarnDomDocument() const {
   return root_->getItsTarnDomDocument();
 }
 
+std::size_t LibTarnDocument::getMemorySize() const { return domDocument_->getMemorySize(); }
+
 const char* LibTarnDocument::getVersion() const { return root_->getVersion(); }
 
 const char* LibTarnDocument::getXmlns() const { return root_->getXmlns(); }

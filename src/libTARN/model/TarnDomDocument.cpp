@@ -170,6 +170,12 @@ void TarnDomDocument::leaveText() {
   root_->moveTextsIntoPool();
 }
 
+std::size_t TarnDomDocument::getMemorySize() const {
+  std::size_t size = pool_size() + buffer_.capacity();
+  for (const std::vector<char>& text : keptTexts_) size += text.capacity();
+  return size;
+}
+
 std::string TarnDomDocument::printDocument() {
   std::string out;
   rapidxml::print_node(out, declaration_, 0, 0);

@@ -1,0 +1,113 @@
+// Two readers behind one interface: zlib, which also reads what is not compressed, and a plain one
+// for builds without it.
+
+#include "InputFile.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+
+#include "CommandError.hpp"
+
+#ifdef TARN_WITH_ZLIB
+#include <zlib.h>
+#endif
+
+namespace tarn {
+
+namespace {
+
+constexpr const char* STANDARD_INPUT = "-";
+
+#ifdef TARN_WITH_ZLIB
+
+// What is read around the unpacker at a time.
+constexpr unsigned BUFFER_SIZE = 1U << 17U;
+
+[[noreturn]] void throwReadError(const std::string& path, gzFile file) {
+  int code = Z_OK;
+  gzerror(file, &code);
+  if (code == Z_ERRNO) throwFileError(path, errno);
+  if (code == Z_MEM_ERROR) throwFileError(path, ENOMEM);
+  throw CommandError(Status::FileError, path, "compressed data is damaged or cut off");
+}
+
+#endif
+
+}  // namespace
+
+#ifdef TARN_WITH_ZLIB
+
+struct InputFile::Reader {
+  explicit Reader(int descriptor) : file(gzdopen(descriptor, "rb")) {
+    if (!file) throw std::bad_alloc();
+    gzbuffer(file, BUFFER_SIZE);
+  }
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+  ~Reader() { gzclose(file); }
+
+  gzFile file;
+};
+
+std::size_t InputFile::read(char* block, std::size_t size) {
+  const int count =
+      gzread(reader_->file, block, static_cast<unsigned>(std::min<std::size_t>(size, INT_MAX)));
+  if (count < 0) throwReadError(path_, reader_->file);
+  if (count > 0) return static_cast<std::size_t>(count);
+  // A stream that is cut off shows only here.
+  int code = Z_OK;
+  gzerror(reader_->file, &code);
+  if (code != Z_OK) throwReadError(path_, reader_->file);
+  return 0;
+}
+
+void InputFile::rewind() {
+  if (gzrewind(reader_->file) != 0) throwReadError(path_, reader_->file);
+}
+
+#else
+
+struct InputFile::Reader {
+  explicit Reader(int opened) : descriptor(opened) {}
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+  ~Reader() { ::close(descriptor); }
+
+  int descriptor;
+};
+
+std::size_t InputFile::read(char* block, std::size_t size) {
+  for (;;) {
+    const ssize_t count = ::read(reader_->descriptor, block, std::min<std::size_t>(size, INT_MAX));
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) throwFileError(path_, errno);
+  }
+}
+
+void InputFile::rewind() {
+  if (::lseek(reader_->descriptor, 0, SEEK_SET) != 0) throwFileError(path_, errno);
+}
+
+#endif
+
+InputFile::InputFile(const std::string& path) : path_(path) {
+  const int descriptor =
+      path == STANDARD_INPUT ? ::dup(STDIN_FILENO) : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) throwFileError(path_, errno);
+  reader_ = std::make_unique<Reader>(descriptor);
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) throwFileError(path_, errno);
+  if (S_ISDIR(status.st_mode)) throwFileError(path_, EISDIR);
+  // Standard input may stand anywhere in its file.
+  isSeekable_ = S_ISREG(status.st_mode) && path != STANDARD_INPUT;
+  if (isSeekable_) size_ = static_cast<std::uint64_t>(status.st_size);
+}
+
+InputFile::~InputFile() = default;
+
+}  // namespace tarn

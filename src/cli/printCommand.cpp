@@ -1,0 +1,11 @@
+#include "commands.hpp"
+
+namespace tarn {
+
+void printCommand(const std::string& path, const std::string& output) {
+  libtarn::model::LibTarnDocument document;
+  loadDocument(path, document);
+  writeResult(document, path, Target{output, false}, "");
+}
+
+}  // namespace tarn

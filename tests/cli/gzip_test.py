@@ -1,0 +1,69 @@
+#!/usr/bin/env python3
+"""Runs the command on compressed files. Argument: the command, which must have been built with zlib."""
+
+import gzip
+import os
+import subprocess
+import sys
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "support"))
+from command_case import TARN, CommandCase, document, main, managed_object, tarn  # noqa: E402
+
+GOOD = document(managed_object("A-1", body="<p name='x'>1</p>"))
+HAS_ZLIB = b"libz.so" in subprocess.run(["ldd", TARN], stdout=subprocess.PIPE, check=False).stdout
+
+
+@unittest.skipUnless(HAS_ZLIB, "the command is built without zlib")
+class GzipTest(CommandCase):
+    def packed(self, text, name="packed.xml.gz"):
+        return self.file(gzip.compress(text if isinstance(text, bytes) else text.encode()), name)
+
+    def test_compressed_input_is_read_as_it_is(self):
+        path = self.packed(GOOD)
+        self.expect(tarn("check", path), 0, f"{path}: ok\n")
+        self.expect(tarn("check", self.packed(GOOD, "other-name")), 0,
+                    f"{self.path('other-name')}: ok\n")
+        self.expect(tarn("check", "-", input=gzip.compress(GOOD.encode())), 0, "-: ok\n")
+
+    def test_members_behind_one_another_are_one_text(self):
+        half = len(GOOD) // 2
+        data = gzip.compress(GOOD[:half].encode()) + gzip.compress(GOOD[half:].encode())
+        path = self.file(data, "two.xml.gz")
+        self.expect(tarn("check", path), 0, f"{path}: ok\n")
+
+    def test_places_are_those_of_the_text(self):
+        text = document("\n".join(managed_object(f"A-{n}") for n in range(20000)) + "\n<wrong/>")
+        path = self.packed(text)
+        self.expect(tarn("check", path), 1, "",
+                    f"{path}:20001:7: error: unknown TARN object\n")
+
+    def test_damaged_and_cut_off_files_are_told(self):
+        data = gzip.compress(GOOD.encode())
+        damaged = bytearray(data)
+        damaged[len(data) // 2] ^= 0xFF
+        for content in (data[:-1], data[:-8], data[: len(data) // 2], bytes(damaged), data[:11]):
+            path = self.file(content, "cut.xml.gz")
+            self.expect(tarn("check", path), 5, "",
+                        f"{path}: error: compressed data is damaged or cut off\n")
+
+    def test_output_with_that_name_is_compressed(self):
+        out = self.path("out.xml.gz")
+        self.expect(tarn("print", self.packed(GOOD), "-o", out), 0)
+        printed = tarn("print", self.file(GOOD)).stdout
+        self.assertEqual(gzip.decompress(self.read(out)), printed)
+        path = self.packed(GOOD)
+        self.assertEqual(tarn("set", path, "--p", "x=2", "--in-place").returncode, 0)
+        self.assertIn(b'name="x">2<', gzip.decompress(self.read(path)))
+
+    def test_large_text_survives_both_ways(self):
+        text = document("".join(managed_object(f"A-{n}", body=f"<p name='x'>{n * 7919}</p>")
+                                for n in range(30000)))
+        out = self.path("out.xml.gz")
+        self.expect(tarn("print", self.packed(text), "-o", out), 0)
+        self.assertEqual(gzip.decompress(self.read(out)),
+                         tarn("print", self.file(text)).stdout)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,227 @@
+#!/usr/bin/env python3
+"""The command on a terminal, in pipes, and under signals. Argument: the command."""
+
+import os
+import pty
+import random
+import signal
+import subprocess
+import sys
+import threading
+import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "support"))
+from command_case import (EXAMPLES, TARN, CommandCase, document, main, managed_object,  # noqa: E402
+                          tarn)
+
+GOOD = document(managed_object("A-1"))
+GREEN_OK = b"\x1b[32mok\x1b[0m"
+RED_ERROR = b"\x1b[1;31merror:\x1b[0m"
+
+
+def on_terminal(*arguments, terminal_for="both", environment=None, feed=None):
+    """Runs the command with output on a pseudo-terminal; returns status and what the terminal got."""
+    master, slave = pty.openpty()
+    streams = {"both": (slave, slave), "stderr": (subprocess.DEVNULL, slave)}[terminal_for]
+    clean = {name: value for name, value in os.environ.items() if name != "NO_COLOR"}
+    process = subprocess.Popen([TARN, *arguments], stdin=subprocess.DEVNULL, stdout=streams[0],
+                               stderr=streams[1], env={**clean, **(environment or {})})
+    os.close(slave)
+    if feed:
+        threading.Thread(target=feed).start()
+    output = b""
+    while True:
+        try:
+            block = os.read(master, 65536)
+        except OSError:  # the other end is closed
+            break
+        if not block:
+            break
+        output += block
+    os.close(master)
+    return process.wait(), output
+
+
+class ColorTest(CommandCase):
+    def setUp(self):
+        super().setUp()
+        self.good = self.file(GOOD, "good.xml")
+        self.bad = self.file("<", "bad.xml")
+
+    def test_terminal_gets_colour(self):
+        self.assertEqual(on_terminal("check", self.good),
+                         (0, self.good.encode() + b": " + GREEN_OK + b"\r\n"))
+        self.assertEqual(on_terminal("check", self.bad),
+                         (1, self.bad.encode() + b":1:2: " + RED_ERROR
+                          + b" expected element name\r\n"))
+
+    def test_no_color_and_never_switch_it_off(self):
+        for options, environment in ((["--color", "never"], {}), ([], {"NO_COLOR": "1"})):
+            status, output = on_terminal("check", *options, self.good, environment=environment)
+            self.assertEqual((status, output), (0, self.good.encode() + b": ok\r\n"))
+        self.assertIn(GREEN_OK, on_terminal("check", self.good, environment={"NO_COLOR": ""})[1])
+
+    def test_always_colours_a_pipe_even_with_no_color(self):
+        result = tarn("check", "--color", "always", self.good, self.bad,
+                      env={**os.environ, "NO_COLOR": "1"})
+        self.assertIn(GREEN_OK, result.stdout)
+        self.assertIn(RED_ERROR, result.stderr)
+
+    def test_pipe_gets_none(self):
+        result = tarn("check", self.good, self.bad)
+        self.assertNotIn(b"\x1b", result.stdout + result.stderr)
+
+
+class ProgressTest(CommandCase):
+    def slow_pipe(self):
+        path = self.path("pipe")
+        os.mkfifo(path)
+
+        def feed():
+            with open(path, "wb") as file:
+                for part in (GOOD[:40], GOOD[40:80], GOOD[80:]):
+                    file.write(part.encode())
+                    file.flush()
+                    time.sleep(0.7)
+        return path, feed
+
+    def test_slow_reading_is_shown_on_a_terminal_and_gone_at_the_end(self):
+        path, feed = self.slow_pipe()
+        status, output = on_terminal("check", path, terminal_for="stderr", feed=feed)
+        self.assertEqual(status, 0)
+        self.assertIn(b"Reading " + path.encode() + b": 0 MiB", output)
+        self.assertTrue(output.endswith(b"\r\x1b[K"))
+
+    def test_it_is_not_shown_in_a_pipe(self):
+        path, feed = self.slow_pipe()
+        thread = threading.Thread(target=feed)
+        thread.start()
+        self.expect(tarn("check", path), 0, f"{path}: ok\n")
+        thread.join()
+
+    def test_quick_reading_is_not_shown(self):
+        path = self.file(GOOD)
+        self.assertEqual(on_terminal("check", path, terminal_for="stderr"), (0, b""))
+
+
+class PipeTest(CommandCase):
+    def test_reader_that_closes_early_ends_the_command_quietly(self):
+        path = self.file(document("".join(managed_object(f"A-{n}") for n in range(50000))))
+        for restore in (True, False):  # SIGPIPE as the shell has it, and ignored
+            process = subprocess.Popen([TARN, "list", path, "--format", "tsv"],
+                                       stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                       restore_signals=restore)
+            self.assertEqual(process.stdout.readline(), b"A-0\tC\t\t\t0\n")
+            process.stdout.close()
+            self.assertEqual(process.stderr.read(), b"")
+            process.stderr.close()
+            self.assertIn(process.wait(), (-signal.SIGPIPE, 141))
+
+    def test_closed_standard_output_is_told(self):
+        result = subprocess.run(["bash", "-c", '"$0" check "$1" >&-', TARN, self.file(GOOD)],
+                                stderr=subprocess.PIPE, check=False)
+        self.assertEqual((result.returncode, result.stderr),
+                         (5, b"standard output: error: Bad file descriptor\n"))
+
+
+class SignalTest(CommandCase):
+    def test_interrupt_leaves_the_target_whole_and_no_stray_file(self):
+        objects = [managed_object(f"A-{n}", body=f"<p name='x'>{n}</p>") for n in range(40000)]
+        source = self.file(tarn("print", self.file(document("".join(objects)))).stdout, "source.xml")
+        before = self.read(source)
+        delta = self.file(document(managed_object("A-1", "update", "<p name='x'>new</p>")),
+                          "delta.xml")
+        reference = tarn("merge", source, delta).stdout
+        files = sorted(os.listdir(self.folder))
+        start = time.monotonic()
+        tarn("merge", source, delta, "--check-only")
+        duration = time.monotonic() - start
+        rng = random.Random(4)
+        outcomes = set()
+        for number in range(30):
+            process = subprocess.Popen([TARN, "merge", "--in-place", source, delta],
+                                       stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+            time.sleep(duration * rng.uniform(0.5, 2.5))
+            process.send_signal((signal.SIGINT, signal.SIGTERM, signal.SIGHUP)[number % 3])
+            process.communicate()
+            content = self.read(source)
+            self.assertIn(content, (before, reference))
+            self.assertEqual(sorted(os.listdir(self.folder)), files)
+            outcomes.add(content == before)
+            self.file(before, "source.xml")
+        self.assertIn(True, outcomes)
+
+
+class HelpTest(CommandCase):
+    def test_nearest_command_and_option_are_told(self):
+        for arguments, message in (
+                (["chek", "x"], "no command 'chek', did you mean 'check'?"),
+                (["--log-level", "info", "lst"], "no command 'lst', did you mean 'list'?"),
+                (["frobnicate"], "no command 'frobnicate'"),
+                (["check", "x", "--al"], "tarn check has no option '--al', did you mean '--all'?"),
+                (["merge", "a", "b", "--in-palce"],
+                 "tarn merge has no option '--in-palce', did you mean '--in-place'?"),
+                (["list", "x", "--fromat=dn"],
+                 "tarn list has no option '--fromat', did you mean '--format'?"),
+                (["check", "x", "--zzzzzzzzz"], "tarn check has no option '--zzzzzzzzz'"),
+                (["help", "tre"], "no command 'tre', did you mean 'tree'?")):
+            with self.subTest(arguments=arguments):
+                self.expect(tarn(*arguments), 64, "", f"tarn: error: {message}\n")
+
+    def test_help_of_a_command_is_what_its_option_says(self):
+        for command in ("check", "print", "list", "get", "set", "add", "remove", "merge", "stats",
+                        "tree", "report"):
+            result = tarn("help", command)
+            self.assertEqual((result.returncode, result.stderr), (0, b""))
+            self.assertIn(f"Usage: tarn {command}".encode(), result.stdout)
+            self.assertEqual(result.stdout, tarn(command, "--help").stdout)
+        overview = tarn("help").stdout
+        self.assertIn(b"Subcommands:", overview)
+        self.assertEqual(overview, tarn("--help").stdout)
+
+    def test_version(self):
+        result = tarn("--version")
+        self.assertEqual((result.returncode, result.stdout[:5]), (0, b"tarn "))
+
+    def test_no_command_is_wrong_usage_in_one_line(self):
+        result = tarn()
+        self.assertEqual((result.returncode, result.stdout, result.stderr.count(b"\n")), (64, b"", 1))
+
+    def test_every_option_is_in_the_manual_and_the_completions(self):
+        texts = {}
+        for path in ("docs/man/tarn.1.scd", "share/completions/tarn.bash",
+                     "share/completions/_tarn", "share/completions/tarn.fish"):
+            with open(path, encoding="utf-8") as file:
+                texts[path] = file.read()
+        commands = ("check", "print", "list", "get", "set", "add", "remove", "merge", "stats",
+                    "tree", "report", "help")
+        for command in commands:
+            for line in tarn("help", command).stdout.decode().splitlines():
+                words = line.strip().split()
+                if not words or not words[0].startswith("-"):
+                    continue
+                option = words[0].split(",")[-1]
+                for path, text in texts.items():
+                    wanted = f"-l {option[2:]} " if path.endswith("fish") else option
+                    self.assertIn(wanted, text, f"{path}: {command} {option}")
+        for path, text in texts.items():
+            for command in commands:
+                self.assertIn(command, text, path)
+
+    def test_bash_completes(self):
+        def complete(*words):
+            script = ("source share/completions/tarn.bash; compopt() { :; }; "
+                      "COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _tarn; printf '%s\\n' "
+                      "\"${COMPREPLY[@]}\"")
+            result = subprocess.run(["bash", "-c", script, "bash", "tarn", *words],
+                                    stdout=subprocess.PIPE, check=True)
+            return sorted(result.stdout.decode().split())
+        self.assertEqual(complete("me"), ["merge"])
+        self.assertEqual(complete("merge", "a", "--val"), ["--validate"])
+        self.assertEqual(complete("list", "a", "--format", ""), ["dn", "json", "table", "tsv"])
+        self.assertEqual(complete("check", os.path.join(EXAMPLES, "netw")),
+                         ["examples/network.xml", "examples/network_tour.cpp"])
+
+
+if __name__ == "__main__":
+    main()
