@@ -2,11 +2,21 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <system_error>
 
 namespace tarn {
 
 using libtarn::util::TextPosition;
+
+namespace {
+
+bool isControl(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte < 0x20U || byte == 0x7FU;
+}
+
+}  // namespace
 
 CommandError::CommandError(Status status, const std::string& subject, const std::string& message)
     : std::runtime_error(errorLine(subject, message)), status_(status), message_(message) {}
@@ -27,12 +37,15 @@ std::string errorLine(const std::string& subject, const std::string& message) {
   return subject + ": error: " + printable(message);
 }
 
+bool isPrintable(std::string_view text) {
+  return std::none_of(text.begin(), text.end(), isControl);
+}
+
 std::string printable(const std::string& text) {
   std::string result;
   for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20U || byte == 0x7FU) {
-      result += fmt::format("\\x{:02X}", byte);
+    if (isControl(c)) {
+      result += fmt::format("\\x{:02X}", static_cast<unsigned char>(c));
     } else {
       result += c;
     }

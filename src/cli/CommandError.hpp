@@ -3,6 +3,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "util/TextPosition.hpp"
 
@@ -42,6 +43,8 @@ class CommandError : public std::runtime_error {
 std::string subjectOf(const std::string& path, const std::string& distName);
 /// The line for an error: "SUBJECT: error: MESSAGE".
 std::string errorLine(const std::string& subject, const std::string& message);
+/// Whether `text` has no control characters.
+bool isPrintable(std::string_view text);
 /// `text` with control characters escaped, which could move the cursor or end the line.
 std::string printable(const std::string& text);
 

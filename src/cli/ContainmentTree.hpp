@@ -35,7 +35,6 @@ class ContainmentTree {
 
   /// The node 0 stands above all names.
   const Node& node(std::uint32_t number) const { return nodes_[number]; }
-  std::size_t size() const { return nodes_.size(); }
 
  private:
   struct Key {

@@ -23,6 +23,12 @@ Operation operationOf(const std::string& text) {
 
 }  // namespace
 
+bool PatternOptions::saysNothing() const {
+  const PatternOptions none;
+  return className == none.className && distName == none.distName && version == none.version &&
+         operation.empty() && parameters.empty() && file.empty();
+}
+
 ObjectPattern ObjectPattern::mask(const PatternOptions& options) {
   ObjectPattern pattern;
   if (options.file.empty()) {
@@ -73,6 +79,24 @@ void ObjectPattern::build(const PatternOptions& options, const char* valueOfBare
     }
   }
   object_ = &builder.get();
+}
+
+// Without a mask nothing is compared, which would cost more than the look at an object.
+std::vector<LibTarnManagedObject*> loadMatching(const std::string& path, const PatternOptions& mask,
+                                                libtarn::model::LibTarnDocument& document) {
+  const ObjectPattern pattern = ObjectPattern::mask(mask);
+  loadDocument(path, document);
+  std::vector<LibTarnManagedObject*> objects;
+  const LibTarnCmData* const cmData = document.getLibTarnCmData();
+  if (cmData && mask.saysNothing()) {
+    const auto all = cmData->getLibTarnManagedObjects();
+    objects.assign(all.begin(), all.end());
+  } else {
+    const auto matching = document.getMOsMatchingMask(pattern.object());
+    objects.assign(matching.begin(), matching.end());
+  }
+  if (objects.empty()) throw CommandError(Status::NothingMatched, path, "no object matches");
+  return objects;
 }
 
 }  // namespace tarn

@@ -17,6 +17,9 @@ struct PatternOptions {
   std::string operation;                ///< "" for any.
   std::vector<std::string> parameters;  ///< "NAME=VALUE" each, in a mask also "NAME".
   std::string file;                     ///< A document whose first object is the pattern; "": none.
+
+  /// Whether every object matches.
+  bool saysNothing() const;
 };
 
 /// A managed object that stands for others, in a document of its own. Throws CommandError.
@@ -37,5 +40,10 @@ class ObjectPattern {
   std::unique_ptr<libtarn::model::LibTarnDocument> document_;
   const libtarn::model::LibTarnManagedObject* object_ = nullptr;
 };
+
+/// The objects of the file at `path`, loaded into `document`, that match, in the order of their
+/// names. Throws CommandError, also when there are none.
+std::vector<libtarn::model::LibTarnManagedObject*> loadMatching(
+    const std::string& path, const PatternOptions& mask, libtarn::model::LibTarnDocument& document);
 
 }  // namespace tarn

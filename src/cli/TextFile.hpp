@@ -15,12 +15,15 @@ class TextFile {
  public:
   explicit TextFile(const std::string& path) : path_(path), file_(path) {}
 
-  /// The whole text with a zero byte behind it.
+  /// The whole text with a zero byte behind it. A zero byte within it is malformed.
   std::vector<char> read();
   /// Line and column of the byte at `offset`, which a text that read() gave had.
   libtarn::util::TextPosition locate(std::size_t offset);
 
  private:
+  [[noreturn]] void refuseZeroByte(const std::vector<char>& text,
+                                   std::size_t distanceFromEnd) const;
+
   std::string path_;
   InputFile file_;
   std::vector<char> copy_;

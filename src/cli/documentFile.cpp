@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -21,20 +20,9 @@ namespace {
 
 constexpr const char* STANDARD_OUTPUT = "-";
 
-// The library takes a zero for the end of the text; in a file it is a fault, not an early end.
-void refuseZeroBytes(const std::string& path, const std::vector<char>& text) {
-  const std::size_t size = text.size() - 1;
-  const void* const zero = std::memchr(text.data(), '\0', size);
-  if (!zero) return;
-  const auto offset = static_cast<std::size_t>(static_cast<const char*>(zero) - text.data());
-  throw CommandError(Status::Malformed, path, libtarn::util::locate(text.data(), offset),
-                     "unexpected zero byte");
-}
-
 void load(const std::string& path, LibTarnDocument& document, bool validate) {
   TextFile file(path);
   std::vector<char> text = file.read();
-  refuseZeroBytes(path, text);
   if (document.parse(std::move(text), validate) == 0) return;
   HostLog::takeError();  // what the diagnostic says, too
   const Diagnostic& diagnostic = document.getDiagnostic();

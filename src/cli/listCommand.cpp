@@ -2,12 +2,16 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <iterator>
 #include <list>
+#include <map>
+#include <string_view>
 
 #include "commands.hpp"
 #include "json.hpp"
 #include "model/LibTarnManagedObjectImp.hpp"
+#include "model/TypedChildren.hpp"
 #include "outputFile.hpp"
 #include "terminal.hpp"
 
@@ -15,6 +19,7 @@ namespace tarn {
 
 using libtarn::model::LibTarnDocument;
 using libtarn::model::LibTarnManagedObject;
+using libtarn::model::LibTarnManagedObjectImp;
 
 namespace {
 
@@ -28,7 +33,7 @@ using Row = std::array<const char*, COLUMNS - 1>;  // without the number of para
 const char* textOrEmpty(const char* text) { return text ? text : ""; }
 
 Row rowOf(const LibTarnManagedObject& object) {
-  const auto& element = dynamic_cast<const libtarn::model::LibTarnManagedObjectImp&>(object);
+  const auto& element = libtarn::model::implementation<LibTarnManagedObjectImp>(object);
   return {textOrEmpty(object.getDistName().getText()), textOrEmpty(object.getClass()),
           element.getAttribute("operation", ""), textOrEmpty(object.getVersion())};
 }
@@ -89,14 +94,19 @@ void writeTsv(const LibTarnManagedObject& object, LineWriter& writer) {
   writer.endLine();
 }
 
+// The members stand here and not in a JSON object, which would cost more than all else; each text
+// is the JSON library's.
 void writeJson(const LibTarnManagedObject& object, LineWriter& writer) {
+  constexpr std::array<const char*, COLUMNS> MEMBERS = {
+      "{\"dn\":", ",\"class\":", ",\"operation\":", ",\"version\":", ",\"parameters\":"};
   const Row row = rowOf(object);
-  const Json json = {{"dn", row[0]},
-                     {"class", row[1]},
-                     {"operation", row[2]},
-                     {"version", row[3]},
-                     {"parameters", parameterCount(object)}};
-  writer.lines() += jsonText(json);
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    writer.lines() += MEMBERS[i];
+    writer.lines() += jsonText(row[i]);
+  }
+  writer.lines() += MEMBERS.back();
+  writer.lines() += fmt::format_int(parameterCount(object)).c_str();
+  writer.lines() += '}';
   writer.endLine();
 }
 
@@ -105,44 +115,84 @@ void writeDn(const LibTarnManagedObject& object, LineWriter& writer) {
   writer.endLine();
 }
 
-using Cells = std::array<std::string, COLUMNS>;
+/// A line of the table, kept between the look at the widths and the writing.
+struct TableRow {
+  std::array<std::string_view, COLUMNS> cells;
+  std::array<std::uint32_t, COLUMNS> widths;
+};
 
-Cells cellsOf(const LibTarnManagedObject& object) {
-  const Row row = rowOf(object);
-  Cells cells;
-  for (std::size_t i = 0; i < row.size(); ++i) cells[i] = printable(row[i]);
-  cells[COLUMNS - 1] = std::to_string(parameterCount(object));
-  return cells;
-}
+/// The rows, and the texts that had to be made for them.
+class Table {
+ public:
+  explicit Table(std::size_t rowCount) { rows_.reserve(rowCount); }
 
-// The last column has no blanks behind it.
-std::string tableLine(const Cells& cells, const std::array<std::size_t, COLUMNS>& widths) {
-  std::string line;
-  for (std::size_t i = 0; i + 1 < COLUMNS; ++i) {
-    line += cells[i];
-    line.append(widths[i] + 2 - displayWidth(cells[i]), ' ');
+  void addRow(const std::array<std::string_view, COLUMNS>& cells) {
+    TableRow row{};
+    for (std::size_t i = 0; i < COLUMNS; ++i) {
+      row.cells[i] = shown(cells[i]);
+      row.widths[i] = static_cast<std::uint32_t>(displayWidth(row.cells[i]));
+      widths_[i] = std::max<std::size_t>(widths_[i], row.widths[i]);
+    }
+    rows_.push_back(row);
   }
-  return line + cells[COLUMNS - 1];
-}
 
-void writeTable(const std::list<LibTarnManagedObject*>& objects, LineWriter& writer) {
-  const Cells headings = {HEADINGS[0], HEADINGS[1], HEADINGS[2], HEADINGS[3], HEADINGS[4]};
-  std::array<std::size_t, COLUMNS> widths{};
-  const auto widen = [&widths](const Cells& cells) {
-    for (std::size_t i = 0; i < COLUMNS; ++i)
-      widths[i] = std::max(widths[i], displayWidth(cells[i]));
-  };
-  widen(headings);
-  for (const LibTarnManagedObject* object : objects) widen(cellsOf(*object));
-  writer.lines() += styled(Style::Bold, tableLine(headings, widths));
-  writer.endLine();
+  void write(LineWriter& writer) const {
+    for (const TableRow& row : rows_) {
+      std::string line;
+      std::string& target = &row == &rows_.front() ? line : writer.lines();
+      appendRow(target, row);
+      if (&row == &rows_.front()) writer.lines() += styled(Style::Bold, line);
+      writer.endLine();
+    }
+  }
+
+ private:
+  std::string_view shown(std::string_view text) {
+    if (isPrintable(text)) return text;
+    made_.push_back(printable(std::string(text)));
+    return made_.back();
+  }
+
+  // The last column has no blanks behind it.
+  void appendRow(std::string& line, const TableRow& row) const {
+    for (std::size_t i = 0; i + 1 < COLUMNS; ++i) {
+      line += row.cells[i];
+      line.append(widths_[i] + 2 - row.widths[i], ' ');
+    }
+    line += row.cells.back();
+  }
+
+  std::vector<TableRow> rows_;
+  std::array<std::size_t, COLUMNS> widths_{};
+  std::list<std::string> made_;
+};
+
+// Numbers come from a table of texts, since most objects have few parameters.
+class NumberTexts {
+ public:
+  std::string_view operator()(std::size_t number) {
+    const auto [it, isNew] = texts_.try_emplace(number);
+    if (isNew) it->second = std::to_string(number);
+    return it->second;
+  }
+
+ private:
+  std::map<std::size_t, std::string> texts_;
+};
+
+void writeTable(const std::vector<LibTarnManagedObject*>& objects, LineWriter& writer) {
+  Table table(objects.size() + 1);
+  NumberTexts numbers;
+  table.addRow({HEADINGS[0], HEADINGS[1], HEADINGS[2], HEADINGS[3], HEADINGS[4]});
   for (const LibTarnManagedObject* object : objects) {
-    writer.lines() += tableLine(cellsOf(*object), widths);
-    writer.endLine();
+    const Row row = rowOf(*object);
+    table.addRow({row[0], row[1], row[2], row[3], numbers(parameterCount(*object))});
   }
+  table.write(writer);
 }
 
-void write(const std::list<LibTarnManagedObject*>& objects, ListFormat format, LineWriter& writer) {
+void write(const std::vector<LibTarnManagedObject*>& objects, ListFormat format,
+           LineWriter& writer) {
   if (format == ListFormat::Table) return writeTable(objects, writer);
   for (const LibTarnManagedObject* object : objects) {
     switch (format) {
@@ -161,13 +211,9 @@ void write(const std::list<LibTarnManagedObject*>& objects, ListFormat format, L
 }  // namespace
 
 void listCommand(const std::string& path, const PatternOptions& mask, ListFormat format) {
-  const ObjectPattern pattern = ObjectPattern::mask(mask);
   LibTarnDocument document;
-  loadDocument(path, document);
-  const std::list<LibTarnManagedObject*> objects = document.getMOsMatchingMask(pattern.object());
-  if (objects.empty()) throw CommandError(Status::NothingMatched, path, "no object matches");
   LineWriter writer;
-  write(objects, format, writer);
+  write(loadMatching(path, mask, document), format, writer);
   writer.flush();
 }
 

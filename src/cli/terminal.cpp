@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -58,7 +59,9 @@ std::string styled(Style style, const std::string& text) {
 }
 
 // The locale's character set is UTF-8, which main() sees to. What is no character counts as one.
-std::size_t displayWidth(const std::string& text) {
+std::size_t displayWidth(std::string_view text) {
+  const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80U; };
+  if (std::all_of(text.begin(), text.end(), isAscii)) return text.size();
   std::size_t width = 0;
   std::mbstate_t state{};
   for (std::size_t i = 0; i < text.size();) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace tarn {
 
@@ -18,7 +19,7 @@ void setColorChoice(ColorChoice choice);
 std::string styled(Style style, const std::string& text);
 
 /// Columns that `text`, in UTF-8, takes on a terminal.
-std::size_t displayWidth(const std::string& text);
+std::size_t displayWidth(std::string_view text);
 
 /// Writes an error's line to standard error, the word "error:" coloured.
 void tellError(const std::string& line);

@@ -101,14 +101,11 @@ class Drawing {
 void treeCommand(const std::string& path, const std::string& distName, std::size_t depth) {
   PatternOptions options;
   options.distName = distName;
-  const ObjectPattern mask = ObjectPattern::mask(options);
   LibTarnDocument document;
-  loadDocument(path, document);
   ContainmentTree tree;
-  for (const LibTarnManagedObject* object : document.getMOsMatchingMask(mask.object())) {
+  for (const LibTarnManagedObject* object : loadMatching(path, options, document)) {
     tree.add(*object);
   }
-  if (tree.size() == 1) throw CommandError(Status::NothingMatched, path, "no object matches");
   Drawing(tree, *document.getLibTarnCmData(), depth).draw();
 }
 

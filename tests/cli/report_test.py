@@ -16,6 +16,7 @@ from command_case import (EXAMPLES, CommandCase, document, main, managed_object,
 
 try:
     from selenium import webdriver
+    from selenium.common.exceptions import StaleElementReferenceException
     from selenium.webdriver.common.by import By
     from selenium.webdriver.support.ui import WebDriverWait
 except ImportError:
@@ -72,7 +73,8 @@ class BrowserTest(CommandCase):
         self.wait(lambda: self.browser.find_element(By.TAG_NAME, "body").get_attribute("data-ready"))
 
     def wait(self, condition):
-        WebDriverWait(self.browser, 30).until(lambda _: condition())
+        WebDriverWait(self.browser, 30, ignored_exceptions=[StaleElementReferenceException]).until(
+            lambda _: condition())
 
     def all(self, selector):
         return self.browser.find_elements(By.CSS_SELECTOR, selector)
@@ -106,6 +108,7 @@ class BrowserTest(CommandCase):
         self.assertIn("RADIO-1", self.names())
         self.toggle("RADIO-1")
         self.assertIn("CELL-3", self.names())
+        self.choose("CELL-3")
         self.picture("tree")
         self.toggle("SITE-3")
         self.assertNotIn("RADIO-1", self.names())
