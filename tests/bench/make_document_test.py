@@ -28,10 +28,11 @@ class MakeDocumentTest(unittest.TestCase):
             path = os.path.join(folder, "document.xml")
             with open(path, "wb") as file:
                 file.write(text)
-            listed = subprocess.run([TARN, "list", path], capture_output=True, check=True).stdout
+            listed = subprocess.run([TARN, "list", path, "--format", "dn"], capture_output=True,
+                                    check=True).stdout
         marker = b' distName="'
         written = [part.split(b'"', 1)[0] for part in text.split(marker)[1:]]
-        return [line.split(b"\t")[0] for line in listed.splitlines()], written
+        return listed.splitlines(), written
 
     def test_every_shape_loads_and_has_about_the_size(self):
         for shape, order in itertools.product(("mixed", "attributes", "text", "tiny", "wide"),
