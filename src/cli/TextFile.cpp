@@ -19,12 +19,12 @@ constexpr std::size_t BLOCK_SIZE = std::size_t{1} << 18U;
 constexpr std::size_t LARGE_PAGE = std::size_t{1} << 21U;
 
 // Spares a large text most of the faults of fresh memory. A hint: what comes of it does not matter.
-void preferLargePages(const std::vector<char>& text) {
+void preferLargePages(std::vector<char>& text) {
   const auto begin = reinterpret_cast<std::uintptr_t>(text.data());
   const std::uintptr_t aligned = (begin + LARGE_PAGE - 1) / LARGE_PAGE * LARGE_PAGE;
   const std::uintptr_t end = begin + text.capacity();
   if (aligned + LARGE_PAGE > end) return;
-  ::madvise(reinterpret_cast<void*>(aligned), end - aligned, MADV_HUGEPAGE);
+  ::madvise(text.data() + (aligned - begin), end - aligned, MADV_HUGEPAGE);
 }
 
 std::size_t offsetIn(const std::vector<char>& block, const void* position) {

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "HostLog.hpp"
 #include "commands.hpp"
 #include "model/LibTarnCmData.hpp"
@@ -28,7 +30,7 @@ LibTarnCmData& cmDataOf(const LibTarnDocument& document, const std::string& path
 /// What became of each object; the document is written only when all went right.
 class Outcomes {
  public:
-  explicit Outcomes(const std::string& path) : path_(path) {}
+  explicit Outcomes(std::string path) : path_(std::move(path)) {}
 
   void done(const std::string& distName, const char* what) {
     report_ += fmt::format("{}: {}\n", printable(distName), what);

@@ -105,8 +105,8 @@ std::optional<std::string> extensionParameterOf(const LibTarnManagedObject& obje
 std::optional<std::string> valueOf(const LibTarnManagedObject& object, const std::string& name) {
   if (const Scalar* const scalar = object.getScalarParameter(name.c_str())) return lineOf(*scalar);
   if (const List* const list = object.getListParameter(name)) return linesOf(*list);
-  if (const std::optional<std::string> item = itemOf(object, name)) return item;
-  return extensionParameterOf(object, name);
+  std::optional<std::string> item = itemOf(object, name);
+  return item ? item : extensionParameterOf(object, name);
 }
 
 std::string xmlOf(const LibTarnManagedObject& object) {

@@ -1,4 +1,6 @@
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "HostLog.hpp"
 #include "commands.hpp"
@@ -51,9 +53,18 @@ std::string summary(const LibTarnDocument& delta) {
                      reason);
 }
 
+// Two documents of one file would be merged, but no user means that.
+void refuseSameFile(const std::string& source, const std::string& delta) {
+  std::error_code ignored;
+  if (std::filesystem::equivalent(source, delta, ignored)) {
+    throw CommandError(Status::Conflict, delta, "Source and delta are the same document");
+  }
+}
+
 // Returns what the delta did, as a line.
 std::string applyDelta(const MergeRequest& request, const std::string& path,
                        LibTarnDocument& source) {
+  refuseSameFile(request.source, path);
   LibTarnDocument delta;
   load(path, delta, request.validate);
   try {

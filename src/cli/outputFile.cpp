@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -60,6 +61,23 @@ extern "C" void removeFileInTheMaking(int signalNumber) {
   ::raise(signalNumber);
 }
 
+/// Holds back the signals that end the program.
+class SignalBlock {
+ public:
+  SignalBlock() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int number : ENDING_SIGNALS) sigaddset(&signals, number);
+    pthread_sigmask(SIG_BLOCK, &signals, &earlier_);
+  }
+  SignalBlock(const SignalBlock&) = delete;
+  SignalBlock& operator=(const SignalBlock&) = delete;
+  ~SignalBlock() { pthread_sigmask(SIG_SETMASK, &earlier_, nullptr); }
+
+ private:
+  sigset_t earlier_{};
+};
+
 /// A new file beside the one that it will replace. Gone at the end, also when a signal ends the
 /// program, unless it was put in place.
 class TemporaryFile {
@@ -67,19 +85,8 @@ class TemporaryFile {
   explicit TemporaryFile(const std::string& target)
       : name_(target + ".XXXXXX"), file_(::mkstemp(name_.data())) {
     isThere_ = file_.isOpen();
-    if (!isThere_ || name_.size() >= fileInTheMaking.size()) return;
-    std::memcpy(fileInTheMaking.data(), name_.c_str(), name_.size() + 1);
-    struct sigaction action {};
-    action.sa_handler = removeFileInTheMaking;
-    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
-    for (std::size_t i = 0; i < ENDING_SIGNALS.size(); ++i) {
-      ::sigaction(ENDING_SIGNALS[i], &action, &earlierActions_[i]);
-      // A signal that the user had ignored stays so, as under nohup.
-      if (earlierActions_[i].sa_handler == SIG_IGN) {
-        ::sigaction(ENDING_SIGNALS[i], &earlierActions_[i], nullptr);
-      }
-    }
-    handlesSignals_ = true;
+    if (isThere_ && name_.size() < fileInTheMaking.size()) handleSignals();
+    block_.reset();
   }
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -99,6 +106,23 @@ class TemporaryFile {
   }
 
  private:
+  void handleSignals() {
+    std::memcpy(fileInTheMaking.data(), name_.c_str(), name_.size() + 1);
+    struct sigaction action {};
+    action.sa_handler = removeFileInTheMaking;
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+    for (std::size_t i = 0; i < ENDING_SIGNALS.size(); ++i) {
+      ::sigaction(ENDING_SIGNALS[i], &action, &earlierActions_[i]);
+      // A signal that the user had ignored stays so, as under nohup.
+      if (earlierActions_[i].sa_handler == SIG_IGN) {
+        ::sigaction(ENDING_SIGNALS[i], &earlierActions_[i], nullptr);
+      }
+    }
+    handlesSignals_ = true;
+  }
+
+  // First, so that no signal comes between the file and the handler that knows of it.
+  std::optional<SignalBlock> block_{std::in_place};
   std::string name_;
   Descriptor file_;
   bool isThere_ = false;
@@ -168,6 +192,9 @@ void replaceWith(const std::string& path, const std::string& content) {
   // A file that its owner made read-only is not to be replaced either.
   if (exists && ::access(target.c_str(), W_OK) != 0) throwFileError(path, errno);
 
+  if (exists && status.st_nlink > 1) {
+    tellNote(path + ": note: other names of the file keep what it held");
+  }
   TemporaryFile temporary(target.string());
   Descriptor& file = temporary.file();
   if (!file.isOpen() || !writeAll(file.get(), path, content) ||

@@ -87,6 +87,8 @@ void tellError(const std::string& line) {
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
+void tellNote(const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); }
+
 Progress::Progress(const char* action, const std::string& path, std::uint64_t total)
     : label_(fmt::format("{} {}", action, path)),
       total_(total),

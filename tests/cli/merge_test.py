@@ -148,11 +148,32 @@ class MergeTest(CommandCase):
             f"{delta}: error: 'no operation' is not a valid value of 'managedObject' attribute"
             " 'operation'\n")
 
-    def test_source_as_its_own_delta(self):
-        # Two documents of one file: without operations, every object is an update of itself.
-        result = tarn("merge", self.source, self.source)
-        self.expect(result, 0, tarn("print", self.source).stdout,
-                    f"{self.source}: 0 created, 2 updated, 0 deleted\n")
+    def test_source_as_its_own_delta_is_refused_under_any_name(self):
+        link = self.path("link.xml")
+        os.symlink("source.xml", link)
+        hard = self.path("hard.xml")
+        os.link(self.source, hard)
+        for name in (self.source, self.path("./source.xml"), link, hard):
+            self.expect_untouched(tarn("merge", "--in-place", self.source, name), 3,
+                                  f"{name}: error: Source and delta are the same document\n")
+        copy = self.file(SOURCE, "copy.xml")
+        self.expect(tarn("merge", self.source, copy), 0, tarn("print", self.source).stdout,
+                    f"{copy}: 0 created, 2 updated, 0 deleted\n")
+
+    def test_other_names_of_the_target_are_told_of(self):
+        hard = self.path("hard.xml")
+        os.link(self.source, hard)
+        self.expect(tarn("merge", "--in-place", self.source, self.delta), 0,
+                    f"{self.delta}: {SUMMARY}\n",
+                    f"{self.source}: note: other names of the file keep what it held\n")
+        self.assertEqual(self.read(self.source), MERGED.encode())
+        self.assertEqual(self.read(hard), SOURCE.encode())
+
+    def test_folder_that_cannot_be_written_is_told(self):
+        result = tarn("merge", self.source, self.delta, "-o", "/sys/out.xml")
+        self.assertEqual((result.returncode, result.stdout), (5, b""))
+        self.assertIn(result.stderr, (b"/sys/out.xml: error: Permission denied\n",
+                                      b"/sys/out.xml: error: Read-only file system\n"))
 
     def test_output_may_be_the_delta(self):
         result = tarn("merge", self.source, self.delta, "-o", self.delta)
