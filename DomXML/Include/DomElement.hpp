@@ -29,6 +29,12 @@ class DomElement : public IDomElement, public rapidxml::xml_node<char> {
   void setValue(const char* value) override;
   const char* getAttribute(const char* name) const override;
   const char* getAttribute(const char* name, const char* defaultValue) const override;
+  /// As getAttribute(), for a literal, whose length is known.
+  template <std::size_t Size>
+  const char* getLiteralAttribute(const char (&name)[Size]) const {
+    const auto* const attribute = first_attribute(name, Size - 1);
+    return attribute ? attribute->value() : nullptr;
+  }
   DomAttributeIterator getAttributeIter(const char* name) const override;
   void setAttribute(const char* name, const char* value) override;
   void addAttribute(DomAttribute* newDomAttribute) override;

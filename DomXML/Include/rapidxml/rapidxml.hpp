@@ -105,7 +105,11 @@ template <class Ch>
 bool same_name(const Ch* name, std::size_t size, const Ch* other, std::size_t other_size,
                bool case_sensitive) {
   if (size != other_size) return false;
-  if (case_sensitive) return std::char_traits<Ch>::compare(name, other, size) == 0;
+  if (size == 0) return true;
+  if (case_sensitive) {
+    // Most names that differ do so at the start.
+    return *name == *other && std::char_traits<Ch>::compare(name, other, size) == 0;
+  }
   const auto lower = [](Ch c) { return c >= Ch('A') && c <= Ch('Z') ? Ch(c + ('a' - 'A')) : c; };
   for (std::size_t i = 0; i < size; ++i) {
     if (lower(name[i]) != lower(other[i])) return false;

@@ -48,7 +48,7 @@ void LibTarnExtensionImp::updatePath(validation::Validator& validator) const {
   validator.appendToPath(TAG_NAME, getName());
 }
 
-const char* LibTarnExtensionImp::getName() const { return getAttribute(NAME_ATTRIBUTE); }
+const char* LibTarnExtensionImp::getName() const { return getLiteralAttribute(NAME_ATTRIBUTE); }
 
 std::string LibTarnExtensionImp::getId() const { return getAttribute(NAME_ATTRIBUTE, ""); }
 

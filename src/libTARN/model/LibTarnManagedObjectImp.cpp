@@ -24,14 +24,14 @@ namespace model {
 
 namespace {
 
-constexpr const char* OPERATION_ATTRIBUTE = "operation";
+constexpr char OPERATION_ATTRIBUTE[] = "operation";
 
 // Stands for any distinguished name.
 constexpr const char* ANY_DIST_NAME = "_-_";
 
 // What the interface does not tell: whether the element carries an operation.
 bool hasOperation(const LibTarnManagedObject& object) {
-  return implementation<LibTarnManagedObjectImp>(object).getAttribute(OPERATION_ATTRIBUTE) !=
+  return implementation<LibTarnManagedObjectImp>(object).getLiteralAttribute(OPERATION_ATTRIBUTE) !=
          nullptr;
 }
 
@@ -111,9 +111,13 @@ void LibTarnManagedObjectImp::updatePath(validation::Validator& validator) const
 
 // Attributes
 
-const char* LibTarnManagedObjectImp::getClass() const { return getAttribute(CLASS_ATTRIBUTE); }
+const char* LibTarnManagedObjectImp::getClass() const {
+  return getLiteralAttribute(CLASS_ATTRIBUTE);
+}
 
-const char* LibTarnManagedObjectImp::getVersion() const { return getAttribute(VERSION_ATTRIBUTE); }
+const char* LibTarnManagedObjectImp::getVersion() const {
+  return getLiteralAttribute(VERSION_ATTRIBUTE);
+}
 
 DistinguishedName LibTarnManagedObjectImp::getDistName() const {
   return DistinguishedName(getAttribute(DistinguishedName::ATTR_NAME));

@@ -52,7 +52,7 @@ void ListImp::updatePath(validation::Validator& validator) const {
   validator.appendToPath(TAG_NAME, getName());
 }
 
-const char* ListImp::getName() const { return getAttribute(NAME_ATTRIBUTE); }
+const char* ListImp::getName() const { return getLiteralAttribute(NAME_ATTRIBUTE); }
 
 std::string ListImp::getId() const { return getAttribute(NAME_ATTRIBUTE, ""); }
 

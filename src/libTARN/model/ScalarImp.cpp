@@ -47,7 +47,7 @@ void ScalarImp::updatePath(validation::Validator& validator) const {
 }
 
 const char* ScalarImp::getName() const {
-  const char* const name = getAttribute(NAME_ATTRIBUTE);
+  const char* const name = getLiteralAttribute(NAME_ATTRIBUTE);
   return isEmptyText(name) ? nullptr : name;
 }
 

@@ -84,7 +84,9 @@ TarnDomElement* TarnDomDocument::createTarnElement() {
   while (name && rapidxml::internal::contains<rapidxml::internal::node_name>(name[size])) ++size;
   if (size == 0) throw rapidxml::parse_error("expected element name", parsePosition_);
 
-  const auto begins = [name, size](const char* tag) { return std::strncmp(name, tag, size) == 0; };
+  const auto begins = [name, size](const char* tag) {
+    return *name == *tag && std::strncmp(name, tag, size) == 0;
+  };
   TarnDomElement* element = nullptr;
   if (begins(LibTarnManagedObject::TAG_NAME)) {
     element = allocateTarnManagedObjectNode();
