@@ -27,8 +27,8 @@ def on_terminal(*arguments, terminal_for="both", environment=None, feed=None):
     process = subprocess.Popen([TARN, *arguments], stdin=subprocess.DEVNULL, stdout=streams[0],
                                stderr=streams[1], env={**clean, **(environment or {})})
     os.close(slave)
-    if feed:
-        threading.Thread(target=feed).start()
+    feeder = threading.Thread(target=feed or (lambda: None))
+    feeder.start()
     output = b""
     while True:
         try:
@@ -39,6 +39,7 @@ def on_terminal(*arguments, terminal_for="both", environment=None, feed=None):
             break
         output += block
     os.close(master)
+    feeder.join()
     return process.wait(), output
 
 
@@ -91,6 +92,22 @@ class ProgressTest(CommandCase):
         self.assertEqual(status, 0)
         self.assertIn(b"Reading " + path.encode() + b": 0 MiB", output)
         self.assertTrue(output.endswith(b"\r\x1b[K"))
+
+    def test_slow_writing_is_shown_too(self):
+        source = self.file(document(managed_object("A-1", body="<p name='x'>" + "x" * 12000000
+                                                   + "</p>")))
+        out = self.path("out")
+        os.mkfifo(out)
+        read = []
+
+        def take():
+            with open(out, "rb") as file:
+                time.sleep(1.2)
+                read.append(len(file.read()))
+        status, output = on_terminal("print", source, "-o", out, terminal_for="stderr", feed=take)
+        self.assertEqual(status, 0)
+        self.assertGreater(read[0], 12000000)
+        self.assertRegex(output, b"Writing " + out.encode() + rb": \d+ %")
 
     def test_it_is_not_shown_in_a_pipe(self):
         path, feed = self.slow_pipe()
