@@ -10,6 +10,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstring>
+#include <new>
+#include <utility>
 
 #include "CommandError.hpp"
 
@@ -35,6 +38,11 @@ constexpr unsigned BUFFER_SIZE = 1U << 17U;
   if (code == Z_MEM_ERROR) throwFileError(path, ENOMEM);
   throw CommandError(Status::FileError, path, "compressed data is damaged or cut off");
 }
+
+#else
+
+// What a gzip file begins with.
+constexpr const char* MAGIC = "\x1f\x8b";
 
 #endif
 
@@ -79,14 +87,19 @@ struct InputFile::Reader {
   ~Reader() { ::close(descriptor); }
 
   int descriptor;
+  bool isAtStart = true;
 };
 
 std::size_t InputFile::read(char* block, std::size_t size) {
-  for (;;) {
-    const ssize_t count = ::read(reader_->descriptor, block, std::min<std::size_t>(size, INT_MAX));
-    if (count >= 0) return static_cast<std::size_t>(count);
-    if (errno != EINTR) throwFileError(path_, errno);
+  ssize_t count = -1;
+  do {
+    count = ::read(reader_->descriptor, block, std::min<std::size_t>(size, INT_MAX));
+    if (count < 0 && errno != EINTR) throwFileError(path_, errno);
+  } while (count < 0);
+  if (std::exchange(reader_->isAtStart, false) && count >= 2 && std::memcmp(block, MAGIC, 2) == 0) {
+    throw CommandError(Status::FileError, path_, "this build cannot read compressed files");
   }
+  return static_cast<std::size_t>(count);
 }
 
 void InputFile::rewind() {

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdio>
 #include <future>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -120,9 +121,7 @@ class Workers {
  public:
   explicit Workers(const CheckRequest& request)
       : request_(request), findings_(request.files.size()) {
-    for (std::size_t i = workerCount(request); i > 0; --i) {
-      threads_.emplace_back([this] { work(); });
-    }
+    for (std::size_t i = workerCount(request); i > 0; --i) addThread();
   }
   Workers(const Workers&) = delete;
   Workers& operator=(const Workers&) = delete;
@@ -135,6 +134,15 @@ class Workers {
   Finding finding(std::size_t number) { return findings_[number].get_future().get(); }
 
  private:
+  // Fewer threads than wanted do as well, only slower.
+  void addThread() {
+    try {
+      threads_.emplace_back([this] { work(); });
+    } catch (const std::system_error&) {
+      if (threads_.empty()) throw;
+    }
+  }
+
   void work() {
     for (std::size_t i = next_++; i < findings_.size(); i = next_++) {
       try {

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the command on compressed files. Argument: the command, which must have been built with zlib."""
+"""Runs the command on compressed files. Argument: the command."""
 
 import gzip
 import os
@@ -63,6 +63,19 @@ class GzipTest(CommandCase):
         self.expect(tarn("print", self.packed(text), "-o", out), 0)
         self.assertEqual(gzip.decompress(self.read(out)),
                          tarn("print", self.file(text)).stdout)
+
+
+@unittest.skipIf(HAS_ZLIB, "the command is built with zlib")
+class WithoutZlibTest(CommandCase):
+    def test_compressed_files_are_refused_clearly(self):
+        path = self.file(gzip.compress(GOOD.encode()), "packed.xml.gz")
+        self.expect(tarn("check", path), 5, "",
+                    f"{path}: error: this build cannot read compressed files\n")
+        source = self.file(GOOD)
+        out = self.path("out.gz")
+        self.expect(tarn("print", source, "-o", out), 5, "",
+                    f"{out}: error: this build cannot write compressed files\n")
+        self.assertFalse(os.path.exists(out))
 
 
 if __name__ == "__main__":
