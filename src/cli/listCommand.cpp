@@ -115,6 +115,12 @@ void writeDn(const LibTarnManagedObject& object, LineWriter& writer) {
   writer.endLine();
 }
 
+bool isPrintableAscii(std::string_view text) {
+  bool isPlain = true;
+  for (const char c : text) isPlain &= c >= ' ' && c <= '~';
+  return isPlain;
+}
+
 /// A line of the table, kept between the look at the widths and the writing.
 struct TableRow {
   std::array<std::string_view, COLUMNS> cells;
@@ -129,8 +135,10 @@ class Table {
   void addRow(const std::array<std::string_view, COLUMNS>& cells) {
     TableRow row{};
     for (std::size_t i = 0; i < COLUMNS; ++i) {
-      row.cells[i] = shown(cells[i]);
-      row.widths[i] = static_cast<std::uint32_t>(displayWidth(row.cells[i]));
+      const bool isPlain = isPrintableAscii(cells[i]);
+      row.cells[i] = isPlain ? cells[i] : shown(cells[i]);
+      row.widths[i] =
+          static_cast<std::uint32_t>(isPlain ? cells[i].size() : displayWidth(row.cells[i]));
       widths_[i] = std::max<std::size_t>(widths_[i], row.widths[i]);
     }
     rows_.push_back(row);
