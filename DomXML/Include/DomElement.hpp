@@ -12,7 +12,8 @@ namespace libDomXml {
 /// tree. Linking objects of different pools, or one that is linked already, is an assertion.
 class DomElement : public IDomElement, public rapidxml::xml_node<char> {
  public:
-  explicit DomElement(IMemoryPool* pool);
+  explicit DomElement(IMemoryPool* pool)
+      : rapidxml::xml_node<char>(rapidxml::node_element), domFactory_(pool) {}
 
   /// Pool objects are not freed one by one.
   static void operator delete(void* /*memory*/) {}

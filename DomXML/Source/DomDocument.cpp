@@ -119,15 +119,21 @@ void* DomDocument::allocateMemory(unsigned int size) { return allocate_aligned(s
 
 void DomDocument::deallocateMemory(void* /*memory*/) {}
 
+// The parser asks without texts, so often that it gets what the factory would make straight away.
+
 DomElement* DomDocument::allocate_node(rapidxml::node_type type, const char* name,
                                        const char* value, std::size_t nameSize,
                                        std::size_t valueSize) {
-  return DomFactory(this).allocateNode(type, name, value, nameSize, valueSize);
+  if (name || value) return DomFactory(this).allocateNode(type, name, value, nameSize, valueSize);
+  auto* const element = new (allocate_aligned(sizeof(DomElement))) DomElement(this);
+  element->type(type);
+  return element;
 }
 
 DomAttribute* DomDocument::allocate_attribute(const char* name, const char* value,
                                               std::size_t nameSize, std::size_t valueSize) {
-  return DomFactory(this).allocateAttribute(name, value, nameSize, valueSize);
+  if (name || value) return DomFactory(this).allocateAttribute(name, value, nameSize, valueSize);
+  return new (allocate_aligned(sizeof(DomAttribute))) DomAttribute(this);
 }
 
 IDomElement* DomDocument::clone() const {

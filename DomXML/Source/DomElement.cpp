@@ -24,9 +24,6 @@ DomElement* copyWithoutChildren(const DomElement& source, IMemoryPool* pool,
 
 }  // namespace
 
-DomElement::DomElement(IMemoryPool* pool)
-    : rapidxml::xml_node<char>(rapidxml::node_element), domFactory_(pool) {}
-
 IDomElement* DomElement::clone() const {
   const auto copyOne = [this](const DomElement& source) {
     // Other classes of element know themselves how they are copied.

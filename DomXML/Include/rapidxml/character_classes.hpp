@@ -37,22 +37,22 @@ constexpr character_table only(const char* included) {
 }
 
 struct whitespace {
-  static constexpr character_table table = only("\t\n\r ");
+  [[gnu::visibility("hidden")]] static constexpr character_table table = only("\t\n\r ");
 };
 struct node_name {
-  static constexpr character_table table = all_but("\t\n\r />?");
+  [[gnu::visibility("hidden")]] static constexpr character_table table = all_but("\t\n\r />?");
 };
 struct attribute_name {
-  static constexpr character_table table = all_but("\t\n\r !/<=>?");
+  [[gnu::visibility("hidden")]] static constexpr character_table table = all_but("\t\n\r !/<=>?");
 };
 struct text {
-  static constexpr character_table table = all_but("<");
+  [[gnu::visibility("hidden")]] static constexpr character_table table = all_but("<");
 };
 struct single_quoted {
-  static constexpr character_table table = all_but("'");
+  [[gnu::visibility("hidden")]] static constexpr character_table table = all_but("'");
 };
 struct double_quoted {
-  static constexpr character_table table = all_but("\"");
+  [[gnu::visibility("hidden")]] static constexpr character_table table = all_but("\"");
 };
 
 constexpr character_table without_ampersand(character_table table) {
@@ -63,7 +63,7 @@ constexpr character_table without_ampersand(character_table table) {
 /// The characters of `Class` that can be taken over as they are.
 template <class Class>
 struct without_references {
-  static constexpr character_table table = without_ampersand(Class::table);
+  [[gnu::visibility("hidden")]] static constexpr character_table table = without_ampersand(Class::table);
 };
 
 template <class Class>

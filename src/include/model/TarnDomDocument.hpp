@@ -68,6 +68,8 @@ class TarnDomDocument : public libDomXml::DomDocument {
   void leaveText() override;
 
  private:
+  struct Events;
+
   TarnDomElement* reuseDeclaration();
   TarnDomElement* reuseRoot(const char* nameEnd);
   bool isTopLevelNode();

@@ -148,12 +148,20 @@ int TarnDomDocument::rapidParse(char* text) {
   return 0;
 }
 
+// What this document wants to know of the parser.
+struct TarnDomDocument::Events : rapidxml::parse_events {
+  void before_top_level_node() { document.beforeTopLevelNode_ = true; }
+
+  TarnDomDocument& document;
+};
+
 void TarnDomDocument::parseDoc(char* text) {
   TARN_ASSERT(text, "text");
   leaveText();
   textStart_ = text;
   parsePosition_ = text;
-  parse_top_level<33>(parsePosition_, [this] { beforeTopLevelNode_ = true; });
+  Events events{{}, *this};
+  parse_telling<33>(parsePosition_, events);
 }
 
 std::size_t TarnDomDocument::getTextOffset(const rapidxml::parse_error& error) const {

@@ -1,0 +1,169 @@
+#pragma once
+
+// Where the records of a tree come from.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <type_traits>
+
+#include "Assertion.hpp"
+#include "IMemoryPool.hpp"
+#include "rapidxml/nodes.hpp"
+
+namespace rapidxml {
+
+/// What the parser asks for nodes, attributes and strings.
+template <class Ch>
+class IXMLFactory {
+ public:
+  virtual ~IXMLFactory() = default;
+
+  /// A detached node. The parser passes null and 0 for all but `type`; the node may come back with
+  /// its name already set to the parser's position, which spares a second scan of that name.
+  virtual xml_node<Ch>* allocate_node(node_type type, const Ch* name, const Ch* value,
+                                      std::size_t name_size, std::size_t value_size) = 0;
+
+  /// A detached attribute. The parser passes null and 0 for everything.
+  virtual xml_attribute<Ch>* allocate_attribute(const Ch* name, const Ch* value,
+                                                std::size_t name_size, std::size_t value_size) = 0;
+
+  /// Room for `size` characters, filled from `source` when given; size 0 takes the whole
+  /// zero-terminated source with its terminator.
+  virtual Ch* allocate_string(const Ch* source, std::size_t size) = 0;
+};
+/// Bump allocator of one document. Everything taken from it goes when the pool is destroyed, and no
+/// destructor of what was built in it runs.
+///
+/// Block of the pool, newest first:
+///
+///   raw                align(raw)      + header                           raw + size
+///   | slack            | previous block | records, strings ...             |
+///
+/// A request that the current block cannot hold opens a new block; the rest of the old one is
+/// abandoned. The first block is part of the pool object. Not copyable. One thread at a time.
+template <class Ch>
+class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
+ public:
+  using alloc_func = void*(std::size_t);
+  using free_func = void(void*);
+
+  /// Alignment of every result in bytes.
+  static constexpr std::size_t alignment = sizeof(void*);
+  /// Size of the block inside the pool object in bytes.
+  static constexpr std::size_t static_pool_size = 1024;
+  /// Least usable size of a further block in bytes (230 KiB).
+  static constexpr std::size_t dynamic_pool_size = 235520;
+  /// Bytes of a further block beside its usable size: the link to the previous block, and what
+  /// aligning the link and the first record may cost.
+  static constexpr std::size_t block_overhead = sizeof(char*) + 2 * alignment - 2;
+
+  memory_pool() : m_begin(m_static_memory), m_ptr(align(m_static_memory)), m_end(static_end()) {}
+  memory_pool(const memory_pool&) = delete;
+  memory_pool& operator=(const memory_pool&) = delete;
+
+  ~memory_pool() override {
+    while (m_begin != m_static_memory) {
+      char* const previous = *reinterpret_cast<char**>(align(m_begin));
+      m_free_func ? m_free_func(m_begin) : delete[] m_begin;
+      m_begin = previous;
+    }
+  }
+
+  xml_node<Ch>* allocate_node(node_type type, const Ch* name, const Ch* value,
+                              std::size_t name_size, std::size_t value_size) override {
+    auto* const node = new (allocate_aligned(sizeof(xml_node<Ch>))) xml_node<Ch>(type);
+    set_texts(*node, name, value, name_size, value_size);
+    return node;
+  }
+
+  xml_attribute<Ch>* allocate_attribute(const Ch* name, const Ch* value, std::size_t name_size,
+                                        std::size_t value_size) override {
+    auto* const attribute = new (allocate_aligned(sizeof(xml_attribute<Ch>))) xml_attribute<Ch>();
+    set_texts(*attribute, name, value, name_size, value_size);
+    return attribute;
+  }
+
+  Ch* allocate_string(const Ch* source, std::size_t size) override {
+    TARN_ASSERT(source || size, "source || size");
+    if (size == 0) size = internal::measure(source) + 1;
+    auto* const result = static_cast<Ch*>(allocate_aligned(size * sizeof(Ch)));
+    if (source) std::memcpy(result, source, size * sizeof(Ch));
+    return result;
+  }
+
+  /// Installs where blocks come from and go to, before anything has been allocated (asserted).
+  /// `allocate` must not return null (asserted when it does).
+  void set_allocator(alloc_func* allocate, free_func* release) {
+    TARN_ASSERT(m_begin == m_static_memory && m_ptr == align(m_begin),
+                "m_begin == m_static_memory && m_ptr == align(m_begin)");
+    m_alloc_func = allocate;
+    m_free_func = release;
+  }
+
+  /// Bytes of the blocks taken so far, with those not used yet.
+  std::size_t pool_size() const { return m_block_bytes; }
+
+ protected:
+  /// `size` bytes, aligned. Throws std::bad_alloc, the pool unchanged, when there is no memory.
+  void* allocate_aligned(std::size_t size) {
+    char* const result = align(m_ptr);
+    if (result > m_end || size > static_cast<std::size_t>(m_end - result)) {
+      return allocate_in_new_block(size);
+    }
+    m_ptr = result + size;
+    return result;
+  }
+
+ private:
+  static_assert(std::is_same_v<Ch, char>, "records are made for char");
+  static_assert(alignof(xml_node<Ch>) <= alignment && alignof(xml_attribute<Ch>) <= alignment,
+                "the pool aligns to the size of a pointer");
+
+  static char* align(char* position) {
+    const auto address = reinterpret_cast<std::uintptr_t>(position);
+    return position + (-address % alignment);
+  }
+
+  char* static_end() { return m_static_memory + static_pool_size; }
+
+  void* allocate_in_new_block(std::size_t size) {
+    const std::size_t usable = size > dynamic_pool_size ? size : dynamic_pool_size;
+    if (usable > std::numeric_limits<std::size_t>::max() - block_overhead) throw std::bad_alloc();
+    const std::size_t raw_size = usable + block_overhead;
+    char* const raw = allocate_raw(raw_size);
+    char* const header = align(raw);
+    *reinterpret_cast<char**>(header) = m_begin;
+    m_begin = raw;
+    m_end = raw + raw_size;
+    m_block_bytes += raw_size;
+    char* const result = align(header + sizeof(char*));
+    m_ptr = result + size;
+    return result;
+  }
+
+  char* allocate_raw(std::size_t size) {
+    if (!m_alloc_func) return new char[size];
+    void* const memory = m_alloc_func(size);
+    TARN_ASSERT(memory, "memory");
+    return static_cast<char*>(memory);
+  }
+
+  static void set_texts(xml_base<Ch>& record, const Ch* name, const Ch* value,
+                        std::size_t name_size, std::size_t value_size) {
+    if (name) record.name(name, name_size ? name_size : internal::measure(name));
+    if (value) record.value(value, value_size ? value_size : internal::measure(value));
+  }
+
+  char* m_begin;  // raw start of the current block
+  char* m_ptr;    // first free byte of it
+  char* m_end;    // one past its last byte
+  char m_static_memory[static_pool_size];
+  std::size_t m_block_bytes = 0;
+  alloc_func* m_alloc_func = nullptr;
+  free_func* m_free_func = nullptr;
+};
+
+}  // namespace rapidxml

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace bench {
+
+/// Whether memory is fresh from the system in each round, or has been used by earlier rounds.
+enum class Memory { COLD, WARM };
+
+/// One round of a piece of work: what is measured. True when it went right. What it holds goes
+/// when it is destroyed, which is not measured.
+using Round = std::function<bool()>;
+
+/// Gets a round ready from the text of a document, which is not measured.
+using Prepare = std::function<Round(const std::string& text, Memory memory)>;
+
+/// The same task done by one library.
+struct Work {
+  std::string task;
+  std::string library;
+  Prepare prepare;
+};
+
+/// The works of all libraries, in the order in which they are told.
+std::vector<Work> allWorks();
+
+// What each library does, one source each.
+void addTarnWorks(std::vector<Work>& works);
+void addPugixmlWorks(std::vector<Work>& works);
+void addTinyxml2Works(std::vector<Work>& works);
+void addLibxml2Works(std::vector<Work>& works);
+void addExpatWorks(std::vector<Work>& works);
+void addLibyangWorks(std::vector<Work>& works);
+void addLimits(std::vector<Work>& works);
+
+// The tasks, by the names that the tables use.
+constexpr const char* PARSE = "parse";
+constexpr const char* LOAD = "load";
+constexpr const char* LOAD_AND_WALK = "load, every index walked";
+constexpr const char* LOAD_AND_VALIDATE = "load and validate";
+constexpr const char* VALIDATE = "validate";
+constexpr const char* PRINT = "print";
+constexpr const char* MERGE = "merge of a delta that updates every object";
+constexpr const char* RELEASE = "release";
+constexpr const char* LIMIT = "limit";
+
+/// A round that works on `state`, which it owns; `work(State&)` is what is measured.
+template <class State, class Function>
+Round roundOn(std::shared_ptr<State> state, Function work) {
+  return [state = std::move(state), work] { return work(*state); };
+}
+
+}  // namespace bench

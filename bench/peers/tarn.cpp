@@ -1,0 +1,168 @@
+#include <optional>
+
+#include "../Work.hpp"
+#include "libtarn.hpp"
+#include "model/DistinguishedNameValidator.hpp"
+#include "model/indexation/TarnIndexFactory.hpp"
+
+namespace bench {
+
+namespace {
+
+using libtarn::editor::TarnMerge;
+using libtarn::model::LibTarnDocument;
+using libtarn::model::LibTarnManagedObject;
+using namespace libtarn::model;
+
+// Index factory in the pool of a document that is made after it.
+class LateIndexFactory : public indexation::ITarnIndexFactory {
+ public:
+  void useFor(libDomXml::IMemoryPool& pool) { factory_.emplace(pool); }
+
+  indexation::ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const override {
+    return factory_->createUniqueScalarNameTarnIndex();
+  }
+  indexation::ITarnUniqueIndex<List>* createUniqueIndexForList() const override {
+    return factory_->createUniqueIndexForList();
+  }
+  indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>*
+  createUniqueAndNonUniqueMultiIndex() const override {
+    return factory_->createUniqueAndNonUniqueMultiIndex();
+  }
+
+ private:
+  std::optional<indexation::TarnIndexFactory> factory_;
+};
+
+// A document whose pool is mapped, which is always fresh memory, or comes from the heap, which is
+// as warm as the heap is.
+class TarnState {
+ public:
+  TarnState(const std::string& text, Memory memory) : text_(text.begin(), text.end()) {
+    text_.push_back('\0');
+    if (memory == Memory::COLD) {
+      document_.emplace();
+      return;
+    }
+    auto* const domDocument = new TarnDomDocument(&validator_, &indexFactory_);
+    indexFactory_.useFor(*domDocument);
+    document_.emplace(domDocument);
+  }
+
+  LibTarnDocument& document() { return *document_; }
+  bool load(bool validate) { return document_->parse(std::move(text_), validate) == 0; }
+  void release() { document_.reset(); }
+
+ private:
+  std::vector<char> text_;
+  DistinguishedNameValidator validator_;
+  LateIndexFactory indexFactory_;
+  std::optional<LibTarnDocument> document_;
+};
+
+struct DomState {
+  DomState(const std::string& source, Memory memory)
+      : text(source), document(memory == Memory::COLD) {}
+
+  std::string text;
+  libDomXml::DomDocument document;
+};
+
+struct MergeState {
+  MergeState(const std::string& text, Memory memory) : source(text, memory), delta(text, memory) {
+    source.load(false);
+    delta.load(false);
+    for (LibTarnManagedObject* object :
+         delta.document().getLibTarnCmData()->getLibTarnManagedObjects()) {
+      object->setOperation(LibTarnManagedObject::Operation::UPDATE);
+    }
+  }
+
+  TarnState source;
+  TarnState delta;
+};
+
+std::size_t walkLists(const LibTarnManagedObject& object) {
+  std::size_t count = 0;
+  for (const auto& list : object.getListParameters()) {
+    ++count;
+    for (const Structure* item = list.second->getStructuredValues(); item;
+         item = item->getNextSiblingElement()) {
+      for (const auto& component : item->getComponents()) count += component.second != nullptr;
+    }
+  }
+  return count;
+}
+
+// Every entry of every index, once.
+std::size_t walkIndexes(const LibTarnDocument& document) {
+  std::size_t count = 0;
+  const LibTarnCmData& cmData = *document.getLibTarnCmData();
+  for (const LibTarnManagedObject* object : cmData.getLibTarnManagedObjects()) {
+    for (const auto& parameter : object->getScalarParameters()) {
+      count += parameter.second != nullptr;
+    }
+    count += walkLists(*object);
+  }
+  for (const LibTarnManagedObject* object : cmData.getLibTarnManagedObjectsByClass("CELL")) {
+    count += object != nullptr;
+  }
+  return count;
+}
+
+std::shared_ptr<TarnState> loaded(const std::string& text, Memory memory) {
+  auto state = std::make_shared<TarnState>(text, memory);
+  state->load(false);
+  return state;
+}
+
+}  // namespace
+
+void addTarnWorks(std::vector<Work>& works) {
+  works.push_back({PARSE, "DomDocument", [](const std::string& text, Memory memory) {
+                     return roundOn(std::make_shared<DomState>(text, memory), [](DomState& state) {
+                       return state.document.rapidParse(state.text.data()) == 0;
+                     });
+                   }});
+  works.push_back({LOAD, "libtarn", [](const std::string& text, Memory memory) {
+                     return roundOn(std::make_shared<TarnState>(text, memory),
+                                    [](TarnState& state) { return state.load(false); });
+                   }});
+  works.push_back({LOAD_AND_WALK, "libtarn", [](const std::string& text, Memory memory) {
+                     return roundOn(std::make_shared<TarnState>(text, memory),
+                                    [](TarnState& state) {
+                                      return state.load(false) && walkIndexes(state.document()) > 0;
+                                    });
+                   }});
+  works.push_back({LOAD_AND_VALIDATE, "libtarn", [](const std::string& text, Memory memory) {
+                     return roundOn(std::make_shared<TarnState>(text, memory),
+                                    [](TarnState& state) { return state.load(true); });
+                   }});
+  works.push_back({VALIDATE, "libtarn", [](const std::string& text, Memory memory) {
+                     return roundOn(loaded(text, memory), [](TarnState& state) {
+                       return state.document().validate() == 0;
+                     });
+                   }});
+  works.push_back({PRINT, "libtarn", [](const std::string& text, Memory memory) {
+                     return roundOn(loaded(text, memory), [](TarnState& state) {
+                       std::string printed;
+                       libtarn::util::dumpTarnDocument(state.document(), printed);
+                       return !printed.empty();
+                     });
+                   }});
+  works.push_back({MERGE, "libtarn", [](const std::string& text, Memory memory) {
+                     return roundOn(std::make_shared<MergeState>(text, memory),
+                                    [](MergeState& state) {
+                                      return TarnMerge(state.source.document())
+                                          .mergeDocument(state.delta.document());
+                                    });
+                   }});
+  works.push_back({RELEASE, "libtarn", [](const std::string& text, Memory memory) {
+                     return roundOn(loaded(text, memory), [](TarnState& state) {
+                       state.release();
+                       return true;
+                     });
+                   }});
+}
+
+}  // namespace bench
