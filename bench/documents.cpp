@@ -73,10 +73,9 @@ void registerAll(const std::string& text) {
     for (const Memory memory : {Memory::COLD, Memory::WARM}) {
       const std::string name =
           work.task + "/" + work.library + (memory == Memory::COLD ? "/cold" : "/warm");
-      benchmark::RegisterBenchmark(name.c_str(),
-                                   [work, memory, &text](benchmark::State& state) {
-                                     measure(state, work, memory, text);
-                                   })
+      benchmark::RegisterBenchmark(
+          name.c_str(),
+          [work, memory, &text](benchmark::State& state) { measure(state, work, memory, text); })
           ->UseManualTime()
           ->Iterations(1)
           ->Unit(benchmark::kMillisecond);

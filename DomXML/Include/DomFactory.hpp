@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
+#include <new>
 
+#include "Assertion.hpp"
 #include "IMemoryPool.hpp"
 #include "rapidxml/rapidxml.hpp"
 
@@ -35,7 +38,12 @@ class DomFactory {
   IMemoryPool* getMemoryPool() const { return pool_; }
 
   /// Memory for one object of `size` bytes. Throws as allocateString(); never null (asserted).
-  void* allocateObject(std::size_t size);
+  void* allocateObject(std::size_t size) {
+    if (size > std::numeric_limits<unsigned int>::max()) throw std::bad_alloc();
+    void* const memory = pool_->allocateMemory(static_cast<unsigned int>(size));
+    TARN_ASSERT(memory, "memory");
+    return memory;
+  }
 
  private:
   void copyTexts(rapidxml::xml_base<char>& record, const char* name, const char* value,

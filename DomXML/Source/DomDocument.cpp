@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "MappedRegion.hpp"
 #include "rapidxml/rapidxml_print.hpp"
 
 namespace libDomXml {
@@ -24,7 +25,9 @@ DomDocument* DomDocument::createDomDocument(bool useMmap) {
   return document.release();
 }
 
-void DomDocument::useMmapPoolAllocator() { set_allocator(&mmapAlloc, &mmapFree); }
+void DomDocument::useMmapPoolAllocator() {
+  set_growing_allocator(&MappedRegion::allocate, &MappedRegion::release);
+}
 
 // Block from a memory map:
 //

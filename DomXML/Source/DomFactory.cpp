@@ -1,8 +1,6 @@
 #include "DomFactory.hpp"
 
 #include <cstring>
-#include <limits>
-#include <new>
 
 #include "DomAttribute.hpp"
 #include "DomElement.hpp"
@@ -11,13 +9,6 @@ namespace libDomXml {
 
 static_assert(alignof(DomElement) <= sizeof(void*) && alignof(DomAttribute) <= sizeof(void*),
               "a pool aligns to the size of a pointer");
-
-void* DomFactory::allocateObject(std::size_t size) {
-  if (size > std::numeric_limits<unsigned int>::max()) throw std::bad_alloc();
-  void* const memory = pool_->allocateMemory(static_cast<unsigned int>(size));
-  TARN_ASSERT(memory, "memory");
-  return memory;
-}
 
 char* DomFactory::allocateString(const char* source, std::size_t size) {
   TARN_ASSERT(source || size, "source || size");

@@ -27,8 +27,8 @@ bool parseEvents(ExpatState& state) {
   XML_SetUserData(parser, &state.events);
   XML_SetElementHandler(parser, countStart, countEnd);
   XML_SetCharacterDataHandler(parser, countText);
-  const bool done = XML_Parse(parser, state.text.data(), static_cast<int>(state.text.size()), 1) ==
-                    XML_STATUS_OK;
+  const bool done =
+      XML_Parse(parser, state.text.data(), static_cast<int>(state.text.size()), 1) == XML_STATUS_OK;
   XML_ParserFree(parser);
   return done && state.events > 0;
 }

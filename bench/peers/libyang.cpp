@@ -1,5 +1,5 @@
-// libyang with the same data as a YANG model (network.yang): a managed object is a list entry by its
-// name, and so are its parameters, lists and extensions.
+// libyang with the same data as a YANG model (network.yang): a managed object is a list entry by
+// its name, and so are its parameters, lists and extensions.
 
 #include <libyang/libyang.h>
 
@@ -39,8 +39,7 @@ std::string element(const char* name, const char* text) {
 }
 
 std::string parameter(const Scalar& scalar) {
-  return "<p>" + element("name", scalar.getName()) + element("value", scalar.getValue()) +
-         "</p>\n";
+  return "<p>" + element("name", scalar.getName()) + element("value", scalar.getValue()) + "</p>\n";
 }
 
 std::string listOf(const List& list) {

@@ -46,17 +46,17 @@ void addLimits(std::vector<Work>& works) {
                      return roundOn(std::make_shared<std::string>(text),
                                     [](const std::string& copy) { return countTags(copy) > 0; });
                    }});
-  works.push_back({LIMIT, "first touch of the tree's memory",
-                   [](const std::string& text, Memory /*memory*/) {
-                     const std::size_t size = TREE_FACTOR * text.size();
-                     return roundOn(std::make_shared<std::unique_ptr<char[]>>(),
-                                    [size](std::unique_ptr<char[]>& memory) {
-                                      memory.reset(new char[size]);
-                                      volatile char* const bytes = memory.get();
-                                      for (std::size_t i = 0; i < size; i += PAGE) bytes[i] = 1;
-                                      return bytes[0] == 1;
-                                    });
-                   }});
+  works.push_back(
+      {LIMIT, "first touch of the tree's memory", [](const std::string& text, Memory /*memory*/) {
+         const std::size_t size = TREE_FACTOR * text.size();
+         return roundOn(std::make_shared<std::unique_ptr<char[]>>(),
+                        [size](std::unique_ptr<char[]>& memory) {
+                          memory.reset(new char[size]);
+                          volatile char* const bytes = memory.get();
+                          for (std::size_t i = 0; i < size; i += PAGE) bytes[i] = 1;
+                          return bytes[0] == 1;
+                        });
+       }});
 }
 
 }  // namespace bench

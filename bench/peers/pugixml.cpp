@@ -117,9 +117,8 @@ void addPugixmlWorks(std::vector<Work>& works) {
                    }});
   works.push_back(
       {LOAD_AND_WALK, "pugixml and indexes", [](const std::string& text, Memory /*memory*/) {
-         return roundOn(std::make_shared<PugixmlState>(text), [](PugixmlState& state) {
-           return state.load() && walkIndexes(state) > 0;
-         });
+         return roundOn(std::make_shared<PugixmlState>(text),
+                        [](PugixmlState& state) { return state.load() && walkIndexes(state) > 0; });
        }});
   works.push_back({PRINT, "pugixml", [](const std::string& text, Memory /*memory*/) {
                      return roundOn(parsed(text), [](PugixmlState& state) {

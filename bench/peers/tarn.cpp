@@ -150,13 +150,12 @@ void addTarnWorks(std::vector<Work>& works) {
                        return !printed.empty();
                      });
                    }});
-  works.push_back({MERGE, "libtarn", [](const std::string& text, Memory memory) {
-                     return roundOn(std::make_shared<MergeState>(text, memory),
-                                    [](MergeState& state) {
-                                      return TarnMerge(state.source.document())
-                                          .mergeDocument(state.delta.document());
-                                    });
-                   }});
+  works.push_back(
+      {MERGE, "libtarn", [](const std::string& text, Memory memory) {
+         return roundOn(std::make_shared<MergeState>(text, memory), [](MergeState& state) {
+           return TarnMerge(state.source.document()).mergeDocument(state.delta.document());
+         });
+       }});
   works.push_back({RELEASE, "libtarn", [](const std::string& text, Memory memory) {
                      return roundOn(loaded(text, memory), [](TarnState& state) {
                        state.release();

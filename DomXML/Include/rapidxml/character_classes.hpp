@@ -63,7 +63,8 @@ constexpr character_table without_ampersand(character_table table) {
 /// The characters of `Class` that can be taken over as they are.
 template <class Class>
 struct without_references {
-  [[gnu::visibility("hidden")]] static constexpr character_table table = without_ampersand(Class::table);
+  [[gnu::visibility("hidden")]] static constexpr character_table table =
+      without_ampersand(Class::table);
 };
 
 template <class Class>

@@ -49,6 +49,9 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
  public:
   using alloc_func = void*(std::size_t);
   using free_func = void(void*);
+  /// As alloc_func, told the newest block of the pool (null for the first), so that it can give
+  /// blocks from larger pieces.
+  using alloc_next_func = void*(std::size_t, void*);
 
   /// Alignment of every result in bytes.
   static constexpr std::size_t alignment = sizeof(void*);
@@ -97,9 +100,15 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
   /// Installs where blocks come from and go to, before anything has been allocated (asserted).
   /// `allocate` must not return null (asserted when it does).
   void set_allocator(alloc_func* allocate, free_func* release) {
-    TARN_ASSERT(m_begin == m_static_memory && m_ptr == align(m_begin),
-                "m_begin == m_static_memory && m_ptr == align(m_begin)");
+    assert_unused();
     m_alloc_func = allocate;
+    m_alloc_next_func = nullptr;
+    m_free_func = release;
+  }
+  void set_growing_allocator(alloc_next_func* allocate, free_func* release) {
+    assert_unused();
+    m_alloc_func = nullptr;
+    m_alloc_next_func = allocate;
     m_free_func = release;
   }
 
@@ -113,6 +122,7 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
     if (result > m_end || size > static_cast<std::size_t>(m_end - result)) {
       return allocate_in_new_block(size);
     }
+    __builtin_prefetch(result + 512, 1);
     m_ptr = result + size;
     return result;
   }
@@ -144,12 +154,20 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
     return result;
   }
 
+  void assert_unused() const {
+    TARN_ASSERT(m_begin == m_static_memory && m_ptr == align(m_begin),
+                "m_begin == m_static_memory && m_ptr == align(m_begin)");
+  }
+
   char* allocate_raw(std::size_t size) {
-    if (!m_alloc_func) return new char[size];
-    void* const memory = m_alloc_func(size);
+    if (!m_alloc_func && !m_alloc_next_func) return new char[size];
+    void* const memory =
+        m_alloc_func ? m_alloc_func(size) : m_alloc_next_func(size, newest_block());
     TARN_ASSERT(memory, "memory");
     return static_cast<char*>(memory);
   }
+
+  void* newest_block() const { return m_begin == m_static_memory ? nullptr : m_begin; }
 
   static void set_texts(xml_base<Ch>& record, const Ch* name, const Ch* value,
                         std::size_t name_size, std::size_t value_size) {
@@ -163,6 +181,7 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
   char m_static_memory[static_pool_size];
   std::size_t m_block_bytes = 0;
   alloc_func* m_alloc_func = nullptr;
+  alloc_next_func* m_alloc_next_func = nullptr;
   free_func* m_free_func = nullptr;
 };
 

@@ -83,7 +83,8 @@ class wide_block {
   static bool any(mask matches) { return _mm_movemask_epi8(matches) != 0; }
   static mask none_of(mask matches) { return _mm_xor_si128(matches, _mm_set1_epi8(-1)); }
   static std::size_t first(mask matches) {
-    return static_cast<std::size_t>(__builtin_ctz(static_cast<unsigned>(_mm_movemask_epi8(matches))));
+    return static_cast<std::size_t>(
+        __builtin_ctz(static_cast<unsigned>(_mm_movemask_epi8(matches))));
   }
 
  private:
@@ -125,8 +126,8 @@ using wide_block = word_block;
 
 #endif
 
-// Where a run of a class of characters ends: `ends` gives a mask of the bytes of a block at which it
-// may end, none of which is zero; unless `exact`, the class itself decides.
+// Where a run of a class of characters ends: `ends` gives a mask of the bytes of a block at which
+// it may end, none of which is zero; unless `exact`, the class itself decides.
 
 template <class Class>
 struct run_of;

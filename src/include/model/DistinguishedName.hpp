@@ -12,7 +12,7 @@ namespace model {
 class DistinguishedName {
  public:
   /// The attribute that holds an object's name.
-  static const char* const ATTR_NAME;
+  static constexpr const char* ATTR_NAME = "distName";
 
   DistinguishedName(const char* text) : distNameString_(text) {}  // NOLINT: converts
 

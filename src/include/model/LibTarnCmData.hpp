@@ -34,7 +34,7 @@ class LibTarnCmData : public IElement {
     explicit Type(const char* text) : Enum(text) {}
   };
 
-  static const char* const TAG_NAME;
+  static constexpr const char* TAG_NAME = "cmData";
 
   LibTarnCmData* getNextSiblingElement() const override = 0;
 

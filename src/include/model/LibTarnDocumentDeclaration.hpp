@@ -12,7 +12,7 @@ namespace model {
 /// The XML declaration of a document. A document has one, used again by every parse.
 class LibTarnDocumentDeclaration : public TarnDomElement {
  public:
-  static const char* const TAG_NAME;
+  static constexpr const char* TAG_NAME = "xml";
 
   explicit LibTarnDocumentDeclaration(libDomXml::IMemoryPool* pool);
 

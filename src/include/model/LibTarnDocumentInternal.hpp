@@ -17,7 +17,7 @@ class TarnDomDocument;
 /// parse.
 class LibTarnDocumentInternal : public TarnDomElement, public IElement {
  public:
-  static const char* const TAG_NAME;
+  static constexpr const char* TAG_NAME = "tarn";
 
   explicit LibTarnDocumentInternal(TarnDomDocument* document);
 

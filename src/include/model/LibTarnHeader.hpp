@@ -17,7 +17,7 @@ class TarnDomElement;
 /// Lifetime and threads as for every IElement.
 class LibTarnHeader : public IElement {
  public:
-  static const char* const TAG_NAME;
+  static constexpr const char* TAG_NAME = "header";
   /// Most entries after an addLog().
   static const unsigned int MAX_LOG_COUNT;
 

@@ -13,7 +13,10 @@ namespace model {
 /// Node class of LibTarnHeader.
 class LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
  public:
-  LibTarnHeaderImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
+  LibTarnHeaderImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
+      : TarnDomElement(pool), factory_(factory) {
+    xml_base::name(TAG_NAME);
+  }
 
   using TarnDomElement::clone;
   LibTarnHeaderImp* clone() const override;

@@ -42,7 +42,7 @@ class LibTarnManagedObject : public IElement {
     explicit Operation(const char* text) : Enum(text) {}
   };
 
-  static const char* const TAG_NAME;
+  static constexpr const char* TAG_NAME = "managedObject";
 
   LibTarnManagedObject* getNextSiblingElement() const override = 0;
 

@@ -16,7 +16,7 @@ class Structure;
 /// Lifetime and threads as for every IElement.
 class List : public IElement {
  public:
-  static const char* const TAG_NAME;
+  static constexpr const char* TAG_NAME = "list";
 
   List* getNextSiblingElement() const override = 0;
 

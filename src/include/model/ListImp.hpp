@@ -16,7 +16,10 @@ namespace model {
 /// Node class of List.
 class ListImp : public TarnDomElement, public List {
  public:
-  ListImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
+  ListImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
+      : TarnDomElement(pool), factory_(factory) {
+    xml_base::name(TAG_NAME);
+  }
 
   using TarnDomElement::clone;
   ListImp* clone() const override;

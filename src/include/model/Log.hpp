@@ -10,7 +10,7 @@ namespace model {
 /// Lifetime and threads as for every IElement.
 class Log : public IElement {
  public:
-  static const char* const TAG_NAME;
+  static constexpr const char* TAG_NAME = "log";
   /// Form of "dateTime", in local time, as strftime takes it.
   static const char* const DATETIME_FORMAT;
 

@@ -16,7 +16,10 @@ namespace model {
 /// Node class of Log.
 class LogImp : public TarnDomElement, public Log {
  public:
-  LogImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
+  LogImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
+      : TarnDomElement(pool), factory_(factory) {
+    xml_base::name(TAG_NAME);
+  }
 
   using TarnDomElement::clone;
   LogImp* clone() const override;

@@ -12,7 +12,7 @@ namespace model {
 /// Lifetime and threads as for every IElement.
 class Scalar : public IElement {
  public:
-  static const char* const TAG_NAME;
+  static constexpr const char* TAG_NAME = "p";
 
   Scalar* getNextSiblingElement() const override = 0;
 

@@ -15,7 +15,10 @@ namespace model {
 /// Node class of Scalar.
 class ScalarImp : public TarnDomElement, public Scalar {
  public:
-  ScalarImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
+  ScalarImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
+      : TarnDomElement(pool), factory_(factory) {
+    xml_base::name(TAG_NAME);
+  }
 
   using TarnDomElement::clone;
   ScalarImp* clone() const override;

@@ -16,7 +16,7 @@ class Scalar;
 /// Lifetime and threads as for every IElement.
 class Structure : public IElement {
  public:
-  static const char* const TAG_NAME;
+  static constexpr const char* TAG_NAME = "item";
 
   Structure* getNextSiblingElement() const override = 0;
 

@@ -70,6 +70,9 @@ class TarnDomDocument : public libDomXml::DomDocument {
  private:
   struct Events;
 
+  TarnDomElement* makeTarnElement(const char* name, std::size_t size);
+  template <class Element>
+  Element* makeNode();
   TarnDomElement* reuseDeclaration();
   TarnDomElement* reuseRoot(const char* nameEnd);
   bool isTopLevelNode();

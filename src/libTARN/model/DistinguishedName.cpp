@@ -8,8 +8,6 @@
 namespace libtarn {
 namespace model {
 
-const char* const DistinguishedName::ATTR_NAME = "distName";
-
 bool DistinguishedName::operator==(const DistinguishedName& other) const {
   TARN_ASSERT(0 != distNameString_ && 0 != other.distNameString_,
               "0 != distNameString && 0 != other.distNameString");

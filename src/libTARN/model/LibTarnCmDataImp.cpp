@@ -28,8 +28,6 @@ DistinguishedName nameOf(const LibTarnManagedObject& object) {
 
 }  // namespace
 
-const char* const LibTarnCmData::TAG_NAME = "cmData";
-
 // The order gives the ordinals.
 const LibTarnCmData::Type LibTarnCmData::Type::ACTUAL("actual");
 const LibTarnCmData::Type LibTarnCmData::Type::PLAN("plan");

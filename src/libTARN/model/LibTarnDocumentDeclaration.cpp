@@ -16,8 +16,6 @@ constexpr const char* CANNOT_BE_CLONED = "Document declaration cannot be cloned.
 
 }  // namespace
 
-const char* const LibTarnDocumentDeclaration::TAG_NAME = "xml";
-
 LibTarnDocumentDeclaration::LibTarnDocumentDeclaration(libDomXml::IMemoryPool* pool)
     : TarnDomElement(pool) {
   xml_base::name(TAG_NAME);

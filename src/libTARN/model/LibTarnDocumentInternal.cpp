@@ -14,8 +14,6 @@
 namespace libtarn {
 namespace model {
 
-const char* const LibTarnDocumentInternal::TAG_NAME = "tarn";
-
 LibTarnDocumentInternal::LibTarnDocumentInternal(TarnDomDocument* document)
     : TarnDomElement(document), document_(document) {
   xml_base::name(TAG_NAME);

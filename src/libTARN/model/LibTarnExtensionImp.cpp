@@ -10,8 +10,6 @@
 namespace libtarn {
 namespace model {
 
-const char* const LibTarnExtension::TAG_NAME = "extension";
-
 LibTarnExtensionImp::LibTarnExtensionImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
     : TarnDomElement(pool), parameters_(NAME_ATTRIBUTE), factory_(factory) {
   xml_base::name(TAG_NAME);

@@ -12,13 +12,7 @@
 namespace libtarn {
 namespace model {
 
-const char* const LibTarnHeader::TAG_NAME = "header";
 const unsigned int LibTarnHeader::MAX_LOG_COUNT = 50;
-
-LibTarnHeaderImp::LibTarnHeaderImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-    : TarnDomElement(pool), factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
 
 LibTarnHeaderImp* LibTarnHeaderImp::clone() const { return clone(factory_); }
 

@@ -44,7 +44,6 @@ std::vector<std::string> namesOf(const Collection& collection) {
 
 }  // namespace
 
-const char* const LibTarnManagedObject::TAG_NAME = "managedObject";
 const char* const LibTarnManagedObjectImp::UNIQUE_CONTAINER_ID_ATTR_NAME = NAME_ATTRIBUTE;
 
 // The order gives the ordinals.

@@ -13,13 +13,6 @@
 namespace libtarn {
 namespace model {
 
-const char* const List::TAG_NAME = "list";
-
-ListImp::ListImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-    : TarnDomElement(pool), factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
-
 ListImp* ListImp::clone() const { return clone(factory_); }
 
 ListImp* ListImp::clone(util::TarnFactory& factory) const {

@@ -19,13 +19,7 @@ constexpr const char* CHANGED_LOCATION = "src/libTARN/model/LogImp.cpp:72";
 
 }  // namespace
 
-const char* const Log::TAG_NAME = "log";
 const char* const Log::DATETIME_FORMAT = "%a %b %d %H:%M:%S %z %Y";
-
-LogImp::LogImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-    : TarnDomElement(pool), factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
 
 LogImp* LogImp::clone() const { return clone(factory_); }
 

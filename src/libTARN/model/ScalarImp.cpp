@@ -13,13 +13,6 @@
 namespace libtarn {
 namespace model {
 
-const char* const Scalar::TAG_NAME = "p";
-
-ScalarImp::ScalarImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-    : TarnDomElement(pool), factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
-
 ScalarImp* ScalarImp::clone() const { return clone(factory_); }
 
 ScalarImp* ScalarImp::clone(util::TarnFactory& factory) const {

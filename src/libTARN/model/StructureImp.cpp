@@ -17,8 +17,6 @@
 namespace libtarn {
 namespace model {
 
-const char* const Structure::TAG_NAME = "item";
-
 StructureImp::StructureImp(libDomXml::IMemoryPool* pool,
                            const indexation::ITarnIndexFactory* indexFactory,
                            util::TarnFactory& factory)

@@ -77,38 +77,60 @@ TarnDomElement* TarnDomDocument::reuseRoot(const char* nameEnd) {
   return root_;
 }
 
-// The first tag of which the name is a beginning decides, so that "manag" is a managed object.
+// A node as the factory would make it, without asking for the memory by way of a virtual function.
+template <class Element>
+Element* TarnDomDocument::makeNode() {
+  static_assert(alignof(Element) <= alignment, "a pool aligns to the size of a pointer");
+  return new (allocate_aligned(sizeof(Element))) Element(this, factory_);
+}
+
+// The first tag of which the name is a beginning decides, so that "manag" is a managed object. The
+// tags differ in their first letters, but that "log" comes before "list".
+TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::size_t size) {
+  const auto begins = [name, size](const char* tag) {
+    std::size_t i = 1;
+    while (i < size && name[i] == tag[i]) ++i;
+    return i == size;
+  };
+  switch (*name) {
+    case 'm':
+      if (begins(LibTarnManagedObject::TAG_NAME)) return allocateTarnManagedObjectNode();
+      break;
+    case 't':
+      if (begins(LibTarnDocumentInternal::TAG_NAME)) return reuseRoot(name + size);
+      break;
+    case 'c':
+      if (begins(LibTarnCmData::TAG_NAME)) return allocateTarnCmDataNode();
+      break;
+    case 'h':
+      if (begins(LibTarnHeader::TAG_NAME)) return makeNode<LibTarnHeaderImp>();
+      break;
+    case 'l':
+      if (begins(Log::TAG_NAME)) return makeNode<LogImp>();
+      if (begins(List::TAG_NAME)) return makeNode<ListImp>();
+      break;
+    case 'p':
+      if (begins(Scalar::TAG_NAME)) return makeNode<ScalarImp>();
+      break;
+    case 'i':
+      if (begins(Structure::TAG_NAME)) return allocateStructureNode();
+      break;
+    case 'e':
+      if (begins(LibTarnExtension::TAG_NAME)) return makeNode<LibTarnExtensionImp>();
+      break;
+    default:
+      break;
+  }
+  throw rapidxml::parse_error("unknown TARN object", const_cast<char*>(name + size));
+}
+
 TarnDomElement* TarnDomDocument::createTarnElement() {
   const char* const name = parsePosition_;
   std::size_t size = 0;
   while (name && rapidxml::internal::contains<rapidxml::internal::node_name>(name[size])) ++size;
   if (size == 0) throw rapidxml::parse_error("expected element name", parsePosition_);
 
-  const auto begins = [name, size](const char* tag) {
-    return *name == *tag && std::strncmp(name, tag, size) == 0;
-  };
-  TarnDomElement* element = nullptr;
-  if (begins(LibTarnManagedObject::TAG_NAME)) {
-    element = allocateTarnManagedObjectNode();
-  } else if (begins(LibTarnDocumentInternal::TAG_NAME)) {
-    element = reuseRoot(name + size);
-  } else if (begins(LibTarnCmData::TAG_NAME)) {
-    element = allocateTarnCmDataNode();
-  } else if (begins(LibTarnHeader::TAG_NAME)) {
-    element = factory_.allocateHeaderNode();
-  } else if (begins(Log::TAG_NAME)) {
-    element = factory_.allocateLogNode();
-  } else if (begins(List::TAG_NAME)) {
-    element = factory_.allocateListNode();
-  } else if (begins(Scalar::TAG_NAME)) {
-    element = factory_.allocateScalarNode();
-  } else if (begins(Structure::TAG_NAME)) {
-    element = allocateStructureNode();
-  } else if (begins(LibTarnExtension::TAG_NAME)) {
-    element = factory_.allocateExtensionNode();
-  } else {
-    throw rapidxml::parse_error("unknown TARN object", const_cast<char*>(name + size));
-  }
+  TarnDomElement* const element = makeTarnElement(name, size);
   beforeTopLevelNode_ = false;
   // Spares the parser a second scan of the name.
   element->rapidxml::xml_base<char>::name(name, size);

@@ -28,6 +28,14 @@ class ITarnUniqueIndex {
   virtual std::size_t size() const = 0;
 
   virtual ~ITarnUniqueIndex() = default;
+
+  /// Adds `count` entries of different names all at once, in effect from when `condition` becomes
+  /// true, which must live as long as the index; `sorted` when they are in order. An index that was
+  /// given any before, or that does not offer this, answers false and adds nothing.
+  virtual bool addOnceTrue(const bool& /*condition*/, const ParameterEntry<T>* /*entries*/,
+                           std::size_t /*count*/, bool /*sorted*/) {
+    return false;
+  }
 };
 
 }  // namespace indexation

@@ -9,16 +9,15 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
-template <class Entry, class Order>
-class EntryTree;
-template <class Entry>
-struct NameOrder;
+template <class T>
+struct NamedEntries;
 
 /// An ordered index of elements by name, all of it in a pool.
 ///
 /// Look-up, add and remove cost O(log n); adding in the order of the names costs one comparison
-/// each. Nothing is taken from the pool before the first add. When the pool has no memory add()
-/// throws std::bad_alloc and changes nothing. Instantiated for Scalar and List.
+/// each. Entries that were taken over unsorted are sorted when they are first asked for. Nothing is
+/// taken from the pool before the first add. When the pool has no memory the operation throws
+/// std::bad_alloc and changes nothing. Instantiated for Scalar and List.
 template <class T, class Extractor>
 class TarnMapIndex : public ITarnUniqueIndex<T> {
  public:
@@ -30,12 +29,18 @@ class TarnMapIndex : public ITarnUniqueIndex<T> {
   T* find(const char* name) const override;
   TarnCollection<ParameterEntry<T>> getCollection() const override;
   std::size_t size() const override;
+  bool addOnceTrue(const bool& condition, const ParameterEntry<T>* entries, std::size_t count,
+                   bool sorted) override;
 
  private:
-  using Tree = EntryTree<ParameterEntry<T>, NameOrder<ParameterEntry<T>>>;
+  using Entry = ParameterEntry<T>;
+
+  // The entries, null when there are none, as they are or in order.
+  NamedEntries<T>* current() const;
+  NamedEntries<T>* ordered() const;
 
   libDomXml::IMemoryPool* pool_;
-  Tree* tree_ = nullptr;  // made by the first add: many elements have nothing to index
+  NamedEntries<T>* entries_ = nullptr;  // made by the first add: many elements have none
 };
 
 extern template class TarnMapIndex<Scalar, ScalarNameExtractor>;

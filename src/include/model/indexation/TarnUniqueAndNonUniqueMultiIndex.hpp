@@ -9,6 +9,7 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
+class ObjectTable;
 template <class Entry, class Order>
 class EntryTree;
 struct UniqueKeyOrder;
@@ -16,10 +17,11 @@ struct SharedKeyOrder;
 
 /// An ordered index of managed objects with two views, by name and by class, all of it in a pool.
 ///
-/// Look-up, add and remove cost O(log n); adding in the order of the names costs one comparison
-/// each. The view by class is built when it is first asked for, in O(n log n), and kept in step
-/// from then on. When the pool has no memory add() and the building of that view throw
-/// std::bad_alloc and change nothing.
+/// Objects are found by name in a hash table. Each of the two views is built when an order is first
+/// asked for, in O(n log n), and kept in step from then on; until then add and remove cost O(1),
+/// and O(log n) from then on. Names that crowd the hash table only make the index use the view by
+/// name in its place. When the pool has no memory the operation throws std::bad_alloc and changes
+/// nothing.
 /// Instantiated for LibTarnManagedObject.
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 class TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUniqueMultiIndex<T> {
@@ -33,17 +35,27 @@ class TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUniqueMultiInde
   ManagedObjectCollection getCollection() const override;
   std::size_t size() const override;
   void clear() override;
+  bool addOnceTrue(const bool& condition, T* element) override;
 
  private:
   using UniqueView = EntryTree<ManagedObjectEntry, UniqueKeyOrder>;
   using SharedView = EntryTree<ManagedObjectEntry, SharedKeyOrder>;
 
-  void buildSharedView() const;
+  bool isInEffect() const { return !condition_ || *condition_; }
+  const ManagedObjectEntry* findEntry(const char* key) const;
+  bool addToAll(const ManagedObjectEntry& entry);
+  bool addUnique(const ManagedObjectEntry& entry);
+  void eraseUnique(const char* key);
+  UniqueView& uniqueView() const;
+  SharedView& sharedView() const;
   void eraseFromSharedView(const ManagedObjectEntry& entry);
 
   libDomXml::IMemoryPool* pool_;
-  UniqueView* uniqueView_ = nullptr;          // made by the first add
-  mutable SharedView* sharedView_ = nullptr;  // made when it is first asked for
+  ObjectTable* table_ = nullptr;              // made by the first add; null when names crowd it
+  mutable UniqueView* uniqueView_ = nullptr;  // made when it is first asked for
+  mutable SharedView* sharedView_ = nullptr;  // likewise
+  const bool* condition_ = nullptr;
+  std::size_t size_ = 0;
   std::size_t nextSerial_ = 0;
 };
 

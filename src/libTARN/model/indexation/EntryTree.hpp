@@ -9,11 +9,13 @@
 // been removed may stand there; their key texts stay readable as long as the pool.
 //
 // Leaf:   | run: begin, end, next leaf | previous leaf | capacity | entry, entry, ...        |
+//         the entries may also lie elsewhere
 // Inner:  | count | children [fanout] | first entries of the children [fanout]               |
 //
 // The only leaf of a small tree grows by doubling. A full leaf is split in halves, or, when the new
 // entry comes behind all others, left full and followed by a new one: entries that come in order
-// cost one comparison each and fill their leaves. Nothing is balanced on removal; a leaf that
+// cost one comparison each and fill their leaves. An array of entries in order becomes a tree
+// without a comparison: its leaves are pieces of the array. Nothing is balanced on removal; a leaf that
 // becomes empty is taken out. Add, find and erase cost O(log n) comparisons. What a node replaces
 // is abandoned, since the pool takes nothing back.
 //
@@ -89,6 +91,16 @@ class EntryTree {
     return true;
   }
 
+  /// Takes `count` entries that are in order, no two of them equal, where they lie; the tree must be
+  /// empty. The array then belongs to the tree.
+  void takeSorted(Entry* entries, std::size_t count) {
+    for (; count > leaf_capacity; count -= leaf_capacity) {
+      appendLeaf(leafOver(entries, leaf_capacity));
+      entries += leaf_capacity;
+    }
+    if (count > 0) appendLeaf(root_ ? leafWith(entries, count) : leafOver(entries, count));
+  }
+
   /// False when no equal entry is there.
   bool erase(const Entry& key) {
     if (!root_) return false;
@@ -121,7 +133,7 @@ class EntryTree {
     Leaf* previous;
     std::size_t capacity;
 
-    Entry* entries() { return reinterpret_cast<Entry*>(this + 1); }
+    Entry* entries() { return const_cast<Entry*>(this->begin); }
   };
   static_assert(alignof(Entry) <= alignof(void*) && sizeof(Leaf) % alignof(Entry) == 0,
                 "entries follow their leaf in memory that is aligned for pointers");
@@ -175,7 +187,7 @@ class EntryTree {
   Leaf* newLeaf(std::size_t capacity) {
     void* const memory = allocator_.allocate(sizeof(Leaf) + capacity * sizeof(Entry));
     auto* const leaf = new (memory) Leaf;
-    leaf->begin = leaf->entries();
+    leaf->begin = reinterpret_cast<Entry*>(leaf + 1);
     leaf->end = leaf->begin;
     leaf->next = nullptr;
     leaf->previous = nullptr;
@@ -183,9 +195,26 @@ class EntryTree {
     return leaf;
   }
 
+  Leaf* leafOver(Entry* entries, std::size_t count) {
+    auto* const leaf = new (allocator_.allocate(sizeof(Leaf))) Leaf;
+    leaf->begin = entries;
+    leaf->end = entries + count;
+    leaf->next = nullptr;
+    leaf->previous = nullptr;
+    leaf->capacity = count;
+    return leaf;
+  }
+
   Inner* newInner() {
     void* const memory = allocator_.allocate(sizeof(Inner));
     return new (memory) Inner;
+  }
+
+  // Only a leaf that is the whole tree is smaller than the others.
+  Leaf* leafWith(const Entry* entries, std::size_t count) {
+    Leaf* const leaf = newLeaf(leaf_capacity);
+    leaf->end = std::copy(entries, entries + count, leaf->entries());
+    return leaf;
   }
 
   static void insertInto(Leaf* leaf, std::size_t index, const Entry& entry) {
@@ -222,9 +251,8 @@ class EntryTree {
     split(leaf, index, entry, path);
   }
 
-  // Only a leaf that is the whole tree is smaller than the others.
   Leaf* growOnlyLeaf(Leaf* leaf) {
-    Leaf* const larger = newLeaf(2 * leaf->capacity);
+    Leaf* const larger = newLeaf(std::min(2 * leaf->capacity, leaf_capacity));
     std::copy(leaf->begin, leaf->end, larger->entries());
     larger->end += count(leaf);
     root_ = first_ = last_ = larger;
@@ -233,30 +261,69 @@ class EntryTree {
 
   // The nodes that a split needs are taken from the pool before anything is changed.
   void split(Leaf* leaf, std::size_t index, const Entry& entry, const Path& path) {
-    std::size_t fullLevels = 0;
-    while (fullLevels < height_ && path[fullLevels].node->count == fanout) ++fullLevels;
-    const bool needsRoot = fullLevels == height_;
-    std::array<Inner*, max_height> spare{};
-    const std::size_t needed = fullLevels + (needsRoot ? 1 : 0);
     Leaf* const right = newLeaf(leaf_capacity);
-    for (std::size_t i = 0; i < needed; ++i) spare[i] = newInner();
-
+    const SpareNodes spare = takeSpareNodes(path);
     splitLeaf(leaf, right, index, entry);
+    hangIn(right, path, spare);
+  }
+
+  // The inner nodes that are needed to hang one more leaf in behind the one at the path's end.
+  struct SpareNodes {
+    std::size_t fullLevels = 0;
+    std::array<Inner*, max_height> nodes{};
+  };
+
+  SpareNodes takeSpareNodes(const Path& path) {
+    SpareNodes spare;
+    while (spare.fullLevels < height_ && path[spare.fullLevels].node->count == fanout) {
+      ++spare.fullLevels;
+    }
+    const std::size_t needed = spare.fullLevels + (spare.fullLevels == height_ ? 1 : 0);
+    for (std::size_t i = 0; i < needed; ++i) spare.nodes[i] = newInner();
+    return spare;
+  }
+
+  void hangIn(Leaf* right, const Path& path, const SpareNodes& spare) {
     void* child = right;
     Entry first = *right->begin;
-    for (std::size_t level = 0; level < fullLevels; ++level) {
-      first = splitInner(path[level], spare[level], child, first);
-      child = spare[level];
+    for (std::size_t level = 0; level < spare.fullLevels; ++level) {
+      first = splitInner(path[level], spare.nodes[level], child, first);
+      child = spare.nodes[level];
     }
-    if (!needsRoot) {
-      insertInto(path[fullLevels].node, path[fullLevels].index + 1, child, first);
+    if (spare.fullLevels < height_) {
+      const Step& step = path[spare.fullLevels];
+      insertInto(step.node, step.index + 1, child, first);
       return;
     }
-    Inner* const root = spare[fullLevels];
+    Inner* const root = spare.nodes[spare.fullLevels];
     insertInto(root, 0, root_, first);
     insertInto(root, 1, child, first);
     root_ = root;
     ++height_;
+  }
+
+  // Behind all others.
+  void appendLeaf(Leaf* leaf) {
+    if (root_) {
+      const Path path = pathToLast();
+      const SpareNodes spare = takeSpareNodes(path);
+      linkBehind(last_, leaf);
+      hangIn(leaf, path, spare);
+    } else {
+      root_ = first_ = last_ = leaf;
+    }
+    size_ += count(leaf);
+  }
+
+  Path pathToLast() const {
+    Path path;
+    void* node = root_;
+    for (std::size_t level = height_; level > 0; --level) {
+      auto* const inner = static_cast<Inner*>(node);
+      path[level - 1] = {inner, inner->count - 1};
+      node = inner->children[inner->count - 1];
+    }
+    return path;
   }
 
   void splitLeaf(Leaf* leaf, Leaf* right, std::size_t index, const Entry& entry) {

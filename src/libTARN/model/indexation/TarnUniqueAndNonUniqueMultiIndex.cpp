@@ -1,8 +1,10 @@
 #include "model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
 
+#include <algorithm>
 #include <limits>
 
 #include "EntryTree.hpp"
+#include "ObjectTable.hpp"
 #include "model/indexation/CharComparePredicate.hpp"
 
 namespace libtarn {
@@ -24,92 +26,164 @@ struct SharedKeyOrder {
   }
 };
 
+namespace {
+
+// A view of `count` entries that `forEach` gives, in the order of the view.
+template <class View, class Order, class ForEach>
+View* makeView(libDomXml::IMemoryPool* pool, std::size_t count, ForEach forEach) {
+  auto* const view = new (TarnAllocator<View>(pool).allocate(1)) View(pool);
+  if (count == 0) return view;
+  ManagedObjectEntry* const entries = TarnAllocator<ManagedObjectEntry>(pool).allocate(count);
+  ManagedObjectEntry* end = entries;
+  forEach([&end](const ManagedObjectEntry& entry) { *end++ = entry; });
+  std::sort(entries, end, [](const ManagedObjectEntry& a, const ManagedObjectEntry& b) {
+    return Order::compare(a, b) < 0;
+  });
+  view->takeSorted(entries, count);
+  return view;
+}
+
+}  // namespace
+
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::add(T* element) {
-  if (!uniqueView_) {
-    uniqueView_ = new (TarnAllocator<UniqueView>(pool_).allocate(1)) UniqueView(pool_);
-  }
-  const ManagedObjectEntry entry{UniqueExtractor()(element), element, nextSerial_};
-  if (!uniqueView_->add(entry)) return false;
+  if (!isInEffect()) clear();
+  condition_ = nullptr;
+  return addToAll({UniqueExtractor()(element), element, nextSerial_});
+}
+
+template <class T, class UniqueExtractor, class NonUniqueExtractor>
+bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addOnceTrue(const bool& condition, T* element) {
+  if (condition_ ? condition_ != &condition : size_ > 0) return false;
+  if (!addToAll({UniqueExtractor()(element), element, nextSerial_})) return false;
+  condition_ = &condition;
+  return true;
+}
+
+template <class T, class UniqueExtractor, class NonUniqueExtractor>
+bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addToAll(const ManagedObjectEntry& entry) {
+  if (!addUnique(entry)) return false;
   if (sharedView_) {
     try {
-      sharedView_->add({NonUniqueExtractor()(element), element, nextSerial_});
+      sharedView_->add({NonUniqueExtractor()(entry.object), entry.object, entry.serial});
     } catch (...) {
-      uniqueView_->erase(entry);
+      eraseUnique(entry.key);
       throw;
     }
   }
   ++nextSerial_;
+  ++size_;
   return true;
+}
+
+template <class T, class UniqueExtractor, class NonUniqueExtractor>
+bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addUnique(const ManagedObjectEntry& entry) {
+  if (!table_ && !uniqueView_) table_ = new (TarnAllocator<ObjectTable>(pool_).allocate(1)) ObjectTable(pool_);
+  if (!table_) return uniqueView_->add(entry);
+  const ObjectTable::Added added = table_->add(entry);
+  if (added == ObjectTable::Added::CROWDED) {
+    UniqueView& view = uniqueView();
+    table_ = nullptr;
+    return view.add(entry);
+  }
+  if (added == ObjectTable::Added::DUPLICATE) return false;
+  if (!uniqueView_) return true;
+  try {
+    return uniqueView_->add(entry);
+  } catch (...) {
+    table_->erase(entry.key);
+    throw;
+  }
+}
+
+template <class T, class UniqueExtractor, class NonUniqueExtractor>
+void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::eraseUnique(const char* key) {
+  if (table_) table_->erase(key);
+  if (uniqueView_) uniqueView_->erase({key, nullptr, 0});
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::remove(T* element) {
-  if (!uniqueView_) return false;
-  const ManagedObjectEntry key{UniqueExtractor()(element), nullptr, 0};
-  const ManagedObjectEntry* const found = uniqueView_->find(key);
+  const char* const key = UniqueExtractor()(element);
+  const ManagedObjectEntry* const found = findEntry(key);
   if (!found) return false;
   if (sharedView_) eraseFromSharedView(*found);
-  uniqueView_->erase(key);
+  eraseUnique(key);
+  --size_;
   return true;
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-T* TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::findUniqueElement(
-    const char* key) const {
-  const ManagedObjectEntry* const entry =
-      uniqueView_ ? uniqueView_->find({key, nullptr, 0}) : nullptr;
+const ManagedObjectEntry* TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::findEntry(const char* key) const {
+  if (!isInEffect()) return nullptr;
+  if (table_) return table_->find(key);
+  return uniqueView_ ? uniqueView_->find({key, nullptr, 0}) : nullptr;
+}
+
+template <class T, class UniqueExtractor, class NonUniqueExtractor>
+T* TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::findUniqueElement(const char* key) const {
+  const ManagedObjectEntry* const entry = findEntry(key);
   return entry ? entry->object : nullptr;
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-ManagedObjectCollection
-TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getNonUniqueCollection(
-    const char* key) const {
-  if (!uniqueView_) return {};
-  if (!sharedView_) buildSharedView();
+ManagedObjectCollection TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getNonUniqueCollection(const char* key) const {
+  if (size() == 0) return {};
   // No serial reaches the largest number.
-  const auto first = sharedView_->lowerBound({key, nullptr, 0});
+  const auto first = sharedView().lowerBound({key, nullptr, 0});
   const auto last =
-      sharedView_->lowerBound({key, nullptr, std::numeric_limits<std::size_t>::max()});
+      sharedView().lowerBound({key, nullptr, std::numeric_limits<std::size_t>::max()});
   return {first, last};
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-ManagedObjectCollection
-TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getCollection() const {
-  return uniqueView_ ? uniqueView_->collection() : ManagedObjectCollection();
+ManagedObjectCollection TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getCollection() const {
+  return size() == 0 ? ManagedObjectCollection() : uniqueView().collection();
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 std::size_t TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::size() const {
-  return uniqueView_ ? uniqueView_->size() : 0;
+  return isInEffect() ? size_ : 0;
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::clear() {
-  if (uniqueView_) uniqueView_->clear();
-  if (sharedView_) sharedView_->clear();
+  table_ = nullptr;
+  uniqueView_ = nullptr;
+  sharedView_ = nullptr;
+  condition_ = nullptr;
+  size_ = 0;
 }
 
-// The walks below need the entries, whereas a range-for gives the objects.
-
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::buildSharedView()
-    const {
-  auto* const view = new (TarnAllocator<SharedView>(pool_).allocate(1)) SharedView(pool_);
-  const ManagedObjectCollection collection = uniqueView_->collection();
-  auto entry = collection.begin();
-  while (entry != collection.end()) {
-    view->add({NonUniqueExtractor()(entry->object), entry->object, entry->serial});
-    ++entry;
+typename TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::UniqueView& TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::uniqueView() const {
+  if (!uniqueView_) {
+    uniqueView_ = makeView<UniqueView, UniqueKeyOrder>(
+        pool_, table_->size(), [this](auto take) { table_->forEach(take); });
   }
-  sharedView_ = view;
+  return *uniqueView_;
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::eraseFromSharedView(
-    const ManagedObjectEntry& entry) {
+typename TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::SharedView& TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::sharedView() const {
+  if (!sharedView_) {
+    sharedView_ = makeView<SharedView, SharedKeyOrder>(pool_, size_, [this](auto take) {
+      const auto takeByClass = [&take](const ManagedObjectEntry& entry) {
+        take({NonUniqueExtractor()(entry.object), entry.object, entry.serial});
+      };
+      if (table_) return table_->forEach(takeByClass);
+      const ManagedObjectCollection collection = uniqueView_->collection();
+      // The entries, whereas a range-for gives the objects.
+      for (auto entry = collection.begin(); entry != collection.end(); ++entry) {
+        takeByClass(*entry.operator->());
+      }
+    });
+  }
+  return *sharedView_;
+}
+
+template <class T, class UniqueExtractor, class NonUniqueExtractor>
+void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::eraseFromSharedView(const ManagedObjectEntry& entry) {
   if (sharedView_->erase({NonUniqueExtractor()(entry.object), nullptr, entry.serial})) return;
   // The class was changed behind the index: it stands under its earlier key.
   const ManagedObjectCollection collection = sharedView_->collection();

@@ -1,0 +1,192 @@
+#pragma once
+
+// A hash table of managed objects by name, in a pool.
+//
+// The entries stand in chunks, each twice as large as the one before, and are found by number, so
+// that no entry ever moves; the place of a removed one is used again. The slots hold hash and number,
+// by open addressing with linear probing. Removal moves slots back instead of leaving marks, so that
+// the table does not age. When the slots grow, the hashes that they hold do for placing them anew,
+// without a look at the names.
+//
+// The names come from documents, and whoever writes one can make as many of one hash as they like.
+// An insertion that meets too many slots therefore says that the table is crowded, and the index
+// gives it up for a tree.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "model/indexation/TarnAllocator.hpp"
+#include "model/indexation/TarnCollection.hpp"
+#include "textHash.hpp"
+
+namespace libtarn {
+namespace model {
+namespace indexation {
+
+/// Entries are added under keys that must not change while they are in the table. When the pool has
+/// no memory, std::bad_alloc is thrown and nothing has changed.
+class ObjectTable {
+ public:
+  enum class Added { YES, DUPLICATE, CROWDED };
+
+  explicit ObjectTable(libDomXml::IMemoryPool* pool) : allocator_(pool) {}
+
+  std::size_t size() const { return size_; }
+
+  /// Nothing is added but for YES.
+  Added add(const ManagedObjectEntry& entry) {
+    if (!slots_ || size_ >= capacity() / 3 * 2) growSlots();
+    const std::uint32_t hash = hashOf(entry.key);
+    std::size_t position = hash & mask_;
+    std::size_t probes = 0;
+    std::size_t sameHashes = 0;
+    for (; slots_[position].number != 0; position = (position + 1) & mask_) {
+      if (holds(slots_[position], hash, entry.key)) return Added::DUPLICATE;
+      if (slots_[position].hash == hash) ++sameHashes;
+      if (++probes > MOST_PROBES || sameHashes > MOST_SAME_HASHES) return Added::CROWDED;
+    }
+    const std::uint32_t number = placeFor(entry);
+    slots_[position] = {hash, number};
+    ++size_;
+    return Added::YES;
+  }
+
+  /// The entry of that key, or null. Good until it is removed.
+  const ManagedObjectEntry* find(const char* key) const {
+    if (!slots_) return nullptr;
+    const std::size_t position = positionOf(key);
+    const Slot& slot = slots_[position];
+    return slot.number == 0 ? nullptr : &entryAt(slot.number);
+  }
+
+  /// False when there is no entry of that key.
+  bool erase(const char* key) {
+    if (!slots_) return false;
+    const std::size_t position = positionOf(key);
+    const std::uint32_t number = slots_[position].number;
+    if (number == 0) return false;
+    closeGap(position);
+    ManagedObjectEntry& entry = entryAt(number);
+    entry.object = nullptr;
+    entry.serial = free_;
+    free_ = number;
+    --size_;
+    return true;
+  }
+
+  /// Calls `take` for every entry, in no particular order.
+  template <class Take>
+  void forEach(Take take) const {
+    for (std::uint32_t number = 1; number <= used_; ++number) {
+      const ManagedObjectEntry& entry = entryAt(number);
+      if (entry.object) take(entry);
+    }
+  }
+
+ private:
+  static constexpr std::size_t FIRST_CAPACITY = 16;
+  static constexpr std::size_t MOST_PROBES = 128;
+  static constexpr std::size_t MOST_SAME_HASHES = 8;
+  static constexpr std::uint32_t FIRST_CHUNK = 8;  // entries, a power of two
+  static constexpr std::size_t MOST_CHUNKS = 29;   // hold 2^32 entries
+
+  struct Slot {
+    std::uint32_t hash;
+    std::uint32_t number;  // of the entry, from 1; 0 for an empty slot
+  };
+
+  static std::uint32_t hashOf(const char* key) { return textHash(key, std::strlen(key)); }
+
+  std::size_t capacity() const { return mask_ + 1; }
+
+  bool holds(const Slot& slot, std::uint32_t hash, const char* key) const {
+    return slot.hash == hash && std::strcmp(entryAt(slot.number).key, key) == 0;
+  }
+
+  // The slot of the key, or the empty one where the search for it ends.
+  std::size_t positionOf(const char* key) const {
+    const std::uint32_t hash = hashOf(key);
+    std::size_t position = hash & mask_;
+    while (slots_[position].number != 0 && !holds(slots_[position], hash, key)) {
+      position = (position + 1) & mask_;
+    }
+    return position;
+  }
+
+  void growSlots() {
+    const std::size_t newCapacity = slots_ ? 2 * capacity() : FIRST_CAPACITY;
+    Slot* const larger = TarnAllocator<Slot>(allocator_).allocate(newCapacity);
+    std::memset(larger, 0, newCapacity * sizeof(Slot));
+    const std::size_t oldCapacity = slots_ ? capacity() : 0;
+    for (std::size_t i = 0; i < oldCapacity; ++i) {
+      if (slots_[i].number == 0) continue;
+      std::size_t position = slots_[i].hash & (newCapacity - 1);
+      while (larger[position].number != 0) position = (position + 1) & (newCapacity - 1);
+      larger[position] = slots_[i];
+    }
+    slots_ = larger;
+    mask_ = newCapacity - 1;
+  }
+
+  // Moves back what was placed behind its own position because of the slot that goes.
+  void closeGap(std::size_t gap) {
+    for (std::size_t next = (gap + 1) & mask_; slots_[next].number != 0;
+         next = (next + 1) & mask_) {
+      const std::size_t home = slots_[next].hash & mask_;
+      if (((next - home) & mask_) < ((next - gap) & mask_)) continue;
+      slots_[gap] = slots_[next];
+      gap = next;
+    }
+    slots_[gap].number = 0;
+  }
+
+  // Entries
+
+  struct Place {
+    std::size_t chunk;
+    std::size_t index;
+  };
+
+  // Chunk n holds FIRST_CHUNK * 2^n entries.
+  static Place placeOf(std::uint32_t number) {
+    const std::uint64_t shifted = std::uint64_t{number} - 1 + FIRST_CHUNK;
+    const auto chunk = static_cast<std::size_t>(63 - __builtin_clzll(shifted / FIRST_CHUNK));
+    return {chunk, static_cast<std::size_t>(shifted - (std::uint64_t{FIRST_CHUNK} << chunk))};
+  }
+
+  ManagedObjectEntry& entryAt(std::uint32_t number) const {
+    const Place place = placeOf(number);
+    return chunks_[place.chunk][place.index];
+  }
+
+  std::uint32_t placeFor(const ManagedObjectEntry& entry) {
+    if (free_ != 0) {
+      const auto number = static_cast<std::uint32_t>(free_);
+      free_ = entryAt(number).serial;
+      entryAt(number) = entry;
+      return number;
+    }
+    const Place place = placeOf(used_ + 1);
+    if (!chunks_[place.chunk]) {
+      chunks_[place.chunk] =
+          TarnAllocator<ManagedObjectEntry>(allocator_).allocate(std::size_t{FIRST_CHUNK}
+                                                                 << place.chunk);
+    }
+    chunks_[place.chunk][place.index] = entry;
+    return ++used_;
+  }
+
+  TarnAllocator<Slot> allocator_;
+  Slot* slots_ = nullptr;
+  std::size_t mask_ = 0;
+  std::size_t size_ = 0;
+  std::uint32_t used_ = 0;  // entries ever placed; the largest number
+  std::size_t free_ = 0;    // number of a place to use again, which holds the next one; 0: none
+  std::array<ManagedObjectEntry*, MOST_CHUNKS> chunks_{};
+};
+
+}  // namespace indexation
+}  // namespace model
+}  // namespace libtarn
