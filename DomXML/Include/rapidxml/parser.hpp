@@ -46,8 +46,8 @@ class parse_error : public std::exception {
 struct parse_events {
   /// Before the node that follows a "<" outside of every element is asked for.
   void before_top_level_node() {}
-  /// When the end tag of an element that has children has been read, and the element has been
-  /// linked to its parent.
+  /// When the whole of an element within another has been read and linked to that other one, which
+  /// is still open.
   template <class Node>
   void element_complete(Node* /*element*/) {}
 };
@@ -125,6 +125,7 @@ class parser {
         return cursor;
       } else if (parsed) {
         open.innermost()->link_last(parsed);
+        m_events.element_complete(parsed);
       }
       bool ended = false;
       for (;;) {
@@ -136,7 +137,7 @@ class parser {
           return cursor;
         }
         open.innermost()->link_last(parsed);
-        if (parsed->m_first_node) m_events.element_complete(parsed);
+        m_events.element_complete(parsed);
       }
     }
   }

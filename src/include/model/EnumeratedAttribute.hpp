@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string_view>
 
 #include "Assertion.hpp"
 #include "IDomElement.hpp"
@@ -38,12 +39,19 @@ class EnumeratedAttribute {
     TARN_ASSERT(0 != element_, "0 != element");
     TARN_ASSERT(0 != string, "0 != string");
     const auto& constants = util::Enum<T>::getStringToEnum();
-    const auto it = constants.find(string);
+    const auto it = constants.find(std::string_view(string));
     if (it == constants.end()) {
       exceptions::InvalidAttributeValueException::throwException(element_->getTagName(), name_,
                                                                  string);
     }
     return *it->second;
+  }
+
+  /// Whether initialize() would read a value.
+  bool isKnown() const {
+    const char* const value = element_->getAttribute(name_);
+    const auto& constants = util::Enum<T>::getStringToEnum();
+    return value && constants.find(std::string_view(value)) != constants.end();
   }
 
   /// Writes the constant's text into the attribute and keeps the value.

@@ -20,6 +20,7 @@ namespace indexation {
 class ITarnIndexFactory;
 }
 
+class IndexingParse;
 class LibTarnManagedObjectImp;
 
 /// Node class of LibTarnCmData.
@@ -67,16 +68,34 @@ class LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   /// one name; objects before it stay indexed.
   void rebuildIndexersAndInitializeEnums();
 
+  /// Indexes a child that has just been parsed; finishParsing() brings it into effect.
+  void indexParsed(LibTarnManagedObjectImp& object, IndexingParse& parse);
+  /// As rebuildIndexersAndInitializeEnums(), for which the children indexed while they were parsed
+  /// do when all of them were plain. Only for right after a parse.
+  void finishParsing();
+
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
 
  private:
+  // An object whose operation is to be read when the parse is done.
+  struct WithOperation {
+    LibTarnManagedObjectImp* object;
+    WithOperation* next;
+  };
+
   void dispatchToObjectsAsTheyLie(validation::Validator& validator) const;
+  bool indexIfPlain(LibTarnManagedObjectImp& object, IndexingParse& parse);
+  void rebuildIndexers();
 
   EnumeratedAttribute<Type> type_;
   const indexation::ITarnIndexFactory* indexFactory_;
   indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* managedObjectIndex_;
   util::TarnFactory& factory_;
+  bool allParsedIndexed_ = false;  // every child parsed so far, and at least one
+  bool anyParsed_ = false;
+  bool parsedInEffect_ = false;
+  WithOperation* withOperation_ = nullptr;
 };
 
 }  // namespace model

@@ -51,7 +51,8 @@ class LibTarnDocumentInternal : public TarnDomElement, public IElement {
   void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
 
  private:
-  void finishParsing();
+  template <class Rebuild>
+  void forEachCmData(Rebuild rebuild);
 
   TarnDomDocument* document_;
 };

@@ -22,6 +22,7 @@ class ITarnIndexFactory;
 }
 
 class IDistinguishedNameValidator;
+class IndexingParse;
 
 /// Node class of LibTarnManagedObject.
 class LibTarnManagedObjectImp : public TarnDomElement, public LibTarnManagedObject {
@@ -79,6 +80,13 @@ class LibTarnManagedObjectImp : public TarnDomElement, public LibTarnManagedObje
   /// of one name and InvalidAttributeValueException for an unknown operation.
   void rebuildIndexersAndInitializeEnum();
   void rebuildIndexersAndInitializeEnumAndDispatchToChildren();
+
+  /// Does the same for an object just parsed, in effect from when `condition` becomes true. False
+  /// when something is not plain; what has been indexed must then not come into effect.
+  bool indexParsed(IndexingParse& parse, const bool& condition);
+  bool hasOperation() const;
+  /// Reads the operation, which must be there and known.
+  void initializeOperation() { operation_.initialize(); }
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;

@@ -13,6 +13,8 @@ class IDomDocument;
 namespace libtarn {
 namespace model {
 
+class IndexingParse;
+
 /// Node class of List.
 class ListImp : public TarnDomElement, public List {
  public:
@@ -46,6 +48,8 @@ class ListImp : public TarnDomElement, public List {
   /// Builds the component index of every item. Throws DuplicateElementException for two components
   /// of one name in an item.
   void rebuildIndexersAndDispatchToChildren();
+  /// Does the same for a list just parsed, see LibTarnManagedObjectImp::indexParsed().
+  bool indexParsed(IndexingParse& parse, const bool& condition);
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;

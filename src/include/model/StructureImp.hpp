@@ -14,6 +14,8 @@ class IDomDocument;
 namespace libtarn {
 namespace model {
 
+class IndexingParse;
+
 namespace indexation {
 class ITarnIndexFactory;
 }
@@ -45,6 +47,8 @@ class StructureImp : public TarnDomElement, public Structure {
   /// Takes the `p` children into the component index. Throws DuplicateElementException for the
   /// second of one name; those before it stay indexed.
   void rebuildIndexers();
+  /// Does the same for an item just parsed, see LibTarnManagedObjectImp::indexParsed().
+  bool indexParsed(IndexingParse& parse, const bool& condition);
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;

@@ -11,6 +11,7 @@
 namespace libtarn {
 namespace model {
 
+class IndexingParse;
 class LibTarnDocumentDeclaration;
 class LibTarnDocumentInternal;
 
@@ -50,6 +51,9 @@ class TarnDomDocument : public libDomXml::DomDocument {
   /// Takes over `text`, which must end with a zero byte, and parses it in place; the text of an
   /// earlier parse comes back in its stead. Throws rapidxml::parse_error.
   void parse(std::vector<char>& text);
+  /// As above. The objects of each cmData are indexed as they are parsed, which
+  /// LibTarnCmDataImp::finishParsing() brings into effect.
+  void parseAndIndex(std::vector<char>& text);
   /// Keeps the text of the parse done, and so its elements, until the document is destroyed.
   void keepText();
   int rapidParse(char* text) override;
@@ -73,6 +77,8 @@ class TarnDomDocument : public libDomXml::DomDocument {
   TarnDomElement* makeTarnElement(const char* name, std::size_t size);
   template <class Element>
   Element* makeNode();
+  void takeText(std::vector<char>& text);
+  void parseDoc(char* text, IndexingParse* indexing);
   TarnDomElement* reuseDeclaration();
   TarnDomElement* reuseRoot(const char* nameEnd);
   bool isTopLevelNode();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstring>
+#include <string_view>
 #include <type_traits>
 #include <typeinfo>
 
@@ -39,6 +41,16 @@ Imp* skipToTyped(rapidxml::xml_node<char>* node) {
     node = node->next_sibling(Imp::TAG_NAME);
   }
   return nullptr;
+}
+
+/// `node` as an `Imp`, or null when it has another tag or class.
+template <class Imp>
+Imp* typedAs(rapidxml::xml_node<char>* node) {
+  constexpr std::string_view TAG = Imp::TAG_NAME;
+  if (node->name_size() != TAG.size() || std::memcmp(node->name(), TAG.data(), TAG.size()) != 0) {
+    return nullptr;
+  }
+  return elementCast<Imp>(static_cast<libDomXml::DomElement*>(node));
 }
 
 /// First child with the tag and the class of `Imp`, or null. The tag alone does not do, since a

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -43,8 +44,8 @@ class Enum {
   /// The ordinal that the next constant gets.
   static int count;
 
-  static std::map<std::string, const Enum*>& getStringToEnum() {
-    static std::map<std::string, const Enum*> table;
+  static std::map<std::string, const Enum*, std::less<>>& getStringToEnum() {
+    static std::map<std::string, const Enum*, std::less<>> table;
     return table;
   }
   static std::map<int, std::string>& getOrdinalToString() {

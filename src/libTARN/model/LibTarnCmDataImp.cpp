@@ -174,8 +174,37 @@ void LibTarnCmDataImp::removeAllLibTarnManagedObjects() {
   managedObjectIndex_->clear();
 }
 
+void LibTarnCmDataImp::indexParsed(LibTarnManagedObjectImp& object, IndexingParse& parse) {
+  if (anyParsed_ && !allParsedIndexed_) return;
+  anyParsed_ = true;
+  allParsedIndexed_ = indexIfPlain(object, parse);
+}
+
+bool LibTarnCmDataImp::indexIfPlain(LibTarnManagedObjectImp& object, IndexingParse& parse) {
+  if (!managedObjectIndex_->addOnceTrue(parsedInEffect_, &object)) return false;
+  if (!object.indexParsed(parse, parsedInEffect_)) return false;
+  if (object.hasOperation()) {
+    void* const memory = domFactory_.allocateObject(sizeof(WithOperation));
+    withOperation_ = new (memory) WithOperation{&object, withOperation_};
+  }
+  return true;
+}
+
+void LibTarnCmDataImp::finishParsing() {
+  type_.initialize();
+  if (!allParsedIndexed_) return rebuildIndexers();
+  parsedInEffect_ = true;
+  for (const WithOperation* it = withOperation_; it; it = it->next) {
+    it->object->initializeOperation();
+  }
+}
+
 void LibTarnCmDataImp::rebuildIndexersAndInitializeEnums() {
   type_.initialize();
+  rebuildIndexers();
+}
+
+void LibTarnCmDataImp::rebuildIndexers() {
   for (auto* object = firstTypedChild<LibTarnManagedObjectImp>(*this); object;
        object = nextTypedSibling(*object)) {
     // One that is indexed already, as after a second rebuild, is no duplicate of itself.

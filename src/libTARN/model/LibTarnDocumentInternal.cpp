@@ -1,5 +1,7 @@
 #include "model/LibTarnDocumentInternal.hpp"
 
+#include <cstring>
+
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "attributeNames.hpp"
@@ -55,24 +57,26 @@ IElement* LibTarnDocumentInternal::getFirstChildElement(const char* name) const 
 void LibTarnDocumentInternal::removeThisElement() {}
 
 void LibTarnDocumentInternal::parse(const char* text) {
-  document_->parse(text);
-  finishParsing();
+  TARN_ASSERT(text, "text");
+  std::vector<char> copy(text, text + std::strlen(text) + 1);
+  parse(copy);
 }
 
 void LibTarnDocumentInternal::parse(std::vector<char>& text) {
-  document_->parse(text);
-  finishParsing();
-}
-
-void LibTarnDocumentInternal::finishParsing() {
+  document_->parseAndIndex(text);
   util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "parse") << "Parsing done";
-  rebuildIndexersAndInitializeEnums();
+  forEachCmData([](LibTarnCmDataImp& cmData) { cmData.finishParsing(); });
 }
 
 void LibTarnDocumentInternal::rebuildIndexersAndInitializeEnums() {
+  forEachCmData([](LibTarnCmDataImp& cmData) { cmData.rebuildIndexersAndInitializeEnums(); });
+}
+
+template <class Rebuild>
+void LibTarnDocumentInternal::forEachCmData(Rebuild rebuild) {
   for (auto* cmData = firstTypedChild<LibTarnCmDataImp>(*this); cmData;
        cmData = nextTypedSibling(*cmData)) {
-    cmData->rebuildIndexersAndInitializeEnums();
+    rebuild(*cmData);
   }
   util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "rebuildIndexersAndInitializeEnums")
       << "Rebuilding indexers and initializing enums done.";

@@ -5,6 +5,7 @@
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "IndexingParse.hpp"
 #include "attributeNames.hpp"
 #include "indexChildren.hpp"
 #include "model/IDistinguishedNameValidator.hpp"
@@ -31,8 +32,7 @@ constexpr const char* ANY_DIST_NAME = "_-_";
 
 // What the interface does not tell: whether the element carries an operation.
 bool hasOperation(const LibTarnManagedObject& object) {
-  return implementation<LibTarnManagedObjectImp>(object).getLiteralAttribute(OPERATION_ATTRIBUTE) !=
-         nullptr;
+  return implementation<LibTarnManagedObjectImp>(object).hasOperation();
 }
 
 template <class Collection>
@@ -244,7 +244,8 @@ bool LibTarnManagedObjectImp::match(const LibTarnManagedObject& pattern) const {
 bool LibTarnManagedObjectImp::matchesAttributes(const LibTarnManagedObject& pattern) const {
   const char* const tag = implementation<LibTarnManagedObjectImp>(pattern).getTagName();
   if (!isEmptyText(tag) && !isSameText(tag, TAG_NAME)) return false;
-  if (hasOperation(pattern) && !(hasOperation(*this) && getOperation() == pattern.getOperation())) {
+  if (model::hasOperation(pattern) &&
+      !(hasOperation() && getOperation() == pattern.getOperation())) {
     return false;
   }
   if (!isWildcard(pattern.getClass()) && !isSameText(getClass(), pattern.getClass())) return false;
@@ -304,7 +305,7 @@ bool LibTarnManagedObjectImp::change(const LibTarnManagedObject& pattern,
 }
 
 void LibTarnManagedObjectImp::changeAttributes(const LibTarnManagedObject& values) {
-  if (hasOperation(values)) setOperation(values.getOperation());
+  if (model::hasOperation(values)) setOperation(values.getOperation());
   if (values.getClass() && !isWildcard(values.getClass())) changeClass(values.getClass());
   if (values.getVersion() && !isWildcard(values.getVersion())) setVersion(values.getVersion());
 }
@@ -365,7 +366,7 @@ void LibTarnManagedObjectImp::rebuildIndexersAndInitializeEnumAndDispatchToChild
 
 // The operation is optional.
 void LibTarnManagedObjectImp::rebuildIndexersAndInitializeEnum(RebuildIndexersMode mode) {
-  if (hasOperation(*this)) operation_.initialize();
+  if (hasOperation()) operation_.initialize();
   for (auto* child = firstTypedChild<ScalarImp>(*this); child; child = nextTypedSibling(*child)) {
     if (!indexOnce<Scalar>(*scalarIndex_, *child))
       throwDuplicate(Scalar::TAG_NAME, child->getName());
@@ -376,6 +377,26 @@ void LibTarnManagedObjectImp::rebuildIndexersAndInitializeEnum(RebuildIndexersMo
       list->rebuildIndexersAndDispatchToChildren();
     }
   }
+}
+
+bool LibTarnManagedObjectImp::hasOperation() const {
+  return getLiteralAttribute(OPERATION_ATTRIBUTE) != nullptr;
+}
+
+bool LibTarnManagedObjectImp::indexParsed(IndexingParse& parse, const bool& condition) {
+  if (hasOperation() && !operation_.isKnown()) return false;
+  parse.scalars.clear();
+  parse.lists.clear();
+  for (auto* node = first_node(); node; node = node->next_sibling()) {
+    if (auto* const scalar = typedAs<ScalarImp>(node)) {
+      parse.scalars.emplace_back(textOrEmpty(scalar->getName()), scalar);
+    } else if (auto* const list = typedAs<ListImp>(node)) {
+      parse.lists.emplace_back(textOrEmpty(list->getName()), list);
+      if (!list->indexParsed(parse, condition)) return false;
+    }
+  }
+  return indexOnceTrue<Scalar>(*scalarIndex_, parse, parse.scalars, condition) &&
+         indexOnceTrue<List>(*listIndex_, parse, parse.lists, condition);
 }
 
 void LibTarnManagedObjectImp::throwDuplicate(const char* childTag, const char* name) const {

@@ -104,6 +104,14 @@ IElement* ListImp::getFirstChildElement(const char* name) const {
 
 void ListImp::removeThisElement() { unlinkFromParent(); }
 
+bool ListImp::indexParsed(IndexingParse& parse, const bool& condition) {
+  for (auto* node = first_node(); node; node = node->next_sibling()) {
+    auto* const item = typedAs<StructureImp>(node);
+    if (item && !item->indexParsed(parse, condition)) return false;
+  }
+  return true;
+}
+
 void ListImp::rebuildIndexersAndDispatchToChildren() {
   for (auto* item = firstTypedChild<StructureImp>(*this); item; item = nextTypedSibling(*item)) {
     item->rebuildIndexers();

@@ -2,6 +2,7 @@
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "IndexingParse.hpp"
 #include "attributeNames.hpp"
 #include "indexChildren.hpp"
 #include "model/LibTarnManagedObjectImp.hpp"
@@ -109,6 +110,16 @@ void StructureImp::rebuildIndexers() {
   for (auto* child = firstTypedChild<ScalarImp>(*this); child; child = nextTypedSibling(*child)) {
     if (!indexOnce<Scalar>(*componentIndex_, *child)) throwDuplicate(textOrEmpty(child->getName()));
   }
+}
+
+bool StructureImp::indexParsed(IndexingParse& parse, const bool& condition) {
+  parse.components.clear();
+  for (auto* node = first_node(); node; node = node->next_sibling()) {
+    if (auto* const component = typedAs<ScalarImp>(node)) {
+      parse.components.emplace_back(textOrEmpty(component->getName()), component);
+    }
+  }
+  return indexOnceTrue<Scalar>(*componentIndex_, parse, parse.components, condition);
 }
 
 // An item need not be in a list of a managed object: what is missing is told as "".

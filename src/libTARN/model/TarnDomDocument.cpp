@@ -3,14 +3,18 @@
 #include <cstring>
 #include <utility>
 
+#include "IndexingParse.hpp"
+#include "model/LibTarnCmDataImp.hpp"
 #include "model/LibTarnDocumentDeclaration.hpp"
 #include "model/LibTarnDocumentInternal.hpp"
 #include "model/LibTarnExtensionImp.hpp"
 #include "model/LibTarnHeaderImp.hpp"
+#include "model/LibTarnManagedObjectImp.hpp"
 #include "model/ListImp.hpp"
 #include "model/LogImp.hpp"
 #include "model/ScalarImp.hpp"
 #include "model/Structure.hpp"
+#include "model/TypedChildren.hpp"
 #include "rapidxml/rapidxml_print.hpp"
 
 namespace libtarn {
@@ -146,13 +150,23 @@ void TarnDomDocument::parse(const char* text) {
 }
 
 void TarnDomDocument::parse(std::vector<char>& text) {
+  takeText(text);
+  parseDoc(buffer_.data());
+}
+
+void TarnDomDocument::parseAndIndex(std::vector<char>& text) {
+  takeText(text);
+  IndexingParse indexing;
+  parseDoc(buffer_.data(), &indexing);
+}
+
+void TarnDomDocument::takeText(std::vector<char>& text) {
   textStart_ = text.data();
   if (text.empty() || text.back() != '\0') {
     throw rapidxml::parse_error("unexpected end of data", text.data() + text.size());
   }
   leaveText();
   buffer_.swap(text);
-  parseDoc(buffer_.data());
 }
 
 void TarnDomDocument::keepText() {
@@ -172,17 +186,31 @@ int TarnDomDocument::rapidParse(char* text) {
 
 // What this document wants to know of the parser.
 struct TarnDomDocument::Events : rapidxml::parse_events {
+  using Node = rapidxml::xml_node<char>;
+
   void before_top_level_node() { document.beforeTopLevelNode_ = true; }
 
+  // Objects elsewhere are in no index.
+  void element_complete(Node* element) {
+    if (*element->name() != *LibTarnManagedObject::TAG_NAME || !indexing) return;
+    auto* const object = typedAs<LibTarnManagedObjectImp>(element);
+    if (!object) return;
+    auto* const cmData = typedAs<LibTarnCmDataImp>(element->parent());
+    if (cmData) cmData->indexParsed(*object, *indexing);
+  }
+
   TarnDomDocument& document;
+  IndexingParse* indexing;
 };
 
-void TarnDomDocument::parseDoc(char* text) {
+void TarnDomDocument::parseDoc(char* text) { parseDoc(text, nullptr); }
+
+void TarnDomDocument::parseDoc(char* text, IndexingParse* indexing) {
   TARN_ASSERT(text, "text");
   leaveText();
   textStart_ = text;
   parsePosition_ = text;
-  Events events{{}, *this};
+  Events events{{}, *this, indexing};
   parse_telling<33>(parsePosition_, events);
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <vector>
+
 #include "Assertion.hpp"
+#include "IndexingParse.hpp"
 #include "model/indexation/ITarnUniqueIndex.hpp"
 #include "patternText.hpp"
 
@@ -12,6 +15,18 @@ namespace model {
 template <class Element>
 bool indexOnce(indexation::ITarnUniqueIndex<Element>& index, Element& element) {
   return index.add(&element) || index.find(textOrEmpty(element.getName())) == &element;
+}
+
+/// Gives `entries` to a fresh index, in effect from when `condition` becomes true. False when names
+/// may be the same, or the index cannot do it.
+template <class Element>
+bool indexOnceTrue(indexation::ITarnUniqueIndex<Element>& index, IndexingParse& parse,
+                   const std::vector<indexation::ParameterEntry<Element>>& entries,
+                   const bool& condition) {
+  if (entries.empty()) return true;
+  const NameOrder order = parse.orderOf(entries);
+  return order != NameOrder::UNKNOWN &&
+         index.addOnceTrue(condition, entries.data(), entries.size(), order == NameOrder::SORTED);
 }
 
 /// A fresh index, which a factory may fail to give.

@@ -510,7 +510,7 @@ TEST(TarnMergeTest, MemoryOfAMergeGrowsWithTheDeltaOnly) {
   const std::size_t small = blocksOfMerge(10, *delta);
   const std::size_t large = blocksOfMerge(10000, *delta);
   EXPECT_GT(small, 0U);
-  EXPECT_LE(large, small + 2);  // blocks that were begun
+  EXPECT_LE(large, small + 3);  // blocks that were begun, and a hash table that doubled
 }
 
 // Steps

@@ -33,8 +33,8 @@ class ITarnUniqueAndNonUniqueMultiIndex {
   virtual ~ITarnUniqueAndNonUniqueMultiIndex() = default;
 
   /// Adds an element, in effect from when `condition` becomes true, which must live as long as the
-  /// index. False, with nothing changed, when the unique key is taken, when the index holds elements
-  /// added without a condition or with another one, and when it does not offer this.
+  /// index. False, with nothing changed, when the unique key is taken, when the index holds
+  /// elements added without a condition or with another one, and when it does not offer this.
   virtual bool addOnceTrue(const bool& /*condition*/, T* /*element*/) { return false; }
 };
 

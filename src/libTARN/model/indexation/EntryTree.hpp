@@ -15,9 +15,9 @@
 // The only leaf of a small tree grows by doubling. A full leaf is split in halves, or, when the new
 // entry comes behind all others, left full and followed by a new one: entries that come in order
 // cost one comparison each and fill their leaves. An array of entries in order becomes a tree
-// without a comparison: its leaves are pieces of the array. Nothing is balanced on removal; a leaf that
-// becomes empty is taken out. Add, find and erase cost O(log n) comparisons. What a node replaces
-// is abandoned, since the pool takes nothing back.
+// without a comparison: its leaves are pieces of the array. Nothing is balanced on removal; a leaf
+// that becomes empty is taken out. Add, find and erase cost O(log n) comparisons. What a node
+// replaces is abandoned, since the pool takes nothing back.
 //
 // Height: a level is added when the root is full, for which its children have been split many
 // times, each split after about fanout / 2 new nodes below it. Taking no more than fanout / 4 for
@@ -91,8 +91,8 @@ class EntryTree {
     return true;
   }
 
-  /// Takes `count` entries that are in order, no two of them equal, where they lie; the tree must be
-  /// empty. The array then belongs to the tree.
+  /// Takes `count` entries that are in order, no two of them equal, where they lie; the tree must
+  /// be empty. The array then belongs to the tree.
   void takeSorted(Entry* entries, std::size_t count) {
     for (; count > leaf_capacity; count -= leaf_capacity) {
       appendLeaf(leafOver(entries, leaf_capacity));

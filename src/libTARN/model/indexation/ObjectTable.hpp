@@ -3,10 +3,10 @@
 // A hash table of managed objects by name, in a pool.
 //
 // The entries stand in chunks, each twice as large as the one before, and are found by number, so
-// that no entry ever moves; the place of a removed one is used again. The slots hold hash and number,
-// by open addressing with linear probing. Removal moves slots back instead of leaving marks, so that
-// the table does not age. When the slots grow, the hashes that they hold do for placing them anew,
-// without a look at the names.
+// that no entry ever moves; the place of a removed one is used again. The slots hold hash and
+// number, by open addressing with linear probing. Removal moves slots back instead of leaving
+// marks, so that the table does not age. When the slots grow, the hashes that they hold do for
+// placing them anew, without a look at the names.
 //
 // The names come from documents, and whoever writes one can make as many of one hash as they like.
 // An insertion that meets too many slots therefore says that the table is crowded, and the index
@@ -170,9 +170,8 @@ class ObjectTable {
     }
     const Place place = placeOf(used_ + 1);
     if (!chunks_[place.chunk]) {
-      chunks_[place.chunk] =
-          TarnAllocator<ManagedObjectEntry>(allocator_).allocate(std::size_t{FIRST_CHUNK}
-                                                                 << place.chunk);
+      chunks_[place.chunk] = TarnAllocator<ManagedObjectEntry>(allocator_)
+                                 .allocate(std::size_t{FIRST_CHUNK} << place.chunk);
     }
     chunks_[place.chunk][place.index] = entry;
     return ++used_;

@@ -53,7 +53,8 @@ bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::a
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addOnceTrue(const bool& condition, T* element) {
+bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addOnceTrue(
+    const bool& condition, T* element) {
   if (condition_ ? condition_ != &condition : size_ > 0) return false;
   if (!addToAll({UniqueExtractor()(element), element, nextSerial_})) return false;
   condition_ = &condition;
@@ -61,7 +62,8 @@ bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::a
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addToAll(const ManagedObjectEntry& entry) {
+bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addToAll(
+    const ManagedObjectEntry& entry) {
   if (!addUnique(entry)) return false;
   if (sharedView_) {
     try {
@@ -77,8 +79,10 @@ bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::a
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addUnique(const ManagedObjectEntry& entry) {
-  if (!table_ && !uniqueView_) table_ = new (TarnAllocator<ObjectTable>(pool_).allocate(1)) ObjectTable(pool_);
+bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addUnique(
+    const ManagedObjectEntry& entry) {
+  if (!table_ && !uniqueView_)
+    table_ = new (TarnAllocator<ObjectTable>(pool_).allocate(1)) ObjectTable(pool_);
   if (!table_) return uniqueView_->add(entry);
   const ObjectTable::Added added = table_->add(entry);
   if (added == ObjectTable::Added::CROWDED) {
@@ -97,7 +101,8 @@ bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::a
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::eraseUnique(const char* key) {
+void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::eraseUnique(
+    const char* key) {
   if (table_) table_->erase(key);
   if (uniqueView_) uniqueView_->erase({key, nullptr, 0});
 }
@@ -114,20 +119,25 @@ bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::r
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-const ManagedObjectEntry* TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::findEntry(const char* key) const {
+const ManagedObjectEntry*
+TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::findEntry(
+    const char* key) const {
   if (!isInEffect()) return nullptr;
   if (table_) return table_->find(key);
   return uniqueView_ ? uniqueView_->find({key, nullptr, 0}) : nullptr;
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-T* TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::findUniqueElement(const char* key) const {
+T* TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::findUniqueElement(
+    const char* key) const {
   const ManagedObjectEntry* const entry = findEntry(key);
   return entry ? entry->object : nullptr;
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-ManagedObjectCollection TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getNonUniqueCollection(const char* key) const {
+ManagedObjectCollection
+TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getNonUniqueCollection(
+    const char* key) const {
   if (size() == 0) return {};
   // No serial reaches the largest number.
   const auto first = sharedView().lowerBound({key, nullptr, 0});
@@ -137,7 +147,8 @@ ManagedObjectCollection TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, Non
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-ManagedObjectCollection TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getCollection() const {
+ManagedObjectCollection
+TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getCollection() const {
   return size() == 0 ? ManagedObjectCollection() : uniqueView().collection();
 }
 
@@ -156,7 +167,8 @@ void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::c
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-typename TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::UniqueView& TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::uniqueView() const {
+typename TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::UniqueView&
+TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::uniqueView() const {
   if (!uniqueView_) {
     uniqueView_ = makeView<UniqueView, UniqueKeyOrder>(
         pool_, table_->size(), [this](auto take) { table_->forEach(take); });
@@ -165,7 +177,8 @@ typename TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-typename TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::SharedView& TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::sharedView() const {
+typename TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::SharedView&
+TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::sharedView() const {
   if (!sharedView_) {
     sharedView_ = makeView<SharedView, SharedKeyOrder>(pool_, size_, [this](auto take) {
       const auto takeByClass = [&take](const ManagedObjectEntry& entry) {
@@ -183,7 +196,8 @@ typename TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::eraseFromSharedView(const ManagedObjectEntry& entry) {
+void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::eraseFromSharedView(
+    const ManagedObjectEntry& entry) {
   if (sharedView_->erase({NonUniqueExtractor()(entry.object), nullptr, entry.serial})) return;
   // The class was changed behind the index: it stands under its earlier key.
   const ManagedObjectCollection collection = sharedView_->collection();
