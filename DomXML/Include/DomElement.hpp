@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstring>
+
 #include "DomFactory.hpp"
 #include "IDomElement.hpp"
 #include "rapidxml/rapidxml.hpp"
@@ -33,7 +36,11 @@ class DomElement : public IDomElement, public rapidxml::xml_node<char> {
   /// As getAttribute(), for a literal, whose length is known.
   template <std::size_t Size>
   const char* getLiteralAttribute(const char (&name)[Size]) const {
-    const auto* const attribute = first_attribute(name, Size - 1);
+    const auto* attribute = first_attribute();
+    while (attribute && (attribute->name_size() != Size - 1 ||
+                         std::memcmp(attribute->name(), name, Size - 1) != 0)) {
+      attribute = attribute->next_attribute();
+    }
     return attribute ? attribute->value() : nullptr;
   }
   DomAttributeIterator getAttributeIter(const char* name) const override;

@@ -72,30 +72,30 @@ class LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   void indexParsed(LibTarnManagedObjectImp& object, IndexingParse& parse);
   /// As rebuildIndexersAndInitializeEnums(), for which the children indexed while they were parsed
   /// do when all of them were plain. Only for right after a parse.
-  void finishParsing();
+  void finishParsing(const IndexingParse& parse);
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
 
  private:
-  // An object whose operation is to be read when the parse is done.
-  struct WithOperation {
-    LibTarnManagedObjectImp* object;
-    WithOperation* next;
+  // A part of a row.
+  struct Part {
+    std::size_t begin = 0;
+    std::size_t end = 0;
   };
 
   void dispatchToObjectsAsTheyLie(validation::Validator& validator) const;
-  bool indexIfPlain(LibTarnManagedObjectImp& object, IndexingParse& parse);
+  bool adoptParsed(const IndexingParse& parse);
   void rebuildIndexers();
 
   EnumeratedAttribute<Type> type_;
   const indexation::ITarnIndexFactory* indexFactory_;
   indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* managedObjectIndex_;
   util::TarnFactory& factory_;
-  bool allParsedIndexed_ = false;  // every child parsed so far, and at least one
-  bool anyParsed_ = false;
+  bool allPlain_ = true;  // of the children parsed so far
   bool parsedInEffect_ = false;
-  WithOperation* withOperation_ = nullptr;
+  Part parsed_;         // of IndexingParse::objects
+  Part withOperation_;  // likewise
 };
 
 }  // namespace model

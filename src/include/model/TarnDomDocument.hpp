@@ -52,8 +52,8 @@ class TarnDomDocument : public libDomXml::DomDocument {
   /// earlier parse comes back in its stead. Throws rapidxml::parse_error.
   void parse(std::vector<char>& text);
   /// As above. The objects of each cmData are indexed as they are parsed, which
-  /// LibTarnCmDataImp::finishParsing() brings into effect.
-  void parseAndIndex(std::vector<char>& text);
+  /// LibTarnCmDataImp::finishParsing() with the same `indexing` brings into effect.
+  void parseAndIndex(std::vector<char>& text, IndexingParse& indexing);
   /// Keeps the text of the parse done, and so its elements, until the document is destroyed.
   void keepText();
   int rapidParse(char* text) override;

@@ -17,18 +17,33 @@
 #include <cstring>
 #include <vector>
 
+#include "attributeNames.hpp"
 #include "indexation/textHash.hpp"
 #include "model/indexation/TarnCollection.hpp"
+#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {
 
+/// The name of an element in its index.
+template <class Element>
+const char* indexedName(const Element& element) {
+  return textOrEmpty(element.getLiteralAttribute(NAME_ATTRIBUTE));
+}
+
+class LibTarnManagedObjectImp;
+
 /// How the names of entries are to one another. UNKNOWN: some may be the same.
 enum class NameOrder { SORTED, DIFFERENT, UNKNOWN };
 
-/// What is used again for one object after the other, to spare allocations.
+/// What has been parsed, and what is used again for one object after the other.
 class IndexingParse {
  public:
+  /// The objects of every cmData, those of one of them in a row, as long as all is plain.
+  std::vector<indexation::HashedObject> objects;
+  /// Those of them that have an operation.
+  std::vector<LibTarnManagedObjectImp*> withOperation;
+
   std::vector<indexation::ParameterEntry<Scalar>> scalars;
   std::vector<indexation::ParameterEntry<List>> lists;
   std::vector<indexation::ParameterEntry<Scalar>> components;

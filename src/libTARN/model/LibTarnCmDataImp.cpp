@@ -1,7 +1,11 @@
 #include "model/LibTarnCmDataImp.hpp"
 
+#include <cstring>
+#include <vector>
+
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "IndexingParse.hpp"
 #include "attributeNames.hpp"
 #include "indexChildren.hpp"
 #include "model/LibTarnHeaderImp.hpp"
@@ -24,6 +28,16 @@ constexpr const char* TYPE_ATTRIBUTE = "type";
 // Absent names count as the empty text.
 DistinguishedName nameOf(const LibTarnManagedObject& object) {
   return DistinguishedName(textOrEmpty(object.getDistName().getText()));
+}
+
+// Makes `element` the end of the part of the row. False when something else stands between.
+template <class Part, class Element>
+bool addTo(Part& part, std::vector<Element>& row, Element element) {
+  if (part.begin == part.end) part.begin = part.end = row.size();
+  if (part.end != row.size()) return false;
+  row.push_back(element);
+  ++part.end;
+  return true;
 }
 
 }  // namespace
@@ -175,28 +189,29 @@ void LibTarnCmDataImp::removeAllLibTarnManagedObjects() {
 }
 
 void LibTarnCmDataImp::indexParsed(LibTarnManagedObjectImp& object, IndexingParse& parse) {
-  if (anyParsed_ && !allParsedIndexed_) return;
-  anyParsed_ = true;
-  allParsedIndexed_ = indexIfPlain(object, parse);
+  if (!allPlain_) return;
+  const char* const name = textOrEmpty(object.getLiteralAttribute(DIST_NAME_ATTRIBUTE));
+  const std::uint32_t hash = indexation::textHash(name, std::strlen(name));
+  allPlain_ = addTo(parsed_, parse.objects, indexation::HashedObject{name, &object, hash}) &&
+              (!object.hasOperation() || addTo(withOperation_, parse.withOperation, &object)) &&
+              object.indexParsed(parse, parsedInEffect_);
 }
 
-bool LibTarnCmDataImp::indexIfPlain(LibTarnManagedObjectImp& object, IndexingParse& parse) {
-  if (!managedObjectIndex_->addOnceTrue(parsedInEffect_, &object)) return false;
-  if (!object.indexParsed(parse, parsedInEffect_)) return false;
-  if (object.hasOperation()) {
-    void* const memory = domFactory_.allocateObject(sizeof(WithOperation));
-    withOperation_ = new (memory) WithOperation{&object, withOperation_};
-  }
-  return true;
-}
-
-void LibTarnCmDataImp::finishParsing() {
+void LibTarnCmDataImp::finishParsing(const IndexingParse& parse) {
   type_.initialize();
-  if (!allParsedIndexed_) return rebuildIndexers();
-  parsedInEffect_ = true;
-  for (const WithOperation* it = withOperation_; it; it = it->next) {
-    it->object->initializeOperation();
+  if (!adoptParsed(parse)) rebuildIndexers();
+}
+
+bool LibTarnCmDataImp::adoptParsed(const IndexingParse& parse) {
+  if (!allPlain_ || parsed_.begin == parsed_.end) return false;
+  if (!managedObjectIndex_->addAll(&parse.objects[parsed_.begin], parsed_.end - parsed_.begin)) {
+    return false;
   }
+  for (std::size_t i = withOperation_.begin; i < withOperation_.end; ++i) {
+    parse.withOperation[i]->initializeOperation();
+  }
+  parsedInEffect_ = true;
+  return true;
 }
 
 void LibTarnCmDataImp::rebuildIndexersAndInitializeEnums() {

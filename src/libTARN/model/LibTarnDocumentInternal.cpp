@@ -4,6 +4,7 @@
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "IndexingParse.hpp"
 #include "attributeNames.hpp"
 #include "model/LibTarnCmDataImp.hpp"
 #include "model/LibTarnManagedObject.hpp"
@@ -63,9 +64,10 @@ void LibTarnDocumentInternal::parse(const char* text) {
 }
 
 void LibTarnDocumentInternal::parse(std::vector<char>& text) {
-  document_->parseAndIndex(text);
+  IndexingParse indexing;
+  document_->parseAndIndex(text, indexing);
   util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "parse") << "Parsing done";
-  forEachCmData([](LibTarnCmDataImp& cmData) { cmData.finishParsing(); });
+  forEachCmData([&indexing](LibTarnCmDataImp& cmData) { cmData.finishParsing(indexing); });
 }
 
 void LibTarnDocumentInternal::rebuildIndexersAndInitializeEnums() {

@@ -389,9 +389,9 @@ bool LibTarnManagedObjectImp::indexParsed(IndexingParse& parse, const bool& cond
   parse.lists.clear();
   for (auto* node = first_node(); node; node = node->next_sibling()) {
     if (auto* const scalar = typedAs<ScalarImp>(node)) {
-      parse.scalars.emplace_back(textOrEmpty(scalar->getName()), scalar);
+      parse.scalars.emplace_back(indexedName(*scalar), scalar);
     } else if (auto* const list = typedAs<ListImp>(node)) {
-      parse.lists.emplace_back(textOrEmpty(list->getName()), list);
+      parse.lists.emplace_back(indexedName(*list), list);
       if (!list->indexParsed(parse, condition)) return false;
     }
   }

@@ -116,7 +116,7 @@ bool StructureImp::indexParsed(IndexingParse& parse, const bool& condition) {
   parse.components.clear();
   for (auto* node = first_node(); node; node = node->next_sibling()) {
     if (auto* const component = typedAs<ScalarImp>(node)) {
-      parse.components.emplace_back(textOrEmpty(component->getName()), component);
+      parse.components.emplace_back(indexedName(*component), component);
     }
   }
   return indexOnceTrue<Scalar>(*componentIndex_, parse, parse.components, condition);

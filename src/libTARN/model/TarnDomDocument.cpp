@@ -90,7 +90,7 @@ Element* TarnDomDocument::makeNode() {
 
 // The first tag of which the name is a beginning decides, so that "manag" is a managed object. The
 // tags differ in their first letters, but that "log" comes before "list".
-TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::size_t size) {
+inline TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::size_t size) {
   const auto begins = [name, size](const char* tag) {
     std::size_t i = 1;
     while (i < size && name[i] == tag[i]) ++i;
@@ -130,10 +130,10 @@ TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::size_t s
 
 TarnDomElement* TarnDomDocument::createTarnElement() {
   const char* const name = parsePosition_;
-  std::size_t size = 0;
-  while (name && rapidxml::internal::contains<rapidxml::internal::node_name>(name[size])) ++size;
-  if (size == 0) throw rapidxml::parse_error("expected element name", parsePosition_);
-
+  const char* end = name;
+  while (end && rapidxml::internal::contains<rapidxml::internal::node_name>(*end)) ++end;
+  if (end == name) throw rapidxml::parse_error("expected element name", parsePosition_);
+  const auto size = static_cast<std::size_t>(end - name);
   TarnDomElement* const element = makeTarnElement(name, size);
   beforeTopLevelNode_ = false;
   // Spares the parser a second scan of the name.
@@ -154,9 +154,8 @@ void TarnDomDocument::parse(std::vector<char>& text) {
   parseDoc(buffer_.data());
 }
 
-void TarnDomDocument::parseAndIndex(std::vector<char>& text) {
+void TarnDomDocument::parseAndIndex(std::vector<char>& text, IndexingParse& indexing) {
   takeText(text);
-  IndexingParse indexing;
   parseDoc(buffer_.data(), &indexing);
 }
 

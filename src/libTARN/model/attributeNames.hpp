@@ -4,10 +4,10 @@ namespace libtarn {
 namespace model {
 
 // Attributes that more than one source names; arrays, so that look-ups know their length.
-// "distName" is DistinguishedName::ATTR_NAME.
 constexpr char ACTION_ATTRIBUTE[] = "action";
 constexpr char CLASS_ATTRIBUTE[] = "class";
 constexpr char DATE_TIME_ATTRIBUTE[] = "dateTime";
+constexpr char DIST_NAME_ATTRIBUTE[] = "distName";  // also DistinguishedName::ATTR_NAME
 constexpr char NAME_ATTRIBUTE[] = "name";
 constexpr char VERSION_ATTRIBUTE[] = "version";
 constexpr char XMLNS_ATTRIBUTE[] = "xmlns";

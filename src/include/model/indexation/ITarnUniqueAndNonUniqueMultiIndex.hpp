@@ -32,10 +32,10 @@ class ITarnUniqueAndNonUniqueMultiIndex {
 
   virtual ~ITarnUniqueAndNonUniqueMultiIndex() = default;
 
-  /// Adds an element, in effect from when `condition` becomes true, which must live as long as the
-  /// index. False, with nothing changed, when the unique key is taken, when the index holds
-  /// elements added without a condition or with another one, and when it does not offer this.
-  virtual bool addOnceTrue(const bool& /*condition*/, T* /*element*/) { return false; }
+  /// Adds `count` elements all at once, in this order, without a look at them. False, with nothing
+  /// changed, when two have the same unique key, when the index is not empty, and when it does not
+  /// offer this.
+  virtual bool addAll(const HashedObject* /*objects*/, std::size_t /*count*/) { return false; }
 };
 
 }  // namespace indexation

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <type_traits>
 #include <utility>
@@ -32,6 +33,13 @@ struct ManagedObjectEntry {
   const char* key;
   LibTarnManagedObject* object;
   std::size_t serial;
+};
+
+/// A managed object on its way into an index: its key text, a hash of it, and the element.
+struct HashedObject {
+  const char* key;
+  LibTarnManagedObject* object;
+  std::uint32_t hash;
 };
 
 /// What a step through a collection gives: the entry itself ...

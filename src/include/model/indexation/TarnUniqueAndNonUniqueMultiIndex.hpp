@@ -35,15 +35,13 @@ class TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUniqueMultiInde
   ManagedObjectCollection getCollection() const override;
   std::size_t size() const override;
   void clear() override;
-  bool addOnceTrue(const bool& condition, T* element) override;
+  bool addAll(const HashedObject* objects, std::size_t count) override;
 
  private:
   using UniqueView = EntryTree<ManagedObjectEntry, UniqueKeyOrder>;
   using SharedView = EntryTree<ManagedObjectEntry, SharedKeyOrder>;
 
-  bool isInEffect() const { return !condition_ || *condition_; }
   const ManagedObjectEntry* findEntry(const char* key) const;
-  bool addToAll(const ManagedObjectEntry& entry);
   bool addUnique(const ManagedObjectEntry& entry);
   void eraseUnique(const char* key);
   UniqueView& uniqueView() const;
@@ -54,7 +52,6 @@ class TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUniqueMultiInde
   ObjectTable* table_ = nullptr;              // made by the first add; null when names crowd it
   mutable UniqueView* uniqueView_ = nullptr;  // made when it is first asked for
   mutable SharedView* sharedView_ = nullptr;  // likewise
-  const bool* condition_ = nullptr;
   std::size_t size_ = 0;
   std::size_t nextSerial_ = 0;
 };

@@ -37,20 +37,27 @@ class ObjectTable {
 
   /// Nothing is added but for YES.
   Added add(const ManagedObjectEntry& entry) {
-    if (!slots_ || size_ >= capacity() / 3 * 2) growSlots();
-    const std::uint32_t hash = hashOf(entry.key);
-    std::size_t position = hash & mask_;
-    std::size_t probes = 0;
-    std::size_t sameHashes = 0;
-    for (; slots_[position].number != 0; position = (position + 1) & mask_) {
-      if (holds(slots_[position], hash, entry.key)) return Added::DUPLICATE;
-      if (slots_[position].hash == hash) ++sameHashes;
-      if (++probes > MOST_PROBES || sameHashes > MOST_SAME_HASHES) return Added::CROWDED;
+    if (!slots_) {
+      makeSlots(FIRST_CAPACITY);
+    } else if (size_ >= mostEntries(capacity())) {
+      growSlots();
     }
-    const std::uint32_t number = placeFor(entry);
-    slots_[position] = {hash, number};
-    ++size_;
-    return Added::YES;
+    return place(entry, hashOf(entry.key));
+  }
+
+  /// Adds `count` entries, with serials from `serial` on, to a table that is empty. False when two
+  /// are of one key, or when they crowd it; the table is of no use then.
+  bool addAll(const HashedObject* objects, std::size_t count, std::size_t serial) {
+    std::size_t slots = FIRST_CAPACITY;
+    while (mostEntries(slots) < count) slots *= 2;
+    makeSlots(slots);
+    for (std::size_t i = 0; i < count; ++i) {
+      // The slots are all over the memory: it is asked for them ahead.
+      if (i + AHEAD < count) __builtin_prefetch(&slots_[objects[i + AHEAD].hash & mask_], 1);
+      const HashedObject& object = objects[i];
+      if (place({object.key, object.object, serial + i}, object.hash) != Added::YES) return false;
+    }
+    return true;
   }
 
   /// The entry of that key, or null. Good until it is removed.
@@ -89,6 +96,7 @@ class ObjectTable {
   static constexpr std::size_t FIRST_CAPACITY = 16;
   static constexpr std::size_t MOST_PROBES = 128;
   static constexpr std::size_t MOST_SAME_HASHES = 8;
+  static constexpr std::size_t AHEAD = 8;
   static constexpr std::uint32_t FIRST_CHUNK = 8;  // entries, a power of two
   static constexpr std::size_t MOST_CHUNKS = 29;   // hold 2^32 entries
 
@@ -96,6 +104,21 @@ class ObjectTable {
     std::uint32_t hash;
     std::uint32_t number;  // of the entry, from 1; 0 for an empty slot
   };
+
+  Added place(const ManagedObjectEntry& entry, std::uint32_t hash) {
+    std::size_t position = hash & mask_;
+    std::size_t probes = 0;
+    std::size_t sameHashes = 0;
+    for (; slots_[position].number != 0; position = (position + 1) & mask_) {
+      if (holds(slots_[position], hash, entry.key)) return Added::DUPLICATE;
+      if (slots_[position].hash == hash) ++sameHashes;
+      if (++probes > MOST_PROBES || sameHashes > MOST_SAME_HASHES) return Added::CROWDED;
+    }
+    const std::uint32_t number = placeFor(entry);
+    slots_[position] = {hash, number};
+    ++size_;
+    return Added::YES;
+  }
 
   static std::uint32_t hashOf(const char* key) { return textHash(key, std::strlen(key)); }
 
@@ -115,19 +138,26 @@ class ObjectTable {
     return position;
   }
 
-  void growSlots() {
-    const std::size_t newCapacity = slots_ ? 2 * capacity() : FIRST_CAPACITY;
-    Slot* const larger = TarnAllocator<Slot>(allocator_).allocate(newCapacity);
-    std::memset(larger, 0, newCapacity * sizeof(Slot));
-    const std::size_t oldCapacity = slots_ ? capacity() : 0;
-    for (std::size_t i = 0; i < oldCapacity; ++i) {
-      if (slots_[i].number == 0) continue;
-      std::size_t position = slots_[i].hash & (newCapacity - 1);
-      while (larger[position].number != 0) position = (position + 1) & (newCapacity - 1);
-      larger[position] = slots_[i];
-    }
-    slots_ = larger;
+  // How many entries are too many for so many slots.
+  static std::size_t mostEntries(std::size_t slots) { return slots / 3 * 2; }
+
+  void makeSlots(std::size_t newCapacity) {
+    Slot* const slots = TarnAllocator<Slot>(allocator_).allocate(newCapacity);
+    std::memset(slots, 0, newCapacity * sizeof(Slot));
+    slots_ = slots;
     mask_ = newCapacity - 1;
+  }
+
+  void growSlots() {
+    const Slot* const old = slots_;
+    const std::size_t oldCapacity = capacity();
+    makeSlots(2 * oldCapacity);
+    for (std::size_t i = 0; i < oldCapacity; ++i) {
+      if (old[i].number == 0) continue;
+      std::size_t position = old[i].hash & mask_;
+      while (slots_[position].number != 0) position = (position + 1) & mask_;
+      slots_[position] = old[i];
+    }
   }
 
   // Moves back what was placed behind its own position because of the slot that goes.

@@ -47,27 +47,11 @@ View* makeView(libDomXml::IMemoryPool* pool, std::size_t count, ForEach forEach)
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::add(T* element) {
-  if (!isInEffect()) clear();
-  condition_ = nullptr;
-  return addToAll({UniqueExtractor()(element), element, nextSerial_});
-}
-
-template <class T, class UniqueExtractor, class NonUniqueExtractor>
-bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addOnceTrue(
-    const bool& condition, T* element) {
-  if (condition_ ? condition_ != &condition : size_ > 0) return false;
-  if (!addToAll({UniqueExtractor()(element), element, nextSerial_})) return false;
-  condition_ = &condition;
-  return true;
-}
-
-template <class T, class UniqueExtractor, class NonUniqueExtractor>
-bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addToAll(
-    const ManagedObjectEntry& entry) {
+  const ManagedObjectEntry entry{UniqueExtractor()(element), element, nextSerial_};
   if (!addUnique(entry)) return false;
   if (sharedView_) {
     try {
-      sharedView_->add({NonUniqueExtractor()(entry.object), entry.object, entry.serial});
+      sharedView_->add({NonUniqueExtractor()(element), element, nextSerial_});
     } catch (...) {
       eraseUnique(entry.key);
       throw;
@@ -75,6 +59,19 @@ bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::a
   }
   ++nextSerial_;
   ++size_;
+  return true;
+}
+
+template <class T, class UniqueExtractor, class NonUniqueExtractor>
+bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addAll(
+    const HashedObject* objects, std::size_t count) {
+  if (size_ > 0) return false;
+  auto* const table = new (TarnAllocator<ObjectTable>(pool_).allocate(1)) ObjectTable(pool_);
+  if (!table->addAll(objects, count, nextSerial_)) return false;
+  clear();
+  table_ = table;
+  size_ = count;
+  nextSerial_ += count;
   return true;
 }
 
@@ -122,7 +119,6 @@ template <class T, class UniqueExtractor, class NonUniqueExtractor>
 const ManagedObjectEntry*
 TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::findEntry(
     const char* key) const {
-  if (!isInEffect()) return nullptr;
   if (table_) return table_->find(key);
   return uniqueView_ ? uniqueView_->find({key, nullptr, 0}) : nullptr;
 }
@@ -138,7 +134,7 @@ template <class T, class UniqueExtractor, class NonUniqueExtractor>
 ManagedObjectCollection
 TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getNonUniqueCollection(
     const char* key) const {
-  if (size() == 0) return {};
+  if (size_ == 0) return {};
   // No serial reaches the largest number.
   const auto first = sharedView().lowerBound({key, nullptr, 0});
   const auto last =
@@ -149,12 +145,12 @@ TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getNon
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 ManagedObjectCollection
 TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getCollection() const {
-  return size() == 0 ? ManagedObjectCollection() : uniqueView().collection();
+  return size_ == 0 ? ManagedObjectCollection() : uniqueView().collection();
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 std::size_t TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::size() const {
-  return isInEffect() ? size_ : 0;
+  return size_;
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
@@ -162,7 +158,6 @@ void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::c
   table_ = nullptr;
   uniqueView_ = nullptr;
   sharedView_ = nullptr;
-  condition_ = nullptr;
   size_ = 0;
 }
 
