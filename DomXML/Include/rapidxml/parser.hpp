@@ -46,6 +46,8 @@ class parse_error : public std::exception {
 struct parse_events {
   /// Before the node that follows a "<" outside of every element is asked for.
   void before_top_level_node() {}
+  /// When a reference that stands for a zero byte has been expanded.
+  void zero_byte() {}
   /// When the whole of an element within another has been read and linked to that other one, which
   /// is still open.
   template <class Node>
@@ -288,7 +290,7 @@ class parser {
   }
 
   template <class Class>
-  [[gnu::noinline]] static Ch* expand_references(Ch*& cursor) {
+  [[gnu::noinline]] Ch* expand_references(Ch*& cursor) {
     Ch* read = cursor;
     Ch* write = read;
     while (is<Class>(*read)) {
@@ -304,7 +306,7 @@ class parser {
 
   // `read` is at a "&". Writes what it stands for and moves `read` behind the reference; an "&"
   // that opens no reference stands for itself.
-  static Ch* expand_reference(Ch*& read, Ch* write) {
+  Ch* expand_reference(Ch*& read, Ch* write) {
     if (read[1] == Ch('#')) return expand_numeric_reference(read, write);
     for (const named_reference& reference : named_references) {
       if (!starts_with(read + 1, reference.name)) continue;
@@ -316,7 +318,7 @@ class parser {
     return write + 1;
   }
 
-  static Ch* expand_numeric_reference(Ch*& read, Ch* write) {
+  Ch* expand_numeric_reference(Ch*& read, Ch* write) {
     const bool hexadecimal = read[2] == Ch('x');
     Ch* const digits = read + (hexadecimal ? 3 : 2);
     const std::uint32_t base = hexadecimal ? 16 : 10;
@@ -334,6 +336,7 @@ class parser {
       throw parse_error("invalid numeric character entity", end);
     }
     if (*end != Ch(';')) throw parse_error("expected ;", end);
+    if (code == 0) m_events.zero_byte();
     read = end + 1;
     return write_utf8(code, write);
   }

@@ -20,7 +20,7 @@ namespace indexation {
 class ITarnIndexFactory;
 }
 
-class IndexingParse;
+struct IndexingParse;
 class LibTarnManagedObjectImp;
 
 /// Node class of LibTarnCmData.

@@ -22,7 +22,7 @@ class ITarnIndexFactory;
 }
 
 class IDistinguishedNameValidator;
-class IndexingParse;
+struct IndexingParse;
 
 /// Node class of LibTarnManagedObject.
 class LibTarnManagedObjectImp : public TarnDomElement, public LibTarnManagedObject {

@@ -13,7 +13,7 @@ class IDomDocument;
 namespace libtarn {
 namespace model {
 
-class IndexingParse;
+struct IndexingParse;
 
 /// Node class of List.
 class ListImp : public TarnDomElement, public List {

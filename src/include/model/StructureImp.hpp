@@ -14,7 +14,7 @@ class IDomDocument;
 namespace libtarn {
 namespace model {
 
-class IndexingParse;
+struct IndexingParse;
 
 namespace indexation {
 class ITarnIndexFactory;

@@ -11,7 +11,7 @@
 namespace libtarn {
 namespace model {
 
-class IndexingParse;
+struct IndexingParse;
 class LibTarnDocumentDeclaration;
 class LibTarnDocumentInternal;
 

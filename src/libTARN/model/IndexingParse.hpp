@@ -15,51 +15,55 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
+#include "DomElement.hpp"
 #include "attributeNames.hpp"
 #include "indexation/textHash.hpp"
 #include "model/indexation/TarnCollection.hpp"
-#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {
-
-/// The name of an element in its index.
-template <class Element>
-const char* indexedName(const Element& element) {
-  return textOrEmpty(element.getLiteralAttribute(NAME_ATTRIBUTE));
-}
 
 class LibTarnManagedObjectImp;
 
 /// How the names of entries are to one another. UNKNOWN: some may be the same.
 enum class NameOrder { SORTED, DIFFERENT, UNKNOWN };
 
-/// What has been parsed, and what is used again for one object after the other.
-class IndexingParse {
+/// Elements of one kind just parsed, with their names. The text that they were parsed from holds no
+/// zero byte.
+template <class Element>
+class ParsedNames {
  public:
-  /// The objects of every cmData, those of one of them in a row, as long as all is plain.
-  std::vector<indexation::HashedObject> objects;
-  /// Those of them that have an operation.
-  std::vector<LibTarnManagedObjectImp*> withOperation;
+  using Entry = indexation::ParameterEntry<Element>;
 
-  std::vector<indexation::ParameterEntry<Scalar>> scalars;
-  std::vector<indexation::ParameterEntry<List>> lists;
-  std::vector<indexation::ParameterEntry<Scalar>> components;
+  void clear() {
+    entries_.clear();
+    tails_.clear();
+  }
 
-  template <class Entry>
-  NameOrder orderOf(const std::vector<Entry>& entries) {
-    std::size_t sorted = 1;
-    while (sorted < entries.size() &&
-           std::strcmp(entries[sorted - 1].first, entries[sorted].first) < 0) {
-      ++sorted;
+  /// `node` is the element as a node.
+  void add(const libDomXml::DomElement& node, Element* element) {
+    const rapidxml::xml_attribute<char>* const name =
+        node.first_attribute(NAME_ATTRIBUTE, sizeof(NAME_ATTRIBUTE) - 1);
+    entries_.emplace_back(name ? name->value() : "", element);
+    tails_.push_back(name ? tailOf(name->value(), name->value_size()) : 0);
+  }
+
+  const std::vector<Entry>& entries() const { return entries_; }
+
+  NameOrder order() {
+    if (entries_.size() <= FEW) {
+      if (tailsDiffer()) return NameOrder::DIFFERENT;
+    } else if (areSorted()) {
+      return NameOrder::SORTED;
     }
-    if (sorted >= entries.size()) return NameOrder::SORTED;
-    return differ(entries) ? NameOrder::DIFFERENT : NameOrder::UNKNOWN;
+    return namesDiffer() ? NameOrder::DIFFERENT : NameOrder::UNKNOWN;
   }
 
  private:
+  static constexpr std::size_t FEW = 16;
   // Names that crowd are made by those who want to slow a load down.
   static constexpr std::size_t MOST_PROBES = 64;
 
@@ -68,20 +72,49 @@ class IndexingParse {
     std::uint32_t number;  // of the entry, from 1; 0 for an empty slot
   };
 
+  // The last bytes of a name, or the whole of a short one. Names of different tails are different.
+  static std::uint64_t tailOf(const char* name, std::size_t size) {
+    constexpr std::size_t MOST = sizeof(std::uint64_t);
+    std::uint64_t tail = 0;
+    if (size >= MOST) {
+      std::memcpy(&tail, name + size - MOST, MOST);
+    } else {
+      for (std::size_t i = 0; i < size; ++i)
+        tail = tail << 8U | static_cast<unsigned char>(name[i]);
+    }
+    return tail;
+  }
+
+  bool tailsDiffer() const {
+    bool same = false;
+    for (std::size_t i = 1; i < tails_.size(); ++i) {
+      for (std::size_t j = 0; j < i; ++j) same |= tails_[i] == tails_[j];
+    }
+    return !same;
+  }
+
+  bool areSorted() const {
+    std::size_t sorted = 1;
+    while (sorted < entries_.size() &&
+           std::strcmp(entries_[sorted - 1].first, entries_[sorted].first) < 0) {
+      ++sorted;
+    }
+    return sorted >= entries_.size();
+  }
+
   // False also when it is too hard to tell.
-  template <class Entry>
-  bool differ(const std::vector<Entry>& entries) {
+  bool namesDiffer() {
     std::size_t capacity = 8;
-    while (capacity < 2 * entries.size()) capacity *= 2;
+    while (capacity < 2 * entries_.size()) capacity *= 2;
     slots_.assign(capacity, Slot{0, 0});
     std::uint32_t number = 0;
-    for (const Entry& entry : entries) {
+    for (const Entry& entry : entries_) {
       const std::uint32_t hash = indexation::textHash(entry.first, std::strlen(entry.first));
       std::size_t position = hash & (capacity - 1);
       for (std::size_t probes = 0; slots_[position].number != 0; ++probes) {
         const Slot& slot = slots_[position];
         const bool isSame =
-            slot.hash == hash && std::strcmp(entries[slot.number - 1].first, entry.first) == 0;
+            slot.hash == hash && std::strcmp(entries_[slot.number - 1].first, entry.first) == 0;
         if (isSame || probes == MOST_PROBES) return false;
         position = (position + 1) & (capacity - 1);
       }
@@ -90,7 +123,23 @@ class IndexingParse {
     return true;
   }
 
+  std::vector<Entry> entries_;
+  std::vector<std::uint64_t> tails_;
   std::vector<Slot> slots_;
+};
+
+/// What has been parsed, and what is used again for one object after the other.
+struct IndexingParse {
+  /// The objects of every cmData, those of one of them in a row, as long as all is plain.
+  std::vector<indexation::HashedObject> objects;
+  /// Those of them that have an operation.
+  std::vector<LibTarnManagedObjectImp*> withOperation;
+  /// A zero byte, written as a reference, has been read: nothing is plain.
+  bool zeroByte = false;
+
+  ParsedNames<Scalar> scalars;
+  ParsedNames<List> lists;
+  ParsedNames<Scalar> components;
 };
 
 }  // namespace model

@@ -190,9 +190,12 @@ void LibTarnCmDataImp::removeAllLibTarnManagedObjects() {
 
 void LibTarnCmDataImp::indexParsed(LibTarnManagedObjectImp& object, IndexingParse& parse) {
   if (!allPlain_) return;
-  const char* const name = textOrEmpty(object.getLiteralAttribute(DIST_NAME_ATTRIBUTE));
-  const std::uint32_t hash = indexation::textHash(name, std::strlen(name));
-  allPlain_ = addTo(parsed_, parse.objects, indexation::HashedObject{name, &object, hash}) &&
+  const auto* const attribute =
+      object.first_attribute(DIST_NAME_ATTRIBUTE, sizeof(DIST_NAME_ATTRIBUTE) - 1);
+  const char* const name = attribute ? attribute->value() : "";
+  const std::uint32_t hash = indexation::textHash(name, attribute ? attribute->value_size() : 0);
+  allPlain_ = !parse.zeroByte &&
+              addTo(parsed_, parse.objects, indexation::HashedObject{name, &object, hash}) &&
               (!object.hasOperation() || addTo(withOperation_, parse.withOperation, &object)) &&
               object.indexParsed(parse, parsedInEffect_);
 }
@@ -203,7 +206,7 @@ void LibTarnCmDataImp::finishParsing(const IndexingParse& parse) {
 }
 
 bool LibTarnCmDataImp::adoptParsed(const IndexingParse& parse) {
-  if (!allPlain_ || parsed_.begin == parsed_.end) return false;
+  if (!allPlain_ || parse.zeroByte || parsed_.begin == parsed_.end) return false;
   if (!managedObjectIndex_->addAll(&parse.objects[parsed_.begin], parsed_.end - parsed_.begin)) {
     return false;
   }

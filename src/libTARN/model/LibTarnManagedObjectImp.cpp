@@ -389,14 +389,14 @@ bool LibTarnManagedObjectImp::indexParsed(IndexingParse& parse, const bool& cond
   parse.lists.clear();
   for (auto* node = first_node(); node; node = node->next_sibling()) {
     if (auto* const scalar = typedAs<ScalarImp>(node)) {
-      parse.scalars.emplace_back(indexedName(*scalar), scalar);
+      parse.scalars.add(*scalar, scalar);
     } else if (auto* const list = typedAs<ListImp>(node)) {
-      parse.lists.emplace_back(indexedName(*list), list);
+      parse.lists.add(*list, list);
       if (!list->indexParsed(parse, condition)) return false;
     }
   }
-  return indexOnceTrue<Scalar>(*scalarIndex_, parse, parse.scalars, condition) &&
-         indexOnceTrue<List>(*listIndex_, parse, parse.lists, condition);
+  return indexOnceTrue(*scalarIndex_, parse.scalars, condition) &&
+         indexOnceTrue(*listIndex_, parse.lists, condition);
 }
 
 void LibTarnManagedObjectImp::throwDuplicate(const char* childTag, const char* name) const {

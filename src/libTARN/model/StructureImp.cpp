@@ -116,10 +116,10 @@ bool StructureImp::indexParsed(IndexingParse& parse, const bool& condition) {
   parse.components.clear();
   for (auto* node = first_node(); node; node = node->next_sibling()) {
     if (auto* const component = typedAs<ScalarImp>(node)) {
-      parse.components.emplace_back(indexedName(*component), component);
+      parse.components.add(*component, component);
     }
   }
-  return indexOnceTrue<Scalar>(*componentIndex_, parse, parse.components, condition);
+  return indexOnceTrue(*componentIndex_, parse.components, condition);
 }
 
 // An item need not be in a list of a managed object: what is missing is told as "".

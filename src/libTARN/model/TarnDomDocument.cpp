@@ -89,8 +89,9 @@ Element* TarnDomDocument::makeNode() {
 }
 
 // The first tag of which the name is a beginning decides, so that "manag" is a managed object. The
-// tags differ in their first letters, but that "log" comes before "list".
-inline TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::size_t size) {
+// tags differ in their first letters, but that "log" comes before "list". A scalar, whose tag has
+// no beginnings, has been told apart before.
+TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::size_t size) {
   const auto begins = [name, size](const char* tag) {
     std::size_t i = 1;
     while (i < size && name[i] == tag[i]) ++i;
@@ -113,9 +114,6 @@ inline TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::s
       if (begins(Log::TAG_NAME)) return makeNode<LogImp>();
       if (begins(List::TAG_NAME)) return makeNode<ListImp>();
       break;
-    case 'p':
-      if (begins(Scalar::TAG_NAME)) return makeNode<ScalarImp>();
-      break;
     case 'i':
       if (begins(Structure::TAG_NAME)) return allocateStructureNode();
       break;
@@ -128,13 +126,23 @@ inline TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::s
   throw rapidxml::parse_error("unknown TARN object", const_cast<char*>(name + size));
 }
 
+// Three elements out of four are parameters.
 TarnDomElement* TarnDomDocument::createTarnElement() {
+  const auto isNameCharacter = [](char c) {
+    return rapidxml::internal::contains<rapidxml::internal::node_name>(c);
+  };
   const char* const name = parsePosition_;
-  const char* end = name;
-  while (end && rapidxml::internal::contains<rapidxml::internal::node_name>(*end)) ++end;
-  if (end == name) throw rapidxml::parse_error("expected element name", parsePosition_);
-  const auto size = static_cast<std::size_t>(end - name);
-  TarnDomElement* const element = makeTarnElement(name, size);
+  if (!name || !isNameCharacter(*name)) {
+    throw rapidxml::parse_error("expected element name", parsePosition_);
+  }
+  TarnDomElement* element = nullptr;
+  std::size_t size = 1;
+  if (*name == *Scalar::TAG_NAME && !isNameCharacter(name[1])) {
+    element = makeNode<ScalarImp>();
+  } else {
+    while (isNameCharacter(name[size])) ++size;
+    element = makeTarnElement(name, size);
+  }
   beforeTopLevelNode_ = false;
   // Spares the parser a second scan of the name.
   element->rapidxml::xml_base<char>::name(name, size);
@@ -188,6 +196,10 @@ struct TarnDomDocument::Events : rapidxml::parse_events {
   using Node = rapidxml::xml_node<char>;
 
   void before_top_level_node() { document.beforeTopLevelNode_ = true; }
+
+  void zero_byte() {
+    if (indexing) indexing->zeroByte = true;
+  }
 
   // Objects elsewhere are in no index.
   void element_complete(Node* element) {

@@ -17,14 +17,14 @@ bool indexOnce(indexation::ITarnUniqueIndex<Element>& index, Element& element) {
   return index.add(&element) || index.find(textOrEmpty(element.getName())) == &element;
 }
 
-/// Gives `entries` to a fresh index, in effect from when `condition` becomes true. False when names
+/// Gives `names` to a fresh index, in effect from when `condition` becomes true. False when names
 /// may be the same, or the index cannot do it.
 template <class Element>
-bool indexOnceTrue(indexation::ITarnUniqueIndex<Element>& index, IndexingParse& parse,
-                   const std::vector<indexation::ParameterEntry<Element>>& entries,
+bool indexOnceTrue(indexation::ITarnUniqueIndex<Element>& index, ParsedNames<Element>& names,
                    const bool& condition) {
+  const auto& entries = names.entries();
   if (entries.empty()) return true;
-  const NameOrder order = parse.orderOf(entries);
+  const NameOrder order = names.order();
   return order != NameOrder::UNKNOWN &&
          index.addOnceTrue(condition, entries.data(), entries.size(), order == NameOrder::SORTED);
 }
