@@ -49,7 +49,11 @@ double residentBytes() {
 
 void measure(benchmark::State& state, const Work& work, Memory memory, const std::string& text) {
   for (auto _ : state) {
-    if (memory == Memory::COLD) malloc_trim(0);
+    if (memory == Memory::COLD) {
+      malloc_trim(0);
+    } else {
+      work.prepare(text, memory)();
+    }
     const double before = residentBytes();
     const Round round = work.prepare(text, memory);
     const auto start = std::chrono::steady_clock::now();
