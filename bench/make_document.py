@@ -2,7 +2,9 @@
 """Writes a configuration document of a given size, the same one for the same seed.
 
 Shapes:
-  mixed       objects with parameters, lists of both kinds and extensions
+  network     objects as planning tools write them: parameters of long names, with values of many
+              kinds, lists of plain values and of items, an extension
+  mixed       the same kinds of elements, with short names and values
   attributes  many objects with long names and no parameters
   text        parameters with long values
   tiny        objects with one parameter
@@ -14,6 +16,10 @@ import random
 import sys
 
 CLASSES = ["SITE", "CELL", "RADIO", "LINK", "PORT", "CLOCK", "POWER", "ALARM", "ROUTE"]
+QUALITIES = ("administrative operational maximum minimum default reserved primary secondary uplink "
+             "downlink handover measurement synchronization redundant external").split()
+QUANTITIES = ("State TransmitPower Threshold TimerInSeconds Bandwidth Identifier Priority Address "
+              "FrequencyOffset Weight Mode ReportInterval").split()
 UNITS = {"KiB": 1 << 10, "MiB": 1 << 20, "GiB": 1 << 30}
 
 
@@ -30,6 +36,42 @@ def parameters(rng, count, length=4):
         f'   <p name="param{n:06d}">{rng.randrange(10 ** length):0{length}d}</p>\n' for n in names)
 
 
+def value(rng, quantity):
+    if quantity in ("State", "Mode"):
+        return rng.choice(["unlocked", "locked", "shuttingDown", "enabled", "automatic"])
+    if quantity == "Address":
+        return ".".join(str(rng.randrange(256)) for _ in range(4))
+    if quantity == "Identifier":
+        return f"site-{rng.randrange(10 ** 6)}.region-{rng.randrange(100)}.operator.example"
+    return str(rng.choice([rng.randrange(10), rng.randrange(1000), -rng.randrange(10 ** 6)]))
+
+
+# Each class has parameters of its own, in an order of its own.
+def class_parameters(number):
+    rng = random.Random(number)
+    names = [(quality, quantity) for quality in QUALITIES for quantity in QUANTITIES]
+    return rng.sample(names, 8 + number)
+
+
+CLASS_PARAMETERS = [class_parameters(number) for number in range(len(CLASSES))]
+
+
+def network(rng, number):
+    body = "".join(
+        f'   <p name="{quality}{quantity}">{value(rng, quantity)}</p>\n'
+        for quality, quantity in CLASS_PARAMETERS[number % len(CLASSES)])
+    body += '   <list name="neighbourCells">\n'
+    body += "".join(f"    <p>NET-1/SITE-{rng.randrange(10 ** 4)}/CELL-{rng.randrange(10 ** 6)}</p>\n"
+                    for _ in range(rng.randrange(1, 5)))
+    body += '   </list>\n   <list name="transportPorts">\n'
+    for port in range(rng.randrange(1, 4)):
+        body += (f'    <item>\n     <p name="portIdentifier">{port}</p>\n'
+                 f'     <p name="lineRateInMegabits">{rng.randrange(100000)}</p>\n    </item>\n')
+    body += '   </list>\n   <extension name="planningTool">\n'
+    body += f'    <p name="comment">approved &amp; checked, revision &lt; {rng.randrange(1000)}</p>\n'
+    return body + "   </extension>\n"
+
+
 def mixed(rng):
     body = parameters(rng, 8)
     body += '   <list name="neighbours">\n'
@@ -43,10 +85,11 @@ def mixed(rng):
 
 
 BODIES = {
-    "mixed": mixed,
-    "attributes": lambda rng: "",
-    "text": lambda rng: f'   <p name="note">{"lorem ipsum " * rng.randrange(20, 60)}</p>\n',
-    "tiny": lambda rng: f'   <p name="id">{rng.randrange(1000)}</p>\n',
+    "network": network,
+    "mixed": lambda rng, number: mixed(rng),
+    "attributes": lambda rng, number: "",
+    "text": lambda rng, number: f'   <p name="note">{"lorem ipsum " * rng.randrange(20, 60)}</p>\n',
+    "tiny": lambda rng, number: f'   <p name="id">{rng.randrange(1000)}</p>\n',
 }
 
 
@@ -55,7 +98,7 @@ def managed_object(rng, shape, number):
     if shape == "attributes":
         name = "/".join(f"GROUP{level}-{number >> level}" for level in range(8)) + f"/CELL-{number}"
     head = f'  <managedObject class="{CLASSES[number % len(CLASSES)]}" distName="{name}" version="1.0">\n'
-    return head + BODIES[shape](rng) + "  </managedObject>\n"
+    return head + BODIES[shape](rng, number) + "  </managedObject>\n"
 
 
 def wide_object(rng, size):
@@ -93,8 +136,8 @@ def main():
     parser.add_argument("--seed", default=1, type=int, help="of the random numbers (1)")
     parser.add_argument("--order", default="shuffled", choices=["sorted", "shuffled", "reversed"],
                         help="of the objects' names (shuffled)")
-    parser.add_argument("--shape", default="mixed", choices=[*BODIES, "wide"],
-                        help="of the objects (mixed)")
+    parser.add_argument("--shape", default="network", choices=[*BODIES, "wide"],
+                        help="of the objects (network)")
     parser.add_argument("-o", "--output", default="-", help="file to write (standard output)")
     arguments = parser.parse_args()
 

@@ -3,9 +3,10 @@
 namespace rapidxml {
 
 void print_node(std::string& out, const xml_node<char>* node, int flags, int indent) {
-  internal::string_sink sink(out);
-  internal::printer<internal::string_sink>(sink, flags)
-      .print(node, static_cast<std::size_t>(indent));
+  const auto append = [&out](const char* begin, const char* end) { out.append(begin, end); };
+  internal::buffered_sink<decltype(append)> sink(append);
+  internal::printer<decltype(sink)>(sink, flags).print(node, static_cast<std::size_t>(indent));
+  sink.flush();
 }
 
 }  // namespace rapidxml

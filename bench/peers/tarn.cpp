@@ -38,7 +38,9 @@ class LateIndexFactory : public indexation::ITarnIndexFactory {
 // as warm as the heap is.
 class TarnState {
  public:
-  TarnState(const std::string& text, Memory memory) : text_(text.begin(), text.end()) {
+  TarnState(const std::string& text, Memory memory) {
+    text_.reserve(text.size() + 1);
+    text_.assign(text.begin(), text.end());
     text_.push_back('\0');
     if (memory == Memory::COLD) {
       document_.emplace();

@@ -55,6 +55,15 @@ struct double_quoted {
   [[gnu::visibility("hidden")]] static constexpr character_table table = all_but("\"");
 };
 
+/// What is printed as it is.
+struct plain {
+  [[gnu::visibility("hidden")]] static constexpr character_table table = [] {
+    character_table all = all_but("&<>'\"");
+    all[0] = true;
+    return all;
+  }();
+};
+
 constexpr character_table without_ampersand(character_table table) {
   table[static_cast<unsigned char>('&')] = false;
   return table;

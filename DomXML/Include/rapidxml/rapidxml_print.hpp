@@ -7,10 +7,12 @@
 // the parent links, so that no depth of the tree costs stack.
 
 #include <cstddef>
-#include <iterator>
+#include <cstdint>
+#include <cstring>
 #include <string>
 
 #include "rapidxml/rapidxml.hpp"
+#include "rapidxml/scan.hpp"
 
 namespace rapidxml {
 
@@ -19,37 +21,67 @@ constexpr int print_no_indenting = 1;
 
 namespace internal {
 
-/// Where the printer writes: any output iterator.
-template <class OutIt>
-class iterator_sink {
+/// Where the printer writes. Gathers what is written and gives it on in pieces, to
+/// `out(begin, end)`.
+template <class Out>
+class buffered_sink {
  public:
-  explicit iterator_sink(OutIt out) : m_out(out) {}
+  explicit buffered_sink(Out out) : m_out(out), m_next(m_buffer) {}
+  buffered_sink(const buffered_sink&) = delete;
+  buffered_sink& operator=(const buffered_sink&) = delete;
 
-  void put(char c) { *m_out++ = c; }
-  void put(const char* begin, const char* end) {
-    while (begin != end) *m_out++ = *begin++;
+  static constexpr std::size_t capacity = 4096;
+
+  /// Room for `size` bytes, at most `capacity`; wrote_to() says where what was written there ends.
+  char* room_for(std::size_t size) {
+    if (size > room()) flush();
+    return m_next;
+  }
+  void wrote_to(char* end) { m_next = end; }
+
+  void put(char c) {
+    *room_for(1) = c;
+    ++m_next;
+  }
+  void put(const char* text, std::size_t size) {
+    if (size > capacity) {
+      flush();
+      m_out(text, text + size);
+    } else {
+      std::memcpy(room_for(size), text, size);
+      m_next += size;
+    }
   }
   void fill(std::size_t count, char c) {
-    for (; count > 0; --count) *m_out++ = c;
+    for (; count > capacity; count -= capacity) {
+      std::memset(room_for(capacity), c, capacity);
+      m_next += capacity;
+    }
+    std::memset(room_for(count), c, count);
+    m_next += count;
   }
-  OutIt position() const { return m_out; }
+  /// Gives on what is left. To be called at the end.
+  void flush() {
+    m_out(m_buffer, m_next);
+    m_next = m_buffer;
+  }
 
  private:
-  OutIt m_out;
+  std::size_t room() const { return static_cast<std::size_t>(m_buffer + capacity - m_next); }
+
+  Out m_out;
+  char* m_next;
+  char m_buffer[capacity];
 };
 
-/// Appends to a string in runs.
-class string_sink {
- public:
-  explicit string_sink(std::string& out) : m_out(&out) {}
-
-  void put(char c) { m_out->push_back(c); }
-  void put(const char* begin, const char* end) { m_out->append(begin, end); }
-  void fill(std::size_t count, char c) { m_out->append(count, c); }
-
- private:
-  std::string* m_out;
-};
+/// A sink that gives on to an output iterator, which is moved along.
+template <class OutIt>
+auto sink_to(OutIt& out) {
+  const auto copy = [&out](const char* begin, const char* end) {
+    while (begin != end) *out++ = *begin++;
+  };
+  return buffered_sink<decltype(copy)>(copy);
+}
 
 /// What the character becomes in printed text, or null for the character itself.
 constexpr const char* reference_for(char c) {
@@ -67,6 +99,87 @@ constexpr const char* reference_for(char c) {
     default:
       return nullptr;
   }
+}
+
+/// The bytes of a block that are printed as references.
+template <class Block>
+typename Block::mask special_in(const Block& block) {
+  return block.equal('&') | block.equal('<') | block.equal('>') | block.equal('\'') |
+         block.equal('"');
+}
+
+/// The first character from `begin` on that is printed as a reference, or `end`.
+inline const char* end_of_plain(const char* begin, const char* end) {
+  while (end - begin >= static_cast<std::ptrdiff_t>(wide_block::size)) {
+    const wide_block::mask special = special_in(wide_block(begin));
+    if (wide_block::any(special)) return begin + wide_block::first(special);
+    begin += wide_block::size;
+  }
+  while (begin != end && contains<plain>(*begin)) ++begin;
+  return begin;
+}
+
+// Texts are copied in words that may overlap, so that no text of four bytes or more is copied byte
+// by byte; a short one fits into one block, in which it is looked for what cannot be copied.
+
+template <class Word>
+Word load_word(const char* from) {
+  Word word;
+  std::memcpy(&word, from, sizeof(word));
+  return word;
+}
+
+template <class Word>
+void store_word(char* to, Word word) {
+  std::memcpy(to, &word, sizeof(word));
+}
+
+/// Copies a name, which is never expanded, and returns the end of the copy.
+inline char* copy_name(char* to, const char* from, std::size_t size) {
+  if (size > 2 * sizeof(std::uint64_t)) {
+    std::memcpy(to, from, size);
+  } else if (size >= sizeof(std::uint64_t)) {
+    const auto last = load_word<std::uint64_t>(from + size - sizeof(std::uint64_t));
+    store_word(to, load_word<std::uint64_t>(from));
+    store_word(to + size - sizeof(last), last);
+  } else if (size >= sizeof(std::uint32_t)) {
+    const auto last = load_word<std::uint32_t>(from + size - sizeof(std::uint32_t));
+    store_word(to, load_word<std::uint32_t>(from));
+    store_word(to + size - sizeof(last), last);
+  } else {
+    for (std::size_t i = 0; i < size; ++i) to[i] = from[i];
+  }
+  return to + size;
+}
+
+/// Copies a text of which nothing is printed as a reference, and returns the end of the copy; null,
+/// with part of it copied, when it is no such text.
+inline char* copy_plain(char* to, const char* from, std::size_t size) {
+  std::size_t copied = 0;
+  for (; size - copied >= wide_block::size; copied += wide_block::size) {
+    const wide_block block(from + copied);
+    if (wide_block::any(special_in(block))) return nullptr;
+    block.store(to + copied);
+  }
+  if (size >= wide_block::size) {
+    const wide_block last(from + size - wide_block::size);
+    if (wide_block::any(special_in(last))) return nullptr;
+    last.store(to + size - wide_block::size);
+    return to + size;
+  }
+  if (size >= 2 * sizeof(std::uint32_t) && wide_block::size >= 2 * sizeof(std::uint64_t)) {
+    const auto first = load_word<std::uint64_t>(from);
+    const auto last = load_word<std::uint64_t>(from + size - sizeof(first));
+    if (wide_block::any(special_in(wide_block(first, last)))) return nullptr;
+    store_word(to, first);
+    store_word(to + size - sizeof(last), last);
+    return to + size;
+  }
+  for (std::size_t i = 0; i < size; ++i) {
+    if (!contains<plain>(from[i])) return nullptr;
+    to[i] = from[i];
+  }
+  return to + size;
 }
 
 template <class Sink>
@@ -108,15 +221,18 @@ class printer {
   }
 
   void expanded(const char* begin, const char* end, char noexpand) {
-    const char* run = begin;
-    for (; begin != end; ++begin) {
-      const char* const reference = *begin == noexpand ? nullptr : reference_for(*begin);
-      if (!reference) continue;
-      m_sink.put(run, begin);
-      put(reference);
-      run = begin + 1;
+    for (;;) {
+      const char* const special = end_of_plain(begin, end);
+      put(begin, special);
+      if (special == end) return;
+      const char* const reference = *special == noexpand ? nullptr : reference_for(*special);
+      if (reference) {
+        put(reference);
+      } else {
+        m_sink.put(*special);
+      }
+      begin = special + 1;
     }
-    m_sink.put(run, end);
   }
 
  private:
@@ -159,10 +275,7 @@ class printer {
 
   bool open_element(const node* element, std::size_t depth) {
     spaces(depth);
-    m_sink.put('<');
-    name(element);
-    attributes(element);
-    m_sink.put('>');
+    start_tag(element);
     const node* const child = element->first_node();
     if (child && !is_only_data(child)) {
       end_line();
@@ -171,6 +284,20 @@ class printer {
     expanded_value(child ? child : element);
     end_tag(element);
     return false;
+  }
+
+  void start_tag(const node* element) {
+    const std::size_t size = element->name_size();
+    if (size + 1 > Sink::capacity) {
+      m_sink.put('<');
+      name(element);
+    } else {
+      char* out = m_sink.room_for(size + 1);
+      *out++ = '<';
+      m_sink.wrote_to(copy_name(out, element->name(), size));
+    }
+    attributes(element);
+    m_sink.put('>');
   }
 
   static bool is_only_data(const node* first) {
@@ -183,9 +310,18 @@ class printer {
   }
 
   void end_tag(const node* element) {
-    put("</");
-    name(element);
-    m_sink.put('>');
+    const std::size_t size = element->name_size();
+    if (size + 3 > Sink::capacity) {
+      put("</");
+      name(element);
+      return m_sink.put('>');
+    }
+    char* out = m_sink.room_for(size + 3);
+    *out++ = '<';
+    *out++ = '/';
+    out = copy_name(out, element->name(), size);
+    *out++ = '>';
+    m_sink.wrote_to(out);
   }
 
   bool enclosed(std::size_t depth, const char* before, const node* current, const char* after) {
@@ -199,11 +335,29 @@ class printer {
   void attributes(const node* owner) {
     const xml_attribute<char>* attribute = owner->first_attribute();
     for (; attribute; attribute = attribute->next_attribute()) {
+      if (print_plain(attribute)) continue;
       m_sink.put(' ');
       name(attribute);
       m_sink.put('=');
       quoted_value(attribute);
     }
+  }
+
+  // An attribute that is not too large and has nothing to be expanded. False for any other, with
+  // nothing printed.
+  bool print_plain(const xml_attribute<char>* attribute) {
+    const std::size_t size = attribute->name_size() + attribute->value_size() + 4;
+    if (size > Sink::capacity) return false;
+    char* out = m_sink.room_for(size);
+    *out++ = ' ';
+    out = copy_name(out, attribute->name(), attribute->name_size());
+    *out++ = '=';
+    *out++ = '"';
+    out = copy_plain(out, attribute->value(), attribute->value_size());
+    if (!out) return false;
+    *out++ = '"';
+    m_sink.wrote_to(out);
+    return true;
   }
 
   // A value that holds a double quote goes into single quotes.
@@ -220,16 +374,22 @@ class printer {
   }
 
   void expanded_value(const node* current) {
+    if (current->value_size() <= Sink::capacity) {
+      char* const room = m_sink.room_for(current->value_size());
+      char* const end = copy_plain(room, current->value(), current->value_size());
+      if (end) return m_sink.wrote_to(end);
+    }
     expanded(current->value(), current->value() + current->value_size(), '\0');
   }
 
-  void name(const xml_base<char>* record) {
-    m_sink.put(record->name(), record->name() + record->name_size());
+  void name(const xml_base<char>* record) { m_sink.put(record->name(), record->name_size()); }
+  void value(const xml_base<char>* record) { m_sink.put(record->value(), record->value_size()); }
+  void put(const char* text) {
+    while (*text != '\0') m_sink.put(*text++);
   }
-  void value(const xml_base<char>* record) {
-    m_sink.put(record->value(), record->value() + record->value_size());
+  void put(const char* begin, const char* end) {
+    m_sink.put(begin, static_cast<std::size_t>(end - begin));
   }
-  void put(const char* text) { m_sink.put(text, text + measure(text)); }
 
   void spaces(std::size_t depth) {
     if (m_indenting) m_sink.fill(depth, ' ');
@@ -251,32 +411,34 @@ class printer {
 /// print_no_indenting. `indent` is the depth of the node, from 0. Returns the advanced iterator.
 template <class OutIt>
 OutIt print_node(OutIt out, const xml_node<char>* node, int flags, int indent) {
-  internal::iterator_sink<OutIt> sink(out);
-  internal::printer<internal::iterator_sink<OutIt>>(sink, flags)
-      .print(node, static_cast<std::size_t>(indent));
-  return sink.position();
+  auto sink = internal::sink_to(out);
+  internal::printer<decltype(sink)>(sink, flags).print(node, static_cast<std::size_t>(indent));
+  sink.flush();
+  return out;
 }
 
-/// As above, appending to `out` in runs instead of single characters.
+/// As above, appending to `out`.
 void print_node(std::string& out, const xml_node<char>* node, int flags, int indent);
 
 /// Prints an element (asserted) and everything below it, without a line feed behind its end tag.
 template <class OutIt>
 OutIt print_element_node(OutIt out, const xml_node<char>* node, int flags, int indent) {
   TARN_ASSERT(node->type() == node_element, "node->type() == node_element");
-  internal::iterator_sink<OutIt> sink(out);
-  internal::printer<internal::iterator_sink<OutIt>>(sink, flags)
+  auto sink = internal::sink_to(out);
+  internal::printer<decltype(sink)>(sink, flags)
       .print_element(node, static_cast<std::size_t>(indent));
-  return sink.position();
+  sink.flush();
+  return out;
 }
 
 /// Copies the characters, the five special ones as references but for `noexpand` (zero: none is
 /// exempt). Returns the advanced iterator.
 template <class OutIt>
 OutIt copy_and_expand_chars(const char* begin, const char* end, char noexpand, OutIt out) {
-  internal::iterator_sink<OutIt> sink(out);
-  internal::printer<internal::iterator_sink<OutIt>>(sink, 0).expanded(begin, end, noexpand);
-  return sink.position();
+  auto sink = internal::sink_to(out);
+  internal::printer<decltype(sink)>(sink, 0).expanded(begin, end, noexpand);
+  sink.flush();
+  return out;
 }
 
 }  // namespace rapidxml

@@ -35,6 +35,10 @@ class word_block {
   static constexpr std::size_t size = sizeof(word);
 
   explicit word_block(const char* position) { std::memcpy(&m_bytes, position, size); }
+  /// Two pieces of a block. Only for blocks that are large enough.
+  word_block(std::uint64_t first, std::uint64_t /*second*/) : m_bytes(static_cast<word>(first)) {}
+
+  void store(char* position) const { std::memcpy(position, &m_bytes, size); }
 
   mask equal(char c) const {
     const word difference = m_bytes ^ each(static_cast<unsigned char>(c));
@@ -75,6 +79,12 @@ class wide_block {
 
   explicit wide_block(const char* position)
       : m_bytes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(position))) {}
+  wide_block(std::uint64_t first, std::uint64_t second)
+      : m_bytes(_mm_set_epi64x(static_cast<long long>(second), static_cast<long long>(first))) {}
+
+  void store(char* position) const {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(position), m_bytes);
+  }
 
   mask equal(char c) const { return _mm_cmpeq_epi8(m_bytes, _mm_set1_epi8(c)); }
   mask at_most(char c) const {
@@ -101,6 +111,10 @@ class wide_block {
 
   explicit wide_block(const char* position)
       : m_bytes(vld1q_u8(reinterpret_cast<const std::uint8_t*>(position))) {}
+  wide_block(std::uint64_t first, std::uint64_t second)
+      : m_bytes(vcombine_u8(vcreate_u8(first), vcreate_u8(second))) {}
+
+  void store(char* position) const { vst1q_u8(reinterpret_cast<std::uint8_t*>(position), m_bytes); }
 
   mask equal(char c) const { return vceqq_u8(m_bytes, vdupq_n_u8(static_cast<std::uint8_t>(c))); }
   mask at_most(char c) const { return vcleq_u8(m_bytes, vdupq_n_u8(static_cast<std::uint8_t>(c))); }

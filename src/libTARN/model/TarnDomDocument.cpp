@@ -249,6 +249,8 @@ std::size_t TarnDomDocument::getMemorySize() const {
 
 std::string TarnDomDocument::printDocument() {
   std::string out;
+  // A guess that spares most documents the copies of a text that grows.
+  out.reserve(buffer_.size() + buffer_.size() / 16);
   rapidxml::print_node(out, declaration_, 0, 0);
   if (root_) rapidxml::print_node(out, root_, 0, 0);
   return out;
