@@ -21,6 +21,7 @@ class ITarnIndexFactory;
 }
 
 struct IndexingParse;
+class LibTarnHeaderImp;
 class LibTarnManagedObjectImp;
 
 /// Node class of LibTarnCmData.
@@ -70,9 +71,12 @@ class LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
 
   /// Indexes a child that has just been parsed; finishParsing() brings it into effect.
   void indexParsed(LibTarnManagedObjectImp& object, IndexingParse& parse);
+  /// Counts a child that has just been parsed.
+  void headerParsed(const LibTarnHeaderImp& header, IndexingParse& parse);
   /// As rebuildIndexersAndInitializeEnums(), for which the children indexed while they were parsed
-  /// do when all of them were plain. Only for right after a parse.
-  void finishParsing(const IndexingParse& parse);
+  /// do when all of them were plain. Only for right after a parse. True when the element and all
+  /// below it are known to follow the rules of the format; false when nobody has looked.
+  bool finishParsing(const IndexingParse& parse);
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
@@ -94,6 +98,7 @@ class LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   util::TarnFactory& factory_;
   bool allPlain_ = true;  // of the children parsed so far
   bool parsedInEffect_ = false;
+  std::size_t parsedHeaders_ = 0;
   Part parsed_;         // of IndexingParse::objects
   Part withOperation_;  // likewise
 };

@@ -71,6 +71,7 @@ class LibTarnDocument {
   template <class Text>
   int parseImpl(Text& text, bool validate);
   void checkRules() const;
+  void checkRootRules() const;
   int fail(int code, const std::string& message, std::size_t offset);
 
   std::unique_ptr<TarnDomDocument> domDocument_;

@@ -37,8 +37,10 @@ class LibTarnDocumentInternal : public TarnDomElement, public IElement {
 
   /// As the operations of LibTarnDocument, but errors are thrown: rapidxml::parse_error and
   /// ModelException.
-  void parse(const char* text);
-  void parse(std::vector<char>& text);
+  /// True when all below the root is known to follow the rules of the format, which is found out
+  /// along the way when `check` is set; false when nobody has looked.
+  bool parse(const char* text, bool check = false);
+  bool parse(std::vector<char>& text, bool check = false);
   void rebuildIndexersAndInitializeEnums();
 
   /// The owning document.

@@ -33,6 +33,8 @@ class LibTarnExtensionImp : public LibTarnExtension, public TarnDomElement {
   /// Not to be used: logs an ERROR line and returns null.
   LibTarnExtensionImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
+  /// Whether the rules of the format are followed here and below.
+  bool followsRules() const;
   void dispatchToSelf(validation::Validator& validator) const override;
   void updatePath(validation::Validator& validator) const override;
 

@@ -24,6 +24,8 @@ class LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
   /// Not to be used: logs an ERROR line and returns null.
   LibTarnHeaderImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
+  /// Whether the rules of the format are followed here and below.
+  bool followsRules() const;
   void dispatchToSelf(validation::Validator& validator) const override;
   void updatePath(validation::Validator& validator) const override;
 

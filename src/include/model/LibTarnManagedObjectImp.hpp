@@ -84,6 +84,8 @@ class LibTarnManagedObjectImp : public TarnDomElement, public LibTarnManagedObje
   /// Does the same for an object just parsed, in effect from when `condition` becomes true. False
   /// when something is not plain; what has been indexed must then not come into effect.
   bool indexParsed(IndexingParse& parse, const bool& condition);
+  /// Whether the rules of the format for the object itself, without what is in it, are followed.
+  bool followsOwnRules() const;
   bool hasOperation() const;
   /// Reads the operation, which must be there and known.
   void initializeOperation() { operation_.initialize(); }

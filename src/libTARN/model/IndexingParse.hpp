@@ -43,12 +43,13 @@ class ParsedNames {
     tails_.clear();
   }
 
-  /// `node` is the element as a node.
-  void add(const libDomXml::DomElement& node, Element* element) {
+  /// `node` is the element as a node. False when it has no name.
+  bool add(const libDomXml::DomElement& node, Element* element) {
     const rapidxml::xml_attribute<char>* const name =
         node.first_attribute(NAME_ATTRIBUTE, sizeof(NAME_ATTRIBUTE) - 1);
     entries_.emplace_back(name ? name->value() : "", element);
     tails_.push_back(name ? tailOf(name->value(), name->value_size()) : 0);
+    return name != nullptr;
   }
 
   const std::vector<Entry>& entries() const { return entries_; }
@@ -136,6 +137,10 @@ struct IndexingParse {
   std::vector<LibTarnManagedObjectImp*> withOperation;
   /// A zero byte, written as a reference, has been read: nothing is plain.
   bool zeroByte = false;
+  /// Whether all that has been parsed below cmData is known to follow the rules of the format;
+  /// false from the start when nobody asks. The rules themselves are the Validator's: what is found
+  /// here to follow them needs no walk with it, and whatever is not is left to that walk.
+  bool followsRules = false;
 
   ParsedNames<Scalar> scalars;
   ParsedNames<List> lists;

@@ -93,10 +93,10 @@ void LibTarnCmDataImp::dispatchToObjectsAsTheyLie(validation::Validator& validat
        object = nextTypedSibling(*object)) {
     object->accept(validator);
   }
-  for (const LibTarnManagedObject* indexed : getLibTarnManagedObjects()) {
+  managedObjectIndex_->forEach([this, &validator](const LibTarnManagedObject* indexed) {
     const auto& object = implementation<LibTarnManagedObjectImp>(*indexed);
     if (object.parent() != this) object.accept(validator);
-  }
+  });
 }
 
 void LibTarnCmDataImp::dispatchToSelf(validation::Validator& validator) const {
@@ -198,11 +198,21 @@ void LibTarnCmDataImp::indexParsed(LibTarnManagedObjectImp& object, IndexingPars
               addTo(parsed_, parse.objects, indexation::HashedObject{name, &object, hash}) &&
               (!object.hasOperation() || addTo(withOperation_, parse.withOperation, &object)) &&
               object.indexParsed(parse, parsedInEffect_);
+  if (parse.followsRules) parse.followsRules = object.followsOwnRules();
 }
 
-void LibTarnCmDataImp::finishParsing(const IndexingParse& parse) {
+void LibTarnCmDataImp::headerParsed(const LibTarnHeaderImp& header, IndexingParse& parse) {
+  ++parsedHeaders_;
+  if (parse.followsRules) parse.followsRules = header.followsRules();
+}
+
+bool LibTarnCmDataImp::finishParsing(const IndexingParse& parse) {
   type_.initialize();
-  if (!adoptParsed(parse)) rebuildIndexers();
+  if (!adoptParsed(parse)) {
+    rebuildIndexers();
+    return false;
+  }
+  return parse.followsRules && parsedHeaders_ == 1;
 }
 
 bool LibTarnCmDataImp::adoptParsed(const IndexingParse& parse) {

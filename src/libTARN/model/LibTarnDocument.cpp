@@ -43,8 +43,8 @@ int LibTarnDocument::parseImpl(Text& text, bool validate) {
   try {
     // Elements of an earlier parse stay readable.
     domDocument_->keepText();
-    root_->parse(text);
-    if (validate) checkRules();
+    const bool isKnownToFollow = root_->parse(text, validate);
+    if (validate) isKnownToFollow ? checkRootRules() : checkRules();
   } catch (const rapidxml::parse_error& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "parseImpl")
         << "Parsing failed: " << error.what();
@@ -71,6 +71,12 @@ int LibTarnDocument::validate() {
   }
   util::Logger(util::Logger::Level::INFO, TARN_LOG_LOCATION, "validate") << "Validation successful";
   return DONE;
+}
+
+void LibTarnDocument::checkRootRules() const {
+  validation::Validator validator;
+  root_->updatePath(validator);
+  root_->dispatchToSelf(validator);
 }
 
 // Walks twice only for a document that is broken.

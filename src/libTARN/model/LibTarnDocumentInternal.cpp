@@ -57,17 +57,22 @@ IElement* LibTarnDocumentInternal::getFirstChildElement(const char* name) const 
 
 void LibTarnDocumentInternal::removeThisElement() {}
 
-void LibTarnDocumentInternal::parse(const char* text) {
+bool LibTarnDocumentInternal::parse(const char* text, bool check) {
   TARN_ASSERT(text, "text");
   std::vector<char> copy(text, text + std::strlen(text) + 1);
-  parse(copy);
+  return parse(copy, check);
 }
 
-void LibTarnDocumentInternal::parse(std::vector<char>& text) {
+bool LibTarnDocumentInternal::parse(std::vector<char>& text, bool check) {
   IndexingParse indexing;
+  indexing.followsRules = check;
   document_->parseAndIndex(text, indexing);
   util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "parse") << "Parsing done";
-  forEachCmData([&indexing](LibTarnCmDataImp& cmData) { cmData.finishParsing(indexing); });
+  bool followsRules = check;
+  forEachCmData([&indexing, &followsRules](LibTarnCmDataImp& cmData) {
+    if (!cmData.finishParsing(indexing)) followsRules = false;
+  });
+  return followsRules;
 }
 
 void LibTarnDocumentInternal::rebuildIndexersAndInitializeEnums() {

@@ -38,6 +38,14 @@ void LibTarnExtensionImp::dispatchToChildren(validation::Validator& validator) c
   }
 }
 
+bool LibTarnExtensionImp::followsRules() const {
+  for (auto* node = first_node(); node; node = node->next_sibling()) {
+    const auto* const parameter = typedAs<ScalarImp>(node);
+    if (parameter && !parameter->getLiteralAttribute(NAME_ATTRIBUTE)) return false;
+  }
+  return true;
+}
+
 void LibTarnExtensionImp::dispatchToSelf(validation::Validator& validator) const {
   validator.visit(*this);
 }

@@ -4,6 +4,7 @@
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "attributeNames.hpp"
 #include "model/LogImp.hpp"
 #include "model/TypedChildren.hpp"
 #include "model/validation/Validator.hpp"
@@ -35,6 +36,17 @@ void LibTarnHeaderImp::dispatchToChildren(validation::Validator& validator) cons
   for (auto* log = firstTypedChild<LogImp>(*this); log; log = nextTypedSibling(*log)) {
     log->accept(validator);
   }
+}
+
+bool LibTarnHeaderImp::followsRules() const {
+  for (auto* node = first_node(); node; node = node->next_sibling()) {
+    const auto* const log = typedAs<LogImp>(node);
+    if (log && !(log->getLiteralAttribute(DATE_TIME_ATTRIBUTE) &&
+                 log->getLiteralAttribute(ACTION_ATTRIBUTE))) {
+      return false;
+    }
+  }
+  return true;
 }
 
 void LibTarnHeaderImp::dispatchToSelf(validation::Validator& validator) const {

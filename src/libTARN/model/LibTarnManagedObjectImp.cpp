@@ -88,10 +88,11 @@ libDomXml::ElementCopy LibTarnManagedObjectImp::copySelf(util::TarnFactory& fact
 void LibTarnManagedObjectImp::finishCopy() { rebuildIndexersAndInitializeEnum(); }
 
 void LibTarnManagedObjectImp::dispatchToChildren(validation::Validator& validator) const {
-  for (const auto& entry : getScalarParameters()) {
+  const bool anyOrder = validator.isAnyOrderAllowed();
+  for (const auto& entry : anyOrder ? scalarIndex_->getUnordered() : getScalarParameters()) {
     implementation<ScalarImp>(*entry.second).accept(validator);
   }
-  for (const auto& entry : getListParameters()) {
+  for (const auto& entry : anyOrder ? listIndex_->getUnordered() : getListParameters()) {
     implementation<ListImp>(*entry.second).accept(validator);
   }
   for (auto* extension = firstTypedChild<LibTarnExtensionImp>(*this); extension;
@@ -388,15 +389,25 @@ bool LibTarnManagedObjectImp::indexParsed(IndexingParse& parse, const bool& cond
   parse.scalars.clear();
   parse.lists.clear();
   for (auto* node = first_node(); node; node = node->next_sibling()) {
+    bool followsRules = true;
     if (auto* const scalar = typedAs<ScalarImp>(node)) {
-      parse.scalars.add(*scalar, scalar);
+      followsRules = parse.scalars.add(*scalar, scalar);
     } else if (auto* const list = typedAs<ListImp>(node)) {
-      parse.lists.add(*list, list);
+      followsRules = parse.lists.add(*list, list);
       if (!list->indexParsed(parse, condition)) return false;
+    } else if (parse.followsRules) {
+      const auto* const extension = typedAs<LibTarnExtensionImp>(node);
+      followsRules = !extension || extension->followsRules();
     }
+    if (!followsRules) parse.followsRules = false;
   }
   return indexOnceTrue(*scalarIndex_, parse.scalars, condition) &&
          indexOnceTrue(*listIndex_, parse.lists, condition);
+}
+
+bool LibTarnManagedObjectImp::followsOwnRules() const {
+  const char* const distName = getLiteralAttribute(DIST_NAME_ATTRIBUTE);
+  return getClass() && distName && distNameValidator_->isValid(distName);
 }
 
 void LibTarnManagedObjectImp::throwDuplicate(const char* childTag, const char* name) const {

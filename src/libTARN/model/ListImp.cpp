@@ -2,6 +2,7 @@
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "IndexingParse.hpp"
 #include "attributeNames.hpp"
 #include "model/ScalarImp.hpp"
 #include "model/StructureImp.hpp"
@@ -105,10 +106,15 @@ IElement* ListImp::getFirstChildElement(const char* name) const {
 void ListImp::removeThisElement() { unlinkFromParent(); }
 
 bool ListImp::indexParsed(IndexingParse& parse, const bool& condition) {
+  bool hasItems = false;
+  bool hasValues = false;
   for (auto* node = first_node(); node; node = node->next_sibling()) {
     auto* const item = typedAs<StructureImp>(node);
     if (item && !item->indexParsed(parse, condition)) return false;
+    hasItems = hasItems || item;
+    hasValues = hasValues || (!item && typedAs<ScalarImp>(node));
   }
+  if (hasItems && hasValues) parse.followsRules = false;
   return true;
 }
 

@@ -46,7 +46,8 @@ libDomXml::ElementCopy StructureImp::copySelf(util::TarnFactory& factory) const 
 void StructureImp::finishCopy() { rebuildIndexers(); }
 
 void StructureImp::dispatchToChildren(validation::Validator& validator) const {
-  for (const auto& entry : getComponents()) {
+  for (const auto& entry :
+       validator.isAnyOrderAllowed() ? componentIndex_->getUnordered() : getComponents()) {
     implementation<ScalarImp>(*entry.second).accept(validator);
   }
 }
@@ -115,9 +116,8 @@ void StructureImp::rebuildIndexers() {
 bool StructureImp::indexParsed(IndexingParse& parse, const bool& condition) {
   parse.components.clear();
   for (auto* node = first_node(); node; node = node->next_sibling()) {
-    if (auto* const component = typedAs<ScalarImp>(node)) {
-      parse.components.add(*component, component);
-    }
+    auto* const component = typedAs<ScalarImp>(node);
+    if (component && !parse.components.add(*component, component)) parse.followsRules = false;
   }
   return indexOnceTrue(*componentIndex_, parse.components, condition);
 }

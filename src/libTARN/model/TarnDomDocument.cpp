@@ -203,11 +203,15 @@ struct TarnDomDocument::Events : rapidxml::parse_events {
 
   // Objects elsewhere are in no index.
   void element_complete(Node* element) {
-    if (*element->name() != *LibTarnManagedObject::TAG_NAME || !indexing) return;
-    auto* const object = typedAs<LibTarnManagedObjectImp>(element);
-    if (!object) return;
-    auto* const cmData = typedAs<LibTarnCmDataImp>(element->parent());
-    if (cmData) cmData->indexParsed(*object, *indexing);
+    const char first = *element->name();
+    if (first != *LibTarnManagedObject::TAG_NAME && first != *LibTarnHeader::TAG_NAME) return;
+    auto* const cmData = indexing ? typedAs<LibTarnCmDataImp>(element->parent()) : nullptr;
+    if (!cmData) return;
+    if (auto* const object = typedAs<LibTarnManagedObjectImp>(element)) {
+      cmData->indexParsed(*object, *indexing);
+    } else if (const auto* const header = typedAs<LibTarnHeaderImp>(element)) {
+      cmData->headerParsed(*header, *indexing);
+    }
   }
 
   TarnDomDocument& document;

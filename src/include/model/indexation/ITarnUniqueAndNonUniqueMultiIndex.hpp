@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 
 #include "model/indexation/TarnCollection.hpp"
 
@@ -31,6 +32,11 @@ class ITarnUniqueAndNonUniqueMultiIndex {
   virtual void clear() = 0;
 
   virtual ~ITarnUniqueAndNonUniqueMultiIndex() = default;
+
+  /// Calls `visit` for every element, in whatever order is cheapest. It must not change the index.
+  virtual void forEach(const std::function<void(T*)>& visit) const {
+    for (T* const element : getCollection()) visit(element);
+  }
 
   /// Adds `count` elements all at once, in this order, without a look at them. False, with nothing
   /// changed, when two have the same unique key, when the index is not empty, and when it does not

@@ -29,6 +29,9 @@ class ITarnUniqueIndex {
 
   virtual ~ITarnUniqueIndex() = default;
 
+  /// All entries in whatever order is cheapest.
+  virtual TarnCollection<ParameterEntry<T>> getUnordered() const { return getCollection(); }
+
   /// Adds `count` entries of different names all at once, in effect from when `condition` becomes
   /// true, which must live as long as the index; `sorted` when they are in order. An index that was
   /// given any before, or that does not offer this, answers false and adds nothing.

@@ -29,6 +29,7 @@ class TarnMapIndex : public ITarnUniqueIndex<T> {
   T* find(const char* name) const override;
   TarnCollection<ParameterEntry<T>> getCollection() const override;
   std::size_t size() const override;
+  TarnCollection<ParameterEntry<T>> getUnordered() const override;
   bool addOnceTrue(const bool& condition, const ParameterEntry<T>* entries, std::size_t count,
                    bool sorted) override;
 

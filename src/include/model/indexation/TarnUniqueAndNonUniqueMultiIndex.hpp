@@ -35,6 +35,7 @@ class TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUniqueMultiInde
   ManagedObjectCollection getCollection() const override;
   std::size_t size() const override;
   void clear() override;
+  void forEach(const std::function<void(T*)>& visit) const override;
   bool addAll(const HashedObject* objects, std::size_t count) override;
 
  private:

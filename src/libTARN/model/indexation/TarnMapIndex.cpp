@@ -81,6 +81,10 @@ struct NamedEntries {
     sorted = true;
   }
 
+  TarnCollection<Entry> collection() const {
+    return tree ? tree->collection() : TarnCollection<Entry>(run);
+  }
+
   // The array becomes leaves of the tree.
   void turnIntoTree(libDomXml::IMemoryPool* pool) {
     auto* const made = new (TarnAllocator<Tree>(pool).allocate(1)) Tree(pool);
@@ -176,9 +180,14 @@ T* TarnMapIndex<T, Extractor>::find(const char* name) const {
 
 template <class T, class Extractor>
 TarnCollection<ParameterEntry<T>> TarnMapIndex<T, Extractor>::getCollection() const {
-  NamedEntries<T>* const entries = ordered();
-  if (!entries) return {};
-  return entries->tree ? entries->tree->collection() : TarnCollection<Entry>(entries->run);
+  const NamedEntries<T>* const entries = ordered();
+  return entries ? entries->collection() : TarnCollection<Entry>();
+}
+
+template <class T, class Extractor>
+TarnCollection<ParameterEntry<T>> TarnMapIndex<T, Extractor>::getUnordered() const {
+  const NamedEntries<T>* const entries = current();
+  return entries ? entries->collection() : TarnCollection<Entry>();
 }
 
 template <class T, class Extractor>

@@ -162,6 +162,16 @@ void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::c
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
+void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::forEach(
+    const std::function<void(T*)>& visit) const {
+  if (table_) {
+    table_->forEach([&visit](const ManagedObjectEntry& entry) { visit(entry.object); });
+  } else if (uniqueView_) {
+    for (T* const element : uniqueView_->collection()) visit(element);
+  }
+}
+
+template <class T, class UniqueExtractor, class NonUniqueExtractor>
 typename TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::UniqueView&
 TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::uniqueView() const {
   if (!uniqueView_) {
