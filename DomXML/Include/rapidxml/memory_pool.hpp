@@ -139,7 +139,7 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
 
   char* static_end() { return m_static_memory + static_pool_size; }
 
-  void* allocate_in_new_block(std::size_t size) {
+  [[gnu::noinline]] void* allocate_in_new_block(std::size_t size) {
     const std::size_t usable = size > dynamic_pool_size ? size : dynamic_pool_size;
     if (usable > std::numeric_limits<std::size_t>::max() - block_overhead) throw std::bad_alloc();
     const std::size_t raw_size = usable + block_overhead;

@@ -40,7 +40,7 @@ class ParsedNames {
 
   void clear() {
     entries_.clear();
-    tails_.clear();
+    digests_.clear();
   }
 
   /// `node` is the element as a node. False when it has no name.
@@ -48,7 +48,7 @@ class ParsedNames {
     const rapidxml::xml_attribute<char>* const name =
         node.first_attribute(NAME_ATTRIBUTE, sizeof(NAME_ATTRIBUTE) - 1);
     entries_.emplace_back(name ? name->value() : "", element);
-    tails_.push_back(name ? tailOf(name->value(), name->value_size()) : 0);
+    digests_.push_back(name ? digestOf(name->value(), name->value_size()) : 0);
     return name != nullptr;
   }
 
@@ -56,7 +56,7 @@ class ParsedNames {
 
   NameOrder order() {
     if (entries_.size() <= FEW) {
-      if (tailsDiffer()) return NameOrder::DIFFERENT;
+      if (digestsDiffer()) return NameOrder::DIFFERENT;
     } else if (areSorted()) {
       return NameOrder::SORTED;
     }
@@ -64,7 +64,7 @@ class ParsedNames {
   }
 
  private:
-  static constexpr std::size_t FEW = 16;
+  static constexpr std::size_t FEW = 32;
   // Names that crowd are made by those who want to slow a load down.
   static constexpr std::size_t MOST_PROBES = 64;
 
@@ -73,23 +73,24 @@ class ParsedNames {
     std::uint32_t number;  // of the entry, from 1; 0 for an empty slot
   };
 
-  // The last bytes of a name, or the whole of a short one. Names of different tails are different.
-  static std::uint64_t tailOf(const char* name, std::size_t size) {
-    constexpr std::size_t MOST = sizeof(std::uint64_t);
-    std::uint64_t tail = 0;
-    if (size >= MOST) {
-      std::memcpy(&tail, name + size - MOST, MOST);
+  // Names of different digests are different. Made of the ends of a name, where most differ.
+  static std::uint32_t digestOf(const char* name, std::size_t size) {
+    constexpr std::uint64_t PRIME = 0x9E3779B97F4A7C15U;
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    if (size >= sizeof(first)) {
+      std::memcpy(&first, name, sizeof(first));
+      std::memcpy(&last, name + size - sizeof(last), sizeof(last));
     } else {
-      for (std::size_t i = 0; i < size; ++i)
-        tail = tail << 8U | static_cast<unsigned char>(name[i]);
+      for (std::size_t i = 0; i < size; ++i) last = last << 8U | static_cast<unsigned char>(name[i]);
     }
-    return tail;
+    return static_cast<std::uint32_t>(((first ^ size) * PRIME ^ last) * PRIME >> 32U);
   }
 
-  bool tailsDiffer() const {
+  bool digestsDiffer() const {
     bool same = false;
-    for (std::size_t i = 1; i < tails_.size(); ++i) {
-      for (std::size_t j = 0; j < i; ++j) same |= tails_[i] == tails_[j];
+    for (std::size_t i = 1; i < digests_.size(); ++i) {
+      for (std::size_t j = 0; j < i; ++j) same |= digests_[i] == digests_[j];
     }
     return !same;
   }
@@ -125,7 +126,7 @@ class ParsedNames {
   }
 
   std::vector<Entry> entries_;
-  std::vector<std::uint64_t> tails_;
+  std::vector<std::uint32_t> digests_;
   std::vector<Slot> slots_;
 };
 
