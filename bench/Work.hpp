@@ -23,6 +23,7 @@ struct Work {
   std::string task;
   std::string library;
   Prepare prepare;
+  bool slow = false;  ///< Takes so long that it is measured cold only.
 };
 
 /// The works of all libraries, in the order in which they are told.

@@ -75,6 +75,7 @@ std::string readFile(const char* path) {
 void registerAll(const std::string& text) {
   for (const Work& work : allWorks()) {
     for (const Memory memory : {Memory::COLD, Memory::WARM}) {
+      if (work.slow && memory == Memory::WARM) continue;
       const std::string name =
           work.task + "/" + work.library + (memory == Memory::COLD ? "/cold" : "/warm");
       benchmark::RegisterBenchmark(

@@ -101,31 +101,32 @@ def managed_object(rng, shape, number):
     return head + BODIES[shape](rng, number) + "  </managedObject>\n"
 
 
-def wide_object(rng, size):
-    yield '  <managedObject class="NET" distName="NET-1" version="1.0">\n'
-    count = max(1, size // 38)
+def in_order(rng, order, count):
     numbers = list(range(count))
-    rng.shuffle(numbers)
-    for number in numbers:
-        yield f'   <p name="param{number:08d}">{rng.randrange(1000)}</p>\n'
-    yield "  </managedObject>\n"
-
-
-def objects(rng, shape, order, size):
-    if shape == "wide":
-        yield from wide_object(rng, size)
-        return
-    sample = sum(len(managed_object(random.Random(n), shape, n)) for n in range(100, 200)) / 100
-    numbers = list(range(max(1, int(size / sample))))
-    width = len(str(len(numbers)))
-    # Numbers of one width, so that their order is the byte order of the names.
-    numbers = [10 ** width + n for n in numbers]
     if order == "shuffled":
         rng.shuffle(numbers)
     elif order == "reversed":
         numbers.reverse()
-    for number in numbers:
-        yield managed_object(rng, shape, number)
+    return numbers
+
+
+def wide_object(rng, order, count):
+    yield '  <managedObject class="NET" distName="NET-1" version="1.0">\n'
+    for number in in_order(rng, order, count):
+        yield f'   <p name="param{number:08d}">{rng.randrange(1000)}</p>\n'
+    yield "  </managedObject>\n"
+
+
+def objects(rng, shape, order, size, count):
+    if shape == "wide":
+        yield from wide_object(rng, order, count or max(1, size // 38))
+        return
+    sample = sum(len(managed_object(random.Random(n), shape, n)) for n in range(100, 200)) / 100
+    count = count or max(1, int(size / sample))
+    # Numbers of one width, so that their order is the byte order of the names.
+    first = 10 ** len(str(count))
+    for number in in_order(rng, order, count):
+        yield managed_object(rng, shape, first + number)
 
 
 def main():
@@ -133,9 +134,11 @@ def main():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--size", default="1MiB", type=size_in_bytes,
                         help="about so many bytes; KiB, MiB and GiB are understood (1MiB)")
+    parser.add_argument("--count", type=int,
+                        help="so many objects, or parameters of a wide one, whatever the size")
     parser.add_argument("--seed", default=1, type=int, help="of the random numbers (1)")
     parser.add_argument("--order", default="shuffled", choices=["sorted", "shuffled", "reversed"],
-                        help="of the objects' names (shuffled)")
+                        help="of the names of the objects, or of the parameters (shuffled)")
     parser.add_argument("--shape", default="network", choices=[*BODIES, "wide"],
                         help="of the objects (network)")
     parser.add_argument("-o", "--output", default="-", help="file to write (standard output)")
@@ -148,7 +151,8 @@ def main():
                   '   <log dateTime="Sun Nov 15 17:43:13 +0000 2026" action="made">bench</log>\n'
                   "  </header>\n")
         rng = random.Random(arguments.seed)
-        out.writelines(objects(rng, arguments.shape, arguments.order, arguments.size))
+        out.writelines(objects(rng, arguments.shape, arguments.order, arguments.size,
+                               arguments.count))
         out.write(" </cmData>\n</tarn>\n")
 
 

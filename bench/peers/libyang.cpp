@@ -148,20 +148,27 @@ struct MergeState {
 }  // namespace
 
 void addLibyangWorks(std::vector<Work>& works) {
-  works.push_back({PARSE, "libyang", [](const std::string& text, Memory /*memory*/) {
+  works.push_back({PARSE, "libyang",
+                   [](const std::string& text, Memory /*memory*/) {
                      return roundOn(std::make_shared<LibyangState>(text),
                                     [](LibyangState& state) { return state.parse(); });
-                   }});
-  works.push_back({LOAD_AND_VALIDATE, "libyang", [](const std::string& text, Memory /*memory*/) {
+                   },
+                   true});
+  works.push_back({LOAD_AND_VALIDATE, "libyang",
+                   [](const std::string& text, Memory /*memory*/) {
                      return roundOn(std::make_shared<LibyangState>(text), [](LibyangState& state) {
                        return state.parse() && state.validate();
                      });
-                   }});
-  works.push_back({VALIDATE, "libyang", [](const std::string& text, Memory /*memory*/) {
+                   },
+                   true});
+  works.push_back({VALIDATE, "libyang",
+                   [](const std::string& text, Memory /*memory*/) {
                      return roundOn(parsed(text),
                                     [](LibyangState& state) { return state.validate(); });
-                   }});
-  works.push_back({PRINT, "libyang", [](const std::string& text, Memory /*memory*/) {
+                   },
+                   true});
+  works.push_back({PRINT, "libyang",
+                   [](const std::string& text, Memory /*memory*/) {
                      return roundOn(parsed(text), [](LibyangState& state) {
                        char* printed = nullptr;
                        const bool done = lyd_print_mem(&printed, state.tree, LYD_XML,
@@ -169,13 +176,16 @@ void addLibyangWorks(std::vector<Work>& works) {
                        free(printed);
                        return done;
                      });
-                   }});
-  works.push_back({MERGE, "libyang", [](const std::string& text, Memory /*memory*/) {
+                   },
+                   true});
+  works.push_back({MERGE, "libyang",
+                   [](const std::string& text, Memory /*memory*/) {
                      return roundOn(std::make_shared<MergeState>(text), [](MergeState& state) {
                        return lyd_merge_siblings(&state.source.tree, state.delta.tree, 0) ==
                               LY_SUCCESS;
                      });
-                   }});
+                   },
+                   true});
 }
 
 }  // namespace bench

@@ -3,7 +3,9 @@
 BUILD_PACKAGES=(g++ cmake ninja-build python3 libboost-dev libgtest-dev googletest
   libcli11-dev libfmt-dev nlohmann-json3-dev zlib1g-dev scdoc)
 TEST_PACKAGES=(clang clang-format clang-tidy g++-i686-linux-gnu
-  chromium chromium-driver python3-selenium)
+  chromium chromium-driver python3-selenium valgrind)
+BENCH_PACKAGES=(libbenchmark-dev libpugixml-dev libtinyxml2-dev libxml2-dev libxml2-utils
+  libexpat1-dev libyang2-dev pkgconf gnuplot-nox valgrind)
 
 as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi

@@ -82,7 +82,8 @@ class ParsedNames {
       std::memcpy(&first, name, sizeof(first));
       std::memcpy(&last, name + size - sizeof(last), sizeof(last));
     } else {
-      for (std::size_t i = 0; i < size; ++i) last = last << 8U | static_cast<unsigned char>(name[i]);
+      for (std::size_t i = 0; i < size; ++i)
+        last = last << 8U | static_cast<unsigned char>(name[i]);
     }
     return static_cast<std::uint32_t>(((first ^ size) * PRIME ^ last) * PRIME >> 32U);
   }

@@ -1,0 +1,367 @@
+#!/usr/bin/env python3
+"""Runs the benchmarks and writes docs/benchmarks.md with its plots. scripts/bench builds first.
+
+Usage: bench/run.py BUILD [--rounds N]
+
+Documents are made once and kept in BUILD/documents; all results go to BUILD/results.json.
+"""
+
+import argparse
+import json
+import os
+import platform
+import re
+import statistics
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+ROOT = HERE.parent
+MIB = 1 << 20
+
+# Name, options of make_document.py, benchmarks to run (a regular expression).
+LOADS = r"^(parse/(DomDocument|pugixml)|load/|print/(libtarn|pugixml))"
+OWN = r"^(load|load, every index walked)/libtarn"
+DOCUMENTS = [
+    ("network, 64 MiB", ["--size", "64MiB"], "."),
+    ("network, 1 MiB", ["--size", "1MiB"], LOADS),
+    ("network, 8 MiB", ["--size", "8MiB"], LOADS),
+    ("network, 512 MiB", ["--size", "512MiB"], LOADS),
+    ("network, 64 MiB, sorted", ["--size", "64MiB", "--order", "sorted"], LOADS),
+    ("mixed, 64 MiB", ["--size", "64MiB", "--shape", "mixed"], LOADS),
+    ("attributes, 64 MiB", ["--size", "64MiB", "--shape", "attributes"], LOADS),
+    ("text, 64 MiB", ["--size", "64MiB", "--shape", "text"], LOADS),
+]
+ORDERS = ["sorted", "reversed", "shuffled"]
+for order in ORDERS:
+    DOCUMENTS.append((f"100,000 parameters, {order}",
+                      ["--shape", "wide", "--count", "100000", "--order", order], OWN))
+    DOCUMENTS.append((f"1,000,000 objects, {order}",
+                      ["--shape", "tiny", "--count", "1000000", "--order", order], OWN))
+MAIN = DOCUMENTS[0][0]
+GROWTH = ["network, 1 MiB", "network, 8 MiB", MAIN, "network, 512 MiB"]
+
+
+def note(text):
+    print(f"{time.strftime('%H:%M:%S')}  {text}", file=sys.stderr, flush=True)
+
+
+# Measuring
+
+def document_file(folder, name, options):
+    path = folder / (re.sub(r"[^a-z0-9]+", "-", name.lower()) + ".xml")
+    if not path.exists():
+        subprocess.run([sys.executable, str(HERE / "make_document.py"), *options, "-o", f"{path}.part"],
+                       check=True)
+        os.rename(f"{path}.part", path)
+    return path
+
+
+def google_benchmark(command, rounds):
+    """Medians by name: {name: {"seconds": ..., "resident": ...}}. All rounds are turn about."""
+    run = subprocess.run(
+        [*command, f"--benchmark_repetitions={rounds}", "--benchmark_enable_random_interleaving=true",
+         "--benchmark_format=json"], check=True, stdout=subprocess.PIPE, text=True)
+    results = {}
+    units = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
+    for entry in json.loads(run.stdout)["benchmarks"]:
+        if entry.get("aggregate_name") == "median":
+            name = entry["run_name"].split("/iterations:")[0]
+            results[name] = {"seconds": entry["real_time"] * units[entry["time_unit"]],
+                             "resident": entry.get("resident")}
+    return results
+
+
+def measure_documents(build, rounds):
+    folder = build / "documents"
+    folder.mkdir(exist_ok=True)
+    results = {}
+    for name, options, which in DOCUMENTS:
+        note(name)
+        path = document_file(folder, name, options)
+        text = path.read_bytes()
+        results[name] = {
+            "bytes": len(text),
+            "elements": len(re.findall(rb"<[A-Za-z]", text)),
+            "objects": text.count(b"<managedObject"),
+            "works": google_benchmark([str(build / "bin" / "documents"), str(path),
+                                       f"--benchmark_filter={which}"], rounds)}
+    return results
+
+
+def process_cost(command):
+    start = time.perf_counter()
+    child = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    _, status, usage = os.wait4(child.pid, 0)
+    child.returncode = os.waitstatus_to_exitcode(status)
+    if child.returncode != 0:
+        raise RuntimeError(f"{command} gives {child.returncode}")
+    return time.perf_counter() - start, usage.ru_maxrss * 1024
+
+
+def measure_processes(build, rounds):
+    document = str(build / "documents" / "network-64-mib.xml")
+    commands = {"tarn check": [str(build / "bin" / "tarn"), "check", document],
+                "xmllint --noout": ["xmllint", "--huge", "--noout", document]}
+    costs = {name: [] for name in commands}
+    for _ in range(rounds):
+        for name, command in commands.items():
+            costs[name].append(process_cost(command))
+    return {name: {"seconds": statistics.median(cost[0] for cost in rounds_of),
+                   "bytes": statistics.median(cost[1] for cost in rounds_of)}
+            for name, rounds_of in costs.items()}
+
+
+def measure_instructions(build):
+    run = subprocess.run([sys.executable, str(HERE / "instructions.py"), str(build), "--json"],
+                         check=True, stdout=subprocess.PIPE, text=True)
+    return json.loads(run.stdout)
+
+
+def measure(build, rounds):
+    results = {"rounds": rounds, "documents": measure_documents(build, rounds)}
+    note("processes")
+    results["processes"] = measure_processes(build, rounds)
+    note("look-ups")
+    results["lookups"] = google_benchmark([str(build / "bin" / "lookups")], rounds)
+    note("instructions")
+    results["instructions"] = measure_instructions(build)
+    return results
+
+
+# Telling
+
+class Results:
+    def __init__(self, results):
+        self.results = results
+
+    def document(self, name):
+        return self.results["documents"][name]
+
+    def seconds(self, work, document=MAIN):
+        return self.document(document)["works"][work]["seconds"]
+
+    def rate(self, work, document=MAIN):
+        return self.document(document)["bytes"] / self.seconds(work, document) / 1e6
+
+    def ratio(self, ours, theirs, document=MAIN):
+        return self.seconds(theirs, document) / self.seconds(ours, document)
+
+    def memory(self, work, document=MAIN):
+        return self.document(document)["works"][work]["resident"] / self.document(document)["bytes"]
+
+
+def table(header, rows):
+    lines = ["| " + " | ".join(header) + " |", "|" + "---|" * len(header)]
+    return "\n".join(lines + ["| " + " | ".join(str(cell) for cell in row) + " |" for row in rows])
+
+
+def goals(r):
+    growth = (r.rate("load/libtarn/warm", "network, 8 MiB") /
+              r.rate("load/libtarn/warm", "network, 512 MiB"))
+    processes = r.results["processes"]
+    ours, theirs = processes["tarn check"], processes["xmllint --noout"]
+    lookups = {name: entry["seconds"] for name, entry in r.results["lookups"].items()}
+    validation = (r.seconds("load and validate/libtarn/warm") / r.seconds("load/libtarn/warm")) - 1
+    times = "{:.2f} times".format
+    return [
+        ("`DomDocument` parse against pugixml's, warm", "1.2 times",
+         times(r.ratio("parse/DomDocument/warm", "parse/pugixml/warm"))),
+        ("the same, cold", "0.85 times",
+         times(r.ratio("parse/DomDocument/cold", "parse/pugixml/cold"))),
+        ("load against pugixml and indexes, cold", "3 times",
+         times(r.ratio("load/libtarn/cold", "load/pugixml and indexes/cold"))),
+        ("the same, warm", "3 times",
+         times(r.ratio("load/libtarn/warm", "load/pugixml and indexes/warm"))),
+        ("load with every index walked once, cold", "2 times",
+         times(r.ratio("load, every index walked/libtarn/cold",
+                       "load, every index walked/pugixml and indexes/cold"))),
+        ("the same, warm", "2 times",
+         times(r.ratio("load, every index walked/libtarn/warm",
+                       "load, every index walked/pugixml and indexes/warm"))),
+        ("load against pugixml's bare parse, warm", "0.9 times",
+         times(r.ratio("load/libtarn/warm", "parse/pugixml/warm"))),
+        ("validation on top of the load, warm", "0.2 loads", "{:.2f} loads".format(validation)),
+        ("load and validation against libyang's", "15 times",
+         times(r.ratio("load and validate/libtarn/cold", "load and validate/libyang/cold"))),
+        ("print against pugixml's, cold", "3 times",
+         times(r.ratio("print/libtarn/cold", "print/pugixml/cold"))),
+        ("the same, warm", "3 times", times(r.ratio("print/libtarn/warm", "print/pugixml/warm"))),
+        ("merge of a delta that updates every object, against libyang's", "10 times",
+         times(r.ratio("merge of a delta that updates every object/libtarn/cold",
+                       "merge of a delta that updates every object/libyang/cold"))),
+        ("object among 1,000,000 by name, against `std::map`", "1 time",
+         times(lookups["object/std::map/1000000"] / lookups["object/libtarn/1000000"])),
+        ("parameter among 16 by name, against pugixml's children", "1 time",
+         times(lookups["parameter/pugixml/16"] / lookups["parameter/libtarn/16"])),
+        ("parameter among 1,000", "20 times",
+         times(lookups["parameter/pugixml/1000"] / lookups["parameter/libtarn/1000"])),
+        ("time for a byte at 512 MiB against 8 MiB, warm", "at most 1.15", "{:.2f}".format(growth)),
+        ("memory of the document, every index used (64-bit)", "at most 6.2 times the text",
+         times(r.memory("load, every index walked/libtarn/cold"))),
+        ("`tarn check` against `xmllint --noout`, time", "4 times",
+         times(theirs["seconds"] / ours["seconds"])),
+        ("the same, memory", "a third", "{:.2f}".format(ours["bytes"] / theirs["bytes"])),
+    ]
+
+
+def works_table(r):
+    document = r.document(MAIN)
+    base = {"parse": "parse/pugixml", "load": "load/pugixml and indexes",
+            "load, every index walked": "load, every index walked/pugixml and indexes",
+            "load and validate": "load and validate/libyang", "validate": "validate/libyang",
+            "print": "print/pugixml", "merge of a delta that updates every object":
+            "merge of a delta that updates every object/libyang", "release": "release/pugixml",
+            "limit": None}
+    rows = []
+    for task, peer in base.items():
+        libraries = dict.fromkeys(name.rsplit("/", 1)[0] for name in document["works"]
+                                  if name.startswith(task + "/"))
+        for work in libraries:
+            row = [task, work[len(task) + 1:]]
+            for memory in ["cold", "warm"]:
+                if f"{work}/{memory}" not in document["works"]:
+                    row += ["", "", ""]
+                    continue
+                seconds = r.seconds(f"{work}/{memory}")
+                reference = document["works"].get(f"{peer}/{memory}")
+                row += [f"{seconds * 1e3:,.1f}", f"{r.rate(f'{work}/{memory}'):,.0f}",
+                        f"{reference['seconds'] / seconds:.2f}" if reference else ""]
+            row.append(f"{seconds_of(document, work) * 1e9 / document['elements']:,.0f}")
+            rows.append(row)
+    return table(["Task", "Library", "cold, ms", "MB/s", "ratio", "warm, ms", "MB/s", "ratio",
+                  "ns an element, cold"], rows)
+
+
+def seconds_of(document, work):
+    return document["works"][f"{work}/cold"]["seconds"]
+
+
+def memory_table(r):
+    works = ["parse/DomDocument", "load/libtarn", "load, every index walked/libtarn",
+             "parse/pugixml", "load/pugixml and indexes", "parse/tinyxml2", "parse/libxml2",
+             "parse/libyang"]
+    return table(["Work", "bytes for each byte of text"],
+                 [(work, f"{r.memory(work + '/cold'):.2f}") for work in works])
+
+
+def shapes_table(r):
+    rows = []
+    for name, _, which in DOCUMENTS:
+        if which == OWN:
+            continue
+        rows.append([name] + [f"{r.rate(work, name):,.0f}" for work in
+                              ["parse/DomDocument/warm", "parse/pugixml/warm", "load/libtarn/warm",
+                               "load/pugixml and indexes/warm", "print/libtarn/warm",
+                               "print/pugixml/warm"]] +
+                    [f"{r.ratio('load/libtarn/warm', 'parse/pugixml/warm', name):.2f}",
+                     f"{r.memory('load/libtarn/cold', name):.2f}"])
+    return table(["Document", "`DomDocument` parse", "pugixml parse", "load", "pugixml and indexes",
+                  "print", "pugixml print", "load against pugixml's parse",
+                  "bytes for each byte of text"], rows)
+
+
+def orders_table(r):
+    rows = []
+    for what, unit in [("100,000 parameters", 100_000), ("1,000,000 objects", 1_000_000)]:
+        for order in ORDERS:
+            name = f"{what}, {order}"
+            rows.append([name] + [f"{r.seconds(work, name) * 1e9 / unit:,.0f}" for work in
+                                  ["load/libtarn/warm", "load, every index walked/libtarn/warm"]])
+    return table(["Document", "load, ns each", "and every index walked, ns each"], rows)
+
+
+def lookups_table(r):
+    return table(["Look-up", "ns"], [(name, f"{entry['seconds'] * 1e9:,.0f}")
+                                     for name, entry in sorted(r.results["lookups"].items())])
+
+
+def processes_table(r):
+    return table(["Process", "seconds", "MB"],
+                 [(f"`{name}`", f"{cost['seconds']:.3f}", f"{cost['bytes'] / 1e6:,.0f}")
+                  for name, cost in r.results["processes"].items()])
+
+
+def instructions_table(r):
+    return table(["Phase", "instructions a byte"], r.results["instructions"].items())
+
+
+def machine():
+    cpu = re.search(r"model name\s*:\s*(.*)", Path("/proc/cpuinfo").read_text())
+    return f"{cpu.group(1) if cpu else platform.machine()}, {os.cpu_count()} processors, " \
+           f"Linux {platform.release()}"
+
+
+# Plots
+
+def gnuplot(output, commands, data):
+    script = f'set terminal svg size 760,360 font "sans-serif,13" background "white"\n' \
+             f'set output "{output}"\nset grid ytics\nset border 3\nset tics nomirror\n{commands}'
+    blocks = "".join(f"${name} << END\n{rows}\nEND\n" for name, rows in data.items())
+    subprocess.run(["gnuplot"], input=blocks + script, text=True, check=True)
+
+
+def bars(output, title, label, values):
+    rows = "\n".join(f'"{name}" {value}' for name, value in values)
+    gnuplot(output, f'set title "{title}"\nset ylabel "{label}"\nset style fill solid 0.8\n'
+            'set boxwidth 0.6\nset yrange [0:*]\nunset key\nset xtics rotate by -20\n'
+            'plot $bars using 0:2:xtic(1) with boxes linecolor rgb "#3b6ea5"\n', {"bars": rows})
+
+
+def plots(r, folder):
+    folder.mkdir(exist_ok=True)
+    throughput = [("DomDocument", "parse/DomDocument"), ("libtarn, indexed", "load/libtarn"),
+                  ("pugixml", "parse/pugixml"), ("pugixml, indexed", "load/pugixml and indexes"),
+                  ("tinyxml2", "parse/tinyxml2"), ("libxml2", "parse/libxml2"),
+                  ("expat, events", "parse/expat (events)"), ("libyang", "parse/libyang")]
+    bars(folder / "throughput.svg", "Parsing and loading 64 MiB, cold", "MB/s",
+         [(name, r.rate(f"{work}/cold")) for name, work in throughput])
+    bars(folder / "memory.svg", "Memory of the document, text included", "bytes for each byte of text",
+         [(name, r.memory(f"{work}/cold")) for name, work in throughput if "expat" not in name])
+    lines = {"libtarn": "load/libtarn/warm", "pugixml": "parse/pugixml/warm",
+             "indexed": "load/pugixml and indexes/warm"}
+    data = {key: "\n".join(f"{r.document(name)['bytes'] / MIB} "
+                           f"{r.seconds(work, name) * 1e9 / r.document(name)['bytes']}"
+                           for name in GROWTH) for key, work in lines.items()}
+    gnuplot(folder / "growth.svg",
+            'set title "Growth, warm"\nset logscale x 2\nset xlabel "MiB of text"\n'
+            'set ylabel "ns a byte"\nset yrange [0:*]\nset key top left\n'
+            'plot $libtarn with linespoints lw 2 title "libtarn, load", '
+            '$pugixml with linespoints lw 2 title "pugixml, parse", '
+            '$indexed with linespoints lw 2 title "pugixml and indexes"\n', data)
+
+
+def write(results):
+    r = Results(results)
+    text = (HERE / "benchmarks.md.in").read_text()
+    values = {"machine": machine(), "rounds": results["rounds"],
+              "bytes": f"{r.document(MAIN)['bytes']:,}", "objects": f"{r.document(MAIN)['objects']:,}",
+              "elements": f"{r.document(MAIN)['elements']:,}",
+              "goals": table(["What", "to reach", "measured"], goals(r)), "works": works_table(r),
+              "memory": memory_table(r), "shapes": shapes_table(r), "orders": orders_table(r),
+              "lookups": lookups_table(r), "processes": processes_table(r),
+              "instructions": instructions_table(r)}
+    for key, value in values.items():
+        text = text.replace(f"@{key}@", str(value))
+    (ROOT / "docs" / "benchmarks.md").write_text(text)
+    plots(r, ROOT / "docs" / "benchmarks")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("build", type=Path)
+    parser.add_argument("--rounds", type=int, default=7, help="medians of so many (7)")
+    parser.add_argument("--write-only", action="store_true", help="from the results that are there")
+    arguments = parser.parse_args()
+    results_file = arguments.build / "results.json"
+    if not arguments.write_only:
+        results_file.write_text(json.dumps(measure(arguments.build.resolve(), arguments.rounds),
+                                           indent=1))
+    write(json.loads(results_file.read_text()))
+
+
+if __name__ == "__main__":
+    main()
