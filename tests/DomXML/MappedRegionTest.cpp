@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "../../DomXML/Source/MappedRegion.hpp"
+#include "DomDocument.hpp"
+
+namespace {
+
+using libDomXml::MappedRegion;
+
+constexpr std::size_t BLOCK = 235530;
+
+std::size_t mappedPages() {
+  std::size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  return pages;
+}
+
+std::vector<char*> allocateBlocks(std::size_t count) {
+  std::vector<char*> blocks;
+  for (std::size_t i = 0; i < count; ++i) {
+    void* const block = MappedRegion::allocate(BLOCK, blocks.empty() ? nullptr : blocks.back());
+    if (!block) break;
+    std::memset(block, static_cast<int>(i), BLOCK);
+    blocks.push_back(static_cast<char*>(block));
+  }
+  return blocks;
+}
+
+TEST(MappedRegionTest, BlocksAreAlignedAndApart) {
+  const std::vector<char*> blocks = allocateBlocks(200);
+  ASSERT_EQ(blocks.size(), 200U);
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(blocks[i]) % sizeof(void*), 0U);
+    EXPECT_EQ(blocks[i][0], static_cast<char>(i));
+    EXPECT_EQ(blocks[i][BLOCK - 1], static_cast<char>(i));
+  }
+  for (std::size_t i = blocks.size(); i > 0; --i) MappedRegion::release(blocks[i - 1]);
+}
+
+TEST(MappedRegionTest, EverythingGoesBackWithTheLastBlock) {
+  const std::size_t before = mappedPages();
+  const std::vector<char*> blocks = allocateBlocks(100);
+  EXPECT_GT(mappedPages(), before + 100 * BLOCK / 4096);
+  for (char* const block : blocks) MappedRegion::release(block);
+  EXPECT_LE(mappedPages(), before + 16);
+}
+
+TEST(MappedRegionTest, FirstMapHoldsOneBlockAndFurtherOnesGrow) {
+  const std::vector<char*> blocks = allocateBlocks(40);
+  std::size_t neighbours = 0;
+  for (std::size_t i = 1; i < blocks.size(); ++i) {
+    const auto distance = reinterpret_cast<std::uintptr_t>(blocks[i]) -
+                          reinterpret_cast<std::uintptr_t>(blocks[i - 1]);
+    neighbours += distance >= BLOCK && distance < BLOCK + 64 ? 1 : 0;
+  }
+  EXPECT_GT(neighbours, 30U);
+  for (std::size_t i = blocks.size(); i > 0; --i) MappedRegion::release(blocks[i - 1]);
+}
+
+TEST(MappedRegionTest, LargeBlocksGetMapsOfTheirOwn) {
+  void* const small = MappedRegion::allocate(BLOCK, nullptr);
+  auto* const large = static_cast<char*>(MappedRegion::allocate(100U << 20, small));
+  ASSERT_NE(large, nullptr);
+  large[(100U << 20) - 1] = 'x';
+  void* const next = MappedRegion::allocate(BLOCK, large);
+  ASSERT_NE(next, nullptr);
+  MappedRegion::release(next);
+  MappedRegion::release(large);
+  MappedRegion::release(small);
+}
+
+TEST(MappedRegionTest, SizesThatNoMemoryHasAreRefused) {
+  EXPECT_EQ(MappedRegion::allocate(std::numeric_limits<std::size_t>::max(), nullptr), nullptr);
+  EXPECT_EQ(MappedRegion::allocate(std::numeric_limits<std::size_t>::max() / 2, nullptr), nullptr);
+}
+
+TEST(MappedRegionTest, DocumentsThatComeAndGoLeaveNothing) {
+  const std::size_t before = mappedPages();
+  for (int round = 0; round < 20; ++round) {
+    libDomXml::DomDocument document(true);
+    for (int i = 0; i < 30; ++i) std::memset(document.allocateMemory(200000), round, 200000);
+  }
+  EXPECT_LE(mappedPages(), before + 64);
+}
+
+}  // namespace

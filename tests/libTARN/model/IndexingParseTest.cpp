@@ -1,0 +1,338 @@
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "libtarn.hpp"
+#include "model/LibTarnCmDataImp.hpp"
+#include "model/LibTarnDocumentInternal.hpp"
+#include "model/indexation/textHash.hpp"
+
+// Objects are indexed and checked while they are parsed, as far as they are plain. Whether they are
+// must not be seen: every document behaves as if it had been indexed in order once the parse is
+// done, and then checked by a walk in the order of names.
+
+namespace {
+
+using namespace libtarn::model;
+
+struct Outcome {
+  int code = 0;
+  std::string message;
+};
+
+Outcome loadAtOnce(LibTarnDocument& document, const std::string& text, bool validate) {
+  Outcome outcome;
+  outcome.code = document.parse(text.c_str(), validate);
+  outcome.message = document.getDiagnostic().message;
+  return outcome;
+}
+
+Outcome loadInSteps(LibTarnDocument& document, const std::string& text, bool validate) {
+  TarnDomDocument& dom = *document.getItsTarnDomDocument();
+  try {
+    dom.parse(text.c_str());
+    dom.getRootElement()->rebuildIndexersAndInitializeEnums();
+    validation::Validator validator;
+    if (validate) dom.getRootElement()->accept(validator);
+  } catch (const rapidxml::parse_error& error) {
+    return {1, error.what()};
+  } catch (const exceptions::ModelException& error) {
+    return {2, error.what()};
+  }
+  return {};
+}
+
+// What a host sees of all indexes.
+std::string dump(const LibTarnDocument& document) {
+  std::string text;
+  const LibTarnCmData* const cmData = document.getLibTarnCmData();
+  if (!cmData) return "no cmData";
+  text += cmData->getType().toString() + " " + std::to_string(cmData->getManagedObjectNumber());
+  for (const LibTarnManagedObject* object : cmData->getLibTarnManagedObjects()) {
+    const char* const name = object->getDistName().getText();
+    text += std::string("\n") + (name ? name : "(none)") + " " + object->getOperation().toString();
+    if (name) {
+      EXPECT_EQ(cmData->getLibTarnManagedObject(name), object);
+    }
+    for (const auto& scalar : object->getScalarParameters()) {
+      EXPECT_EQ(object->getScalarParameter(scalar.first), scalar.second);
+      text += std::string(" ") + scalar.first + "=" + scalar.second->getValue();
+    }
+    for (const auto& list : object->getListParameters()) {
+      text += std::string(" list ") + list.first;
+      for (const Structure* item = list.second->getStructuredValues(); item;
+           item = item->getNextSiblingElement()) {
+        for (const auto& component : item->getComponents()) {
+          text += std::string(" ") + component.first + ":" + component.second->getValue();
+        }
+      }
+    }
+  }
+  for (const char* className : {"A", "B", "C"}) {
+    text += std::string("\nclass ") + className;
+    for (const LibTarnManagedObject* object : cmData->getLibTarnManagedObjectsByClass(className)) {
+      const char* const name = object->getDistName().getText();
+      text += std::string(" ") + (name ? name : "(none)");
+    }
+  }
+  return text;
+}
+
+void expectSame(const std::string& text) {
+  for (const bool validate : {false, true}) {
+    LibTarnDocument atOnce;
+    LibTarnDocument inSteps;
+    const Outcome first = loadAtOnce(atOnce, text, validate);
+    const Outcome second = loadInSteps(inSteps, text, validate);
+    ASSERT_EQ(first.code, second.code) << text;
+    ASSERT_EQ(first.message, second.message) << text;
+    ASSERT_EQ(dump(atOnce), dump(inSteps)) << text;
+  }
+}
+
+std::string cmData(const std::string& content) {
+  return "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='actual'>" + content +
+         "</cmData></tarn>";
+}
+
+TEST(IndexingParseTest, DocumentsOfEachKindOfFault) {
+  const std::string good =
+      "<managedObject class='A' distName='A-1'><p name='x'>1</p></managedObject>";
+  const std::string header = "<header><log dateTime='d' action='a'/></header>";
+  for (const std::string& content : {
+           header + good,
+           header,
+           good,
+           header + header + good,
+           std::string("<header><log action='a'/></header>") + good,
+           header + good + good,
+           header + good + "<managedObject class='A' distName='A-2' operation='no'/>" + good,
+           header + "<managedObject class='A' distName='A-2' operation='update'/>" + good,
+           header + "<managedObject distName='A-1'/>",
+           header + "<managedObject class='A'/>",
+           header + "<managedObject class='A'/><managedObject class='B'/>",
+           header + "<managedObject class='A' distName='wrong'/>" + good,
+           header +
+               "<managedObject class='A' distName='A-1'><p name='x'/><p name='x'/></managedObject>",
+           header + "<managedObject class='A' distName='A-1'><p>1</p></managedObject>",
+           header + "<managedObject class='A' distName='A-1'><p>1</p><p name=''/></managedObject>",
+           header + "<managedObject class='A' distName='A-1'><list "
+                    "name='l'><p>1</p><item/></list></managedObject>",
+           header + "<managedObject class='A' distName='A-1'><list/></managedObject>",
+           header + "<managedObject class='A' distName='A-1'><list name='l'/><list "
+                    "name='l'/></managedObject>",
+           header + "<managedObject class='A' distName='A-1'><list name='l'><item><p name='a'/><p "
+                    "name='a'/></item></list></managedObject>",
+           header + "<managedObject class='A' distName='A-1'><list "
+                    "name='l'><item><p/></item></list></managedObject>",
+           header + "<managedObject class='A' distName='A-1'><extension "
+                    "name='e'><p/></extension></managedObject>",
+           header + "<managedObject class='A' distName='A-1'><item><p name='a'/><p "
+                    "name='a'/></item></managedObject>",
+           header + "<manag class='A' distName='A-1'/>" + good,
+           header + "<managedObject class='A' distName='A-1'><lis name='l'/><li "
+                    "name='l'/></managedObject>",
+           header + "<managedObject class='A' distName='A-1'><p name='x&#0;y'/><p "
+                    "name='x&#0;z'/></managedObject>",
+           header + "<managedObject class='A' distName='A-1&#0;2'/><managedObject class='A' "
+                    "distName='A-1&#0;3'/>",
+           header + "<extension><managedObject class='A' distName='A-1'><p "
+                    "name='x'/></managedObject></extension>",
+           header + "<cmData type='plan'>" + good + "</cmData>" + good,
+           header + "<managedObject class='A' distName='A-1'><cmData type='plan'>" + good +
+               "</cmData></managedObject>",
+       }) {
+    SCOPED_TRACE(content);
+    expectSame(cmData(content));
+  }
+  expectSame("<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'>" + header +
+             "</cmData></tarn>");
+  expectSame("<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'>" + header + good +
+             "</cmData></tarn>");
+  expectSame("<tarn xmlns='tarn21.xsd' version='2.1'><cmData>" + header + good +
+             "</cmData></tarn>");
+  expectSame("<tarn version='2.1'><cmData type='plan'>" + header + good + "</cmData></tarn>");
+  expectSame("<tarn xmlns='x' version='2.1'><cmData type='plan'>" + header + good +
+             "</cmData></tarn>");
+  expectSame("<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'>" + header + good +
+             "</cmData><cmData type='actual'>" + header + good + good + "</cmData></tarn>");
+}
+
+class RandomContent {
+ public:
+  explicit RandomContent(unsigned seed) : random_(seed) {}
+
+  std::string document() {
+    std::string content = rare(20) ? "" : header();
+    const std::size_t count = random_() % 6;
+    for (std::size_t i = 0; i < count; ++i) content += element(0);
+    if (rare(30)) content += header();
+    return cmData(content);
+  }
+
+ private:
+  bool rare(unsigned oneIn) { return random_() % oneIn == 0; }
+  std::string pick(std::initializer_list<const char*> texts) {
+    return *(texts.begin() + random_() % texts.size());
+  }
+
+  std::string header() { return rare(10) ? "<header><log action='a'/></header>" : "<header/>"; }
+
+  std::string name() {
+    if (rare(25)) return "";
+    return " name='" + pick({"x", "y", "longerName", "longerMane", "z1", "z2", "z3", "z4"}) +
+           std::to_string(random_() % 40) + "'";
+  }
+
+  std::string element(int depth) {
+    const auto kind = depth == 0 && !rare(15) ? 0 : random_() % 6;
+    const bool leaf = depth > 4;
+    if (kind == 0) {
+      std::string text = "<managedObject";
+      if (!rare(30)) text += " class='" + pick({"A", "B", "C"}) + "'";
+      if (!rare(30))
+        text += " distName='" + (rare(30) ? "bad" : "A-" + std::to_string(random_() % 50)) + "'";
+      if (rare(4))
+        text += " operation='" + (rare(10) ? "bad" : pick({"create", "update", "delete"})) + "'";
+      return text + ">" + (leaf ? "" : children(depth)) + "</managedObject>";
+    }
+    if (kind == 1) return "<list" + name() + ">" + (leaf ? "" : listContent(depth)) + "</list>";
+    if (kind == 2)
+      return "<extension" + name() + ">" + (leaf ? "" : children(depth)) + "</extension>";
+    if (kind == 3 && rare(8)) return "<item>" + (leaf ? "" : children(depth)) + "</item>";
+    return "<p" + name() + ">" + std::to_string(random_() % 100) + "</p>";
+  }
+
+  std::string children(int depth) {
+    std::string text;
+    const std::size_t count = rare(6) ? random_() % 60 : random_() % 6;
+    for (std::size_t i = 0; i < count; ++i)
+      text += rare(3) ? element(depth + 1) : "<p" + name() + "/>";
+    return text;
+  }
+
+  std::string listContent(int depth) {
+    std::string text;
+    const bool items = rare(2);
+    const std::size_t count = random_() % 4;
+    for (std::size_t i = 0; i < count; ++i) {
+      text += items != rare(30) ? "<item>" + children(depth + 2) + "</item>" : "<p>1</p>";
+    }
+    return text;
+  }
+
+  std::mt19937 random_;
+};
+
+TEST(IndexingParseTest, RandomDocumentsBehaveAsIfIndexedInOrder) {
+  std::size_t good = 0;
+  for (unsigned seed = 1; seed <= 3000; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    const std::string text = RandomContent(seed).document();
+    expectSame(text);
+    if (HasFatalFailure()) return;
+    LibTarnDocument document;
+    good += document.parse(text.c_str(), true) == 0 ? 1 : 0;
+  }
+  EXPECT_GT(good, 100U);
+  EXPECT_LT(good, 2900U);
+}
+
+TEST(IndexingParseTest, NothingIsFoundBeforeTheIndexesAreBuilt) {
+  const std::string text = cmData(
+      "<managedObject class='A' distName='A-1' operation='create'><p name='x'/></managedObject>");
+  LibTarnDocument document;
+  document.getItsTarnDomDocument()->parse(text.c_str());
+  const LibTarnCmData& data = *document.getLibTarnCmData();
+  EXPECT_EQ(data.getManagedObjectNumber(), 0U);
+  auto* const object =
+      dynamic_cast<LibTarnManagedObject*>(data.getFirstChildElement("managedObject"));
+  ASSERT_NE(object, nullptr);
+  EXPECT_EQ(object->getScalarParameter("x"), nullptr);
+  EXPECT_EQ(object->getOperation(), LibTarnManagedObject::Operation::AUTO);
+  document.getItsTarnDomDocument()->getRootElement()->rebuildIndexersAndInitializeEnums();
+  EXPECT_NE(object->getScalarParameter("x"), nullptr);
+  EXPECT_EQ(object->getOperation(), LibTarnManagedObject::Operation::CREATE);
+}
+
+TEST(IndexingParseTest, ObjectsBehindAFaultAreNotIndexed) {
+  const std::string object =
+      "<managedObject class='A' distName='A-1'><p name='x'/></managedObject>";
+  LibTarnDocument document;
+  EXPECT_EQ(document.parse(cmData(object + object +
+                                  "<managedObject class='A' distName='A-2' operation='update'>"
+                                  "<p name='x'/></managedObject>")
+                               .c_str(),
+                           false),
+            2);
+  const LibTarnCmData& data = *document.getLibTarnCmData();
+  EXPECT_EQ(data.getManagedObjectNumber(), 1U);
+  const LibTarnManagedObject* last = data.getLibTarnManagedObject("A-1");
+  ASSERT_NE(last, nullptr);
+  EXPECT_NE(last->getScalarParameter("x"), nullptr);
+  const IElement* const behind = last->getNextSiblingElement()->getNextSiblingElement();
+  const auto* const unindexed = dynamic_cast<const LibTarnManagedObject*>(behind);
+  ASSERT_NE(unindexed, nullptr);
+  EXPECT_EQ(unindexed->getScalarParameter("x"), nullptr);
+  EXPECT_EQ(unindexed->getOperation(), LibTarnManagedObject::Operation::AUTO);
+}
+
+// Names that all want the same place of the hash tables.
+std::vector<std::string> crowdingNames(const std::string& prefix, std::size_t count) {
+  std::vector<std::string> names;
+  for (std::size_t i = 0; names.size() < count; ++i) {
+    std::string name = prefix + std::to_string(i);
+    if ((indexation::textHash(name.data(), name.size()) & 0xFFFU) == 7) {
+      names.push_back(std::move(name));
+    }
+  }
+  return names;
+}
+
+TEST(IndexingParseTest, NamesThatCrowdTheHashTablesAreFoundAllTheSame) {
+  const std::vector<std::string> objects = crowdingNames("A-", 400);
+  const std::vector<std::string> parameters = crowdingNames("p", 400);
+  std::string content;
+  for (const std::string& name : objects) {
+    content += "<managedObject class='A' distName='" + name + "'/>";
+  }
+  content += "<managedObject class='B' distName='B-1'>";
+  for (const std::string& name : parameters) content += "<p name='" + name + "'/>";
+  content += "</managedObject>";
+  LibTarnDocument document;
+  ASSERT_EQ(document.parse(cmData("<header/>" + content).c_str(), true), 0);
+  LibTarnCmData& data = *document.getLibTarnCmData();
+  EXPECT_EQ(data.getManagedObjectNumber(), objects.size() + 1);
+  for (const std::string& name : objects) {
+    ASSERT_NE(data.getLibTarnManagedObject(name.c_str()), nullptr) << name;
+  }
+  LibTarnManagedObject& object = *data.getLibTarnManagedObject("B-1");
+  for (const std::string& name : parameters) {
+    ASSERT_NE(object.getScalarParameter(name.c_str()), nullptr) << name;
+  }
+  EXPECT_EQ(data.removeLibTarnManagedObject(objects[5].c_str()), 0);
+  EXPECT_EQ(data.getLibTarnManagedObject(objects[5].c_str()), nullptr);
+  EXPECT_EQ(data.removeLibTarnManagedObject(objects[5].c_str()), 2);
+  content += "<managedObject class='B' distName='" + objects[9] + "'/>";
+  LibTarnDocument twice;
+  EXPECT_EQ(twice.parse(cmData("<header/>" + content).c_str(), true), 2);
+}
+
+TEST(IndexingParseTest, OneByOneAddedNamesThatCrowdAreFoundAllTheSame) {
+  LibTarnDocument document;
+  ASSERT_EQ(document.parse(cmData("").c_str(), false), 0);
+  LibTarnCmData& data = *document.getLibTarnCmData();
+  const std::vector<std::string> objects = crowdingNames("A-", 300);
+  for (const std::string& name : objects) {
+    data.addLibTarnManagedObject(
+        *document.getFactory().createLibTarnManagedObject("A", name.c_str(), nullptr));
+  }
+  EXPECT_EQ(data.getManagedObjectNumber(), objects.size());
+  for (const std::string& name : objects) {
+    ASSERT_NE(data.getLibTarnManagedObject(name.c_str()), nullptr) << name;
+  }
+}
+
+}  // namespace
