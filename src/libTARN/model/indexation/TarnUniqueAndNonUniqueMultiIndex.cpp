@@ -1,11 +1,12 @@
 #include "model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
 
-#include <algorithm>
 #include <limits>
+#include <new>
 
 #include "EntryTree.hpp"
 #include "ObjectTable.hpp"
 #include "model/indexation/CharComparePredicate.hpp"
+#include "sortByKey.hpp"
 
 namespace libtarn {
 namespace model {
@@ -33,12 +34,16 @@ template <class View, class Order, class ForEach>
 View* makeView(libDomXml::IMemoryPool* pool, std::size_t count, ForEach forEach) {
   auto* const view = new (TarnAllocator<View>(pool).allocate(1)) View(pool);
   if (count == 0) return view;
-  ManagedObjectEntry* const entries = TarnAllocator<ManagedObjectEntry>(pool).allocate(count);
-  ManagedObjectEntry* end = entries;
-  forEach([&end](const ManagedObjectEntry& entry) { *end++ = entry; });
-  std::sort(entries, end, [](const ManagedObjectEntry& a, const ManagedObjectEntry& b) {
-    return Order::compare(a, b) < 0;
-  });
+  auto* const keyed = TarnAllocator<KeyedEntry<ManagedObjectEntry>>(pool).allocate(count);
+  KeyedEntry<ManagedObjectEntry>* end = keyed;
+  forEach([&end](const ManagedObjectEntry& entry) { *end++ = {0, entry}; });
+  KeySorter<ManagedObjectEntry, Order>::sort(keyed, end);
+  // The entries move together, to the start of the same memory.
+  auto* const entries = reinterpret_cast<ManagedObjectEntry*>(keyed);
+  for (std::size_t i = 0; i < count; ++i) {
+    const ManagedObjectEntry entry = keyed[i].entry;
+    new (entries + i) ManagedObjectEntry(entry);
+  }
   view->takeSorted(entries, count);
   return view;
 }
