@@ -3,7 +3,7 @@
 // Sorting of many entries by texts that begin alike, as distinguished names do.
 //
 // A comparison of two texts looks at both, somewhere in memory, and mostly at the same beginning
-// again. So what all texts have in common is skipped, the eight bytes behind it are put beside each
+// again. So what all texts have in common is skipped, the machine word behind it is put beside each
 // entry, and the entries are sorted by these; those that are equal in them are sorted in the same
 // way by what follows. After a few such steps the texts themselves are compared, so that no text,
 // however long, makes it go on for long: O(n log n) comparisons at most.
@@ -16,10 +16,10 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
-/// An entry, which has a `key`, and eight bytes of it, the first one highest.
+/// An entry, which has a `key`, and some bytes of it, the first one highest.
 template <class Entry>
 struct KeyedEntry {
-  std::uint64_t word;
+  std::uintptr_t word;
   Entry entry;
 };
 
@@ -69,8 +69,8 @@ class KeySorter {
   }
 
   // Zeros stand for what is behind the end of the text.
-  static std::uint64_t wordAt(const char* text) {
-    std::uint64_t word = 0;
+  static std::uintptr_t wordAt(const char* text) {
+    std::uintptr_t word = 0;
     for (std::size_t i = 0; i < sizeof(word); ++i) {
       word = word << 8U | static_cast<unsigned char>(*text);
       if (*text != '\0') ++text;
