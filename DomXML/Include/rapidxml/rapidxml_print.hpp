@@ -154,6 +154,17 @@ inline char* copy_name(char* to, const char* from, std::size_t size) {
   return to + size;
 }
 
+/// As copy_plain(), for a text of one to two words.
+template <class Word>
+char* copy_plain_ends(char* to, const char* from, std::size_t size) {
+  const auto first = load_word<Word>(from);
+  const auto last = load_word<Word>(from + size - sizeof(Word));
+  if (wide_block::any(special_in(wide_block(first, last)))) return nullptr;
+  store_word(to, first);
+  store_word(to + size - sizeof(Word), last);
+  return to + size;
+}
+
 /// Copies a text of which nothing is printed as a reference, and returns the end of the copy; null,
 /// with part of it copied, when it is no such text.
 inline char* copy_plain(char* to, const char* from, std::size_t size) {
@@ -169,13 +180,9 @@ inline char* copy_plain(char* to, const char* from, std::size_t size) {
     last.store(to + size - wide_block::size);
     return to + size;
   }
-  if (size >= 2 * sizeof(std::uint32_t) && wide_block::size >= 2 * sizeof(std::uint64_t)) {
-    const auto first = load_word<std::uint64_t>(from);
-    const auto last = load_word<std::uint64_t>(from + size - sizeof(first));
-    if (wide_block::any(special_in(wide_block(first, last)))) return nullptr;
-    store_word(to, first);
-    store_word(to + size - sizeof(last), last);
-    return to + size;
+  if constexpr (wide_block::size >= 2 * sizeof(std::uint64_t)) {
+    if (size >= sizeof(std::uint64_t)) return copy_plain_ends<std::uint64_t>(to, from, size);
+    if (size >= sizeof(std::uint32_t)) return copy_plain_ends<std::uint32_t>(to, from, size);
   }
   for (std::size_t i = 0; i < size; ++i) {
     if (!contains<plain>(from[i])) return nullptr;
@@ -276,36 +283,71 @@ class printer {
   }
 
   bool open_element(const node* element, std::size_t depth) {
-    // What follows lies mostly behind, in the pool as in the text.
-    const auto place = reinterpret_cast<std::uintptr_t>(element);
-    __builtin_prefetch(reinterpret_cast<const void*>(place + 768));
-    __builtin_prefetch(reinterpret_cast<const void*>(place + 832));
-    const auto text = reinterpret_cast<std::uintptr_t>(element->name());
-    __builtin_prefetch(reinterpret_cast<const void*>(text + 512));
-    spaces(depth);
-    start_tag(element);
+    prefetch_behind(element);
     const node* const child = element->first_node();
-    if (child && !is_only_data(child)) {
-      end_line();
-      return true;
-    }
-    expanded_value(child ? child : element);
-    end_tag(element);
-    return false;
-  }
-
-  void start_tag(const node* element) {
-    const std::size_t size = element->name_size();
-    if (size + 1 > Sink::capacity) {
+    const bool has_children = child && !is_only_data(child);
+    const node* const value_owner = child ? child : element;
+    if (!print_small(element, depth, has_children ? nullptr : value_owner)) {
+      spaces(depth);
       m_sink.put('<');
       name(element);
-    } else {
-      char* out = m_sink.room_for(size + 1);
-      *out++ = '<';
-      m_sink.wrote_to(copy_name(out, element->name(), size));
+      attributes(element);
+      m_sink.put('>');
+      if (!has_children) {
+        expanded_value(value_owner);
+        end_tag(element);
+      }
     }
-    attributes(element);
-    m_sink.put('>');
+    if (has_children) end_line();
+    return has_children;
+  }
+
+  // What follows lies mostly behind, in the pool as in the text.
+  static void prefetch_behind(const node* element) {
+    const auto place = reinterpret_cast<std::uintptr_t>(element);
+    const auto text = reinterpret_cast<std::uintptr_t>(element->name());
+    __builtin_prefetch(reinterpret_cast<const void*>(place + 768));
+    __builtin_prefetch(reinterpret_cast<const void*>(place + 832));
+    __builtin_prefetch(reinterpret_cast<const void*>(text + 512));
+  }
+
+  // A start tag, and all of an element when `value_owner` has its text, in one piece: of an element
+  // that is not too large and has nothing to be expanded. False for any other, with nothing
+  // printed.
+  bool print_small(const node* element, std::size_t depth, const node* value_owner) {
+    const std::size_t name_size = element->name_size();
+    std::size_t size = depth + 2 * name_size + (value_owner ? value_owner->value_size() : 0) + 5;
+    const xml_attribute<char>* attribute = element->first_attribute();
+    for (; attribute; attribute = attribute->next_attribute()) {
+      size += attribute->name_size() + attribute->value_size() + 4;
+    }
+    if (size > Sink::capacity) return false;
+
+    char* out = m_sink.room_for(size);
+    for (std::size_t i = m_indenting ? depth : 0; i > 0; --i) *out++ = ' ';
+    *out++ = '<';
+    out = copy_name(out, element->name(), name_size);
+    for (attribute = element->first_attribute(); attribute;
+         attribute = attribute->next_attribute()) {
+      *out++ = ' ';
+      out = copy_name(out, attribute->name(), attribute->name_size());
+      *out++ = '=';
+      *out++ = '"';
+      out = copy_plain(out, attribute->value(), attribute->value_size());
+      if (!out) return false;
+      *out++ = '"';
+    }
+    *out++ = '>';
+    if (value_owner) {
+      out = copy_plain(out, value_owner->value(), value_owner->value_size());
+      if (!out) return false;
+      *out++ = '<';
+      *out++ = '/';
+      out = copy_name(out, element->name(), name_size);
+      *out++ = '>';
+    }
+    m_sink.wrote_to(out);
+    return true;
   }
 
   static bool is_only_data(const node* first) {
@@ -318,18 +360,9 @@ class printer {
   }
 
   void end_tag(const node* element) {
-    const std::size_t size = element->name_size();
-    if (size + 3 > Sink::capacity) {
-      put("</");
-      name(element);
-      return m_sink.put('>');
-    }
-    char* out = m_sink.room_for(size + 3);
-    *out++ = '<';
-    *out++ = '/';
-    out = copy_name(out, element->name(), size);
-    *out++ = '>';
-    m_sink.wrote_to(out);
+    put("</");
+    name(element);
+    m_sink.put('>');
   }
 
   bool enclosed(std::size_t depth, const char* before, const node* current, const char* after) {
@@ -343,29 +376,11 @@ class printer {
   void attributes(const node* owner) {
     const xml_attribute<char>* attribute = owner->first_attribute();
     for (; attribute; attribute = attribute->next_attribute()) {
-      if (print_plain(attribute)) continue;
       m_sink.put(' ');
       name(attribute);
       m_sink.put('=');
       quoted_value(attribute);
     }
-  }
-
-  // An attribute that is not too large and has nothing to be expanded. False for any other, with
-  // nothing printed.
-  bool print_plain(const xml_attribute<char>* attribute) {
-    const std::size_t size = attribute->name_size() + attribute->value_size() + 4;
-    if (size > Sink::capacity) return false;
-    char* out = m_sink.room_for(size);
-    *out++ = ' ';
-    out = copy_name(out, attribute->name(), attribute->name_size());
-    *out++ = '=';
-    *out++ = '"';
-    out = copy_plain(out, attribute->value(), attribute->value_size());
-    if (!out) return false;
-    *out++ = '"';
-    m_sink.wrote_to(out);
-    return true;
   }
 
   // A value that holds a double quote goes into single quotes.
@@ -382,11 +397,6 @@ class printer {
   }
 
   void expanded_value(const node* current) {
-    if (current->value_size() <= Sink::capacity) {
-      char* const room = m_sink.room_for(current->value_size());
-      char* const end = copy_plain(room, current->value(), current->value_size());
-      if (end) return m_sink.wrote_to(end);
-    }
     expanded(current->value(), current->value() + current->value_size(), '\0');
   }
 
