@@ -136,6 +136,19 @@ void store_word(char* to, Word word) {
   std::memcpy(to, &word, sizeof(word));
 }
 
+/// What put_blanks() may write behind its blanks.
+constexpr std::size_t blanks_slack = 16;
+
+/// Writes `count` blanks and returns their end. Mostly they are few, for which a call or a loop
+/// takes longer.
+inline char* put_blanks(char* to, std::size_t count) {
+  constexpr std::uint64_t BLANKS = 0x2020202020202020U;
+  store_word(to, BLANKS);
+  store_word(to + sizeof(BLANKS), BLANKS);
+  if (count > blanks_slack) std::memset(to + blanks_slack, ' ', count - blanks_slack);
+  return to + count;
+}
+
 /// Copies a name, which is never expanded, and returns the end of the copy.
 inline char* copy_name(char* to, const char* from, std::size_t size) {
   if (size > 2 * sizeof(std::uint64_t)) {
@@ -316,7 +329,8 @@ class printer {
   // printed.
   bool print_small(const node* element, std::size_t depth, const node* value_owner) {
     const std::size_t name_size = element->name_size();
-    std::size_t size = depth + 2 * name_size + (value_owner ? value_owner->value_size() : 0) + 5;
+    std::size_t size =
+        depth + 2 * name_size + (value_owner ? value_owner->value_size() : 0) + 5 + blanks_slack;
     const xml_attribute<char>* attribute = element->first_attribute();
     for (; attribute; attribute = attribute->next_attribute()) {
       size += attribute->name_size() + attribute->value_size() + 4;
@@ -324,7 +338,7 @@ class printer {
     if (size > Sink::capacity) return false;
 
     char* out = m_sink.room_for(size);
-    for (std::size_t i = m_indenting ? depth : 0; i > 0; --i) *out++ = ' ';
+    if (m_indenting) out = put_blanks(out, depth);
     *out++ = '<';
     out = copy_name(out, element->name(), name_size);
     for (attribute = element->first_attribute(); attribute;
@@ -355,8 +369,18 @@ class printer {
   }
 
   void close(const node* element, std::size_t depth) {
-    spaces(depth);
-    end_tag(element);
+    const std::size_t size = depth + element->name_size() + 3 + blanks_slack;
+    if (size > Sink::capacity) {
+      spaces(depth);
+      return end_tag(element);
+    }
+    char* out = m_sink.room_for(size);
+    if (m_indenting) out = put_blanks(out, depth);
+    *out++ = '<';
+    *out++ = '/';
+    out = copy_name(out, element->name(), element->name_size());
+    *out++ = '>';
+    m_sink.wrote_to(out);
   }
 
   void end_tag(const node* element) {
