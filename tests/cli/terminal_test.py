@@ -158,7 +158,7 @@ class SignalTest(CommandCase):
         for number in range(30):
             process = subprocess.Popen([TARN, "merge", "--in-place", source, delta],
                                        stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
-            time.sleep(duration * rng.uniform(0.5, 2.5))
+            time.sleep(duration * rng.uniform(0, 2.5))
             process.send_signal((signal.SIGINT, signal.SIGTERM, signal.SIGHUP)[number % 3])
             process.communicate()
             content = self.read(source)
