@@ -78,7 +78,8 @@ TEST(MappedRegionTest, LargeBlocksGetMapsOfTheirOwn) {
 
 TEST(MappedRegionTest, SizesThatNoMemoryHasAreRefused) {
   EXPECT_EQ(MappedRegion::allocate(std::numeric_limits<std::size_t>::max(), nullptr), nullptr);
-  EXPECT_EQ(MappedRegion::allocate(std::numeric_limits<std::size_t>::max() / 2, nullptr), nullptr);
+  EXPECT_EQ(MappedRegion::allocate(std::numeric_limits<std::size_t>::max() / 2 + 1, nullptr),
+            nullptr);
 }
 
 TEST(MappedRegionTest, DocumentsThatComeAndGoLeaveNothing) {

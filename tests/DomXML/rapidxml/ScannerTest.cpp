@@ -69,8 +69,15 @@ class ScannerTest : public ::testing::Test {
   }
 };
 
+struct BlockNames {
+  template <class Block>
+  static std::string GetName(int index) {
+    return std::to_string(8 * Block::size) + "Bits" + std::to_string(index);
+  }
+};
+
 using Blocks = ::testing::Types<word_block, wide_block>;
-TYPED_TEST_SUITE(ScannerTest, Blocks);
+TYPED_TEST_SUITE(ScannerTest, Blocks, BlockNames);
 
 TYPED_TEST(ScannerTest, RunsEndWhereASearchByteByByteEnds) {
   std::mt19937 random(21);
