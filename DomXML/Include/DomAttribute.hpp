@@ -10,6 +10,8 @@ namespace libDomXml {
 /// Lives in its document's pool until the document goes, also after it has been removed.
 class DomAttribute : public rapidxml::xml_attribute<char> {
  public:
+  // The links of the record are set when it is linked.
+  // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.UninitializedObject)
   explicit DomAttribute(IMemoryPool* pool) : domFactory_(pool) {}
 
   /// Pool objects are not freed one by one.

@@ -11,7 +11,7 @@ namespace libDomXml {
 
 namespace {
 
-constexpr std::size_t ALIGNMENT = sizeof(void*);
+constexpr std::size_t WORD = sizeof(void*);  // to which blocks are aligned
 
 // The word before a block.
 MappedRegion*& regionOf(void* block) { return static_cast<MappedRegion**>(block)[-1]; }
@@ -35,7 +35,7 @@ MappedRegion* MappedRegion::map(std::size_t length) {
 
 void* MappedRegion::allocate(std::size_t size, void* newest) {
   if (size > std::numeric_limits<std::size_t>::max() / 2) return nullptr;
-  const std::size_t needed = sizeof(MappedRegion*) + (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+  const std::size_t needed = WORD + (size + WORD - 1) / WORD * WORD;
   MappedRegion* region = newest ? regionOf(newest) : nullptr;
   if (!region || static_cast<std::size_t>(region->end_ - region->free_) < needed) {
     const auto length =
@@ -43,7 +43,7 @@ void* MappedRegion::allocate(std::size_t size, void* newest) {
     region = map(std::max(sizeof(MappedRegion) + needed, std::min(2 * length, LARGEST)));
     if (!region) return nullptr;
   }
-  void* const block = region->free_ + sizeof(MappedRegion*);
+  void* const block = region->free_ + WORD;
   regionOf(block) = region;
   region->free_ += needed;
   ++region->blocks_;

@@ -317,11 +317,10 @@ class printer {
 
   // What follows lies mostly behind, in the pool as in the text.
   static void prefetch_behind(const node* element) {
-    const auto place = reinterpret_cast<std::uintptr_t>(element);
-    const auto text = reinterpret_cast<std::uintptr_t>(element->name());
-    __builtin_prefetch(reinterpret_cast<const void*>(place + 768));
-    __builtin_prefetch(reinterpret_cast<const void*>(place + 832));
-    __builtin_prefetch(reinterpret_cast<const void*>(text + 512));
+    const char* const place = reinterpret_cast<const char*>(element);
+    __builtin_prefetch(place + 768);
+    __builtin_prefetch(place + 832);
+    __builtin_prefetch(element->name() + 512);
   }
 
   // A start tag, and all of an element when `value_owner` has its text, in one piece: of an element
