@@ -22,24 +22,25 @@ ROOT = HERE.parent
 MIB = 1 << 20
 
 # Name, options of make_document.py, benchmarks to run (a regular expression).
-LOADS = r"^(parse/(DomDocument|pugixml)|load/|print/(libtarn|pugixml))"
-OWN = r"^(load|load, every index walked)/libtarn"
+TASKS = r"^(parse|load|load, every index walked|print)/"
+PEERS = TASKS + r"(DomDocument|libtarn|pugixml|tinyxml2|libxml2|expat)"
+NEAREST = TASKS + r"(DomDocument|libtarn|pugixml)"
 DOCUMENTS = [
     ("network, 64 MiB", ["--size", "64MiB"], "."),
-    ("network, 1 MiB", ["--size", "1MiB"], LOADS),
-    ("network, 8 MiB", ["--size", "8MiB"], LOADS),
-    ("network, 512 MiB", ["--size", "512MiB"], LOADS),
-    ("network, 64 MiB, sorted", ["--size", "64MiB", "--order", "sorted"], LOADS),
-    ("mixed, 64 MiB", ["--size", "64MiB", "--shape", "mixed"], LOADS),
-    ("attributes, 64 MiB", ["--size", "64MiB", "--shape", "attributes"], LOADS),
-    ("text, 64 MiB", ["--size", "64MiB", "--shape", "text"], LOADS),
+    ("network, 1 MiB", ["--size", "1MiB"], PEERS),
+    ("network, 8 MiB", ["--size", "8MiB"], PEERS),
+    ("network, 512 MiB", ["--size", "512MiB"], NEAREST),
+    ("network, 64 MiB, sorted", ["--size", "64MiB", "--order", "sorted"], PEERS),
+    ("mixed, 64 MiB", ["--size", "64MiB", "--shape", "mixed"], PEERS),
+    ("attributes, 64 MiB", ["--size", "64MiB", "--shape", "attributes"], PEERS),
+    ("text, 64 MiB", ["--size", "64MiB", "--shape", "text"], PEERS),
 ]
 ORDERS = ["sorted", "reversed", "shuffled"]
 for order in ORDERS:
     DOCUMENTS.append((f"100,000 parameters, {order}",
-                      ["--shape", "wide", "--count", "100000", "--order", order], OWN))
+                      ["--shape", "wide", "--count", "100000", "--order", order], NEAREST))
     DOCUMENTS.append((f"1,000,000 objects, {order}",
-                      ["--shape", "tiny", "--count", "1000000", "--order", order], OWN))
+                      ["--shape", "tiny", "--count", "1000000", "--order", order], NEAREST))
 MAIN = DOCUMENTS[0][0]
 GROWTH = ["network, 1 MiB", "network, 8 MiB", MAIN, "network, 512 MiB"]
 
@@ -207,60 +208,65 @@ def goals(r):
     ]
 
 
-def works_table(r):
-    document = r.document(MAIN)
-    base = {"parse": "parse/pugixml", "load": "load/pugixml and indexes",
-            "load, every index walked": "load, every index walked/pugixml and indexes",
-            "load and validate": "load and validate/libyang", "validate": "validate/libyang",
-            "print": "print/pugixml", "merge of a delta that updates every object":
-            "merge of a delta that updates every object/libyang", "release": "release/pugixml",
-            "limit": None}
+# What the ratios of a task are against.
+PEER_OF = {"parse": "parse/pugixml", "load": "load/pugixml and indexes",
+           "load, every index walked": "load, every index walked/pugixml and indexes",
+           "load and validate": "load and validate/libyang", "validate": "validate/libyang",
+           "print": "print/pugixml",
+           "merge of a delta that updates every object":
+               "merge of a delta that updates every object/libyang",
+           "release": "release/pugixml", "limit": None}
+# What builds something whose memory can be told, where the document is large enough to see it.
+BUILDING = ["parse", "load", "load, every index walked"]
+LEAST_FOR_MEMORY = 8 * MIB
+
+
+def works_table(r, name):
+    document = r.document(name)
+    works = document["works"]
     rows = []
-    for task, peer in base.items():
-        libraries = dict.fromkeys(name.rsplit("/", 1)[0] for name in document["works"]
-                                  if name.startswith(task + "/"))
-        for work in libraries:
+    for task, peer in PEER_OF.items():
+        for work in dict.fromkeys(name.rsplit("/", 1)[0] for name in works
+                                  if name.startswith(task + "/")):
             row = [task, work[len(task) + 1:]]
             for memory in ["cold", "warm"]:
-                if f"{work}/{memory}" not in document["works"]:
+                if f"{work}/{memory}" not in works:
                     row += ["", "", ""]
                     continue
-                seconds = r.seconds(f"{work}/{memory}")
-                reference = document["works"].get(f"{peer}/{memory}")
-                row += [f"{seconds * 1e3:,.1f}", f"{r.rate(f'{work}/{memory}'):,.0f}",
+                seconds = r.seconds(f"{work}/{memory}", name)
+                reference = works.get(f"{peer}/{memory}")
+                row += [f"{seconds * 1e3:,.1f}", f"{r.rate(f'{work}/{memory}', name):,.0f}",
                         f"{reference['seconds'] / seconds:.2f}" if reference else ""]
-            row.append(f"{seconds_of(document, work) * 1e9 / document['elements']:,.0f}")
+            row.append(f"{r.seconds(f'{work}/cold', name) * 1e9 / document['elements']:,.0f}")
+            tells_memory = (task in BUILDING and "events" not in work and
+                            document["bytes"] >= LEAST_FOR_MEMORY)
+            row.append(f"{r.memory(f'{work}/cold', name):.2f}" if tells_memory else "")
             rows.append(row)
     return table(["Task", "Library", "cold, ms", "MB/s", "ratio", "warm, ms", "MB/s", "ratio",
-                  "ns an element, cold"], rows)
-
-
-def seconds_of(document, work):
-    return document["works"][f"{work}/cold"]["seconds"]
+                  "ns an element, cold", "memory"], rows)
 
 
 def memory_table(r):
     works = ["parse/DomDocument", "load/libtarn", "load, every index walked/libtarn",
              "parse/pugixml", "load/pugixml and indexes", "parse/tinyxml2", "parse/libxml2",
              "parse/libyang"]
-    return table(["Work", "bytes for each byte of text"],
-                 [(work, f"{r.memory(work + '/cold'):.2f}") for work in works])
+    parse = r.memory("parse/pugixml/cold")
+    return table(["Work", "bytes for each byte of text", "pugixml's"],
+                 [(work, f"{r.memory(work + '/cold'):.2f}", f"{r.memory(work + '/cold') / parse:.2f}")
+                  for work in works])
 
 
-def shapes_table(r):
-    rows = []
-    for name, _, which in DOCUMENTS:
-        if which == OWN:
+def other_documents(r):
+    parts = []
+    for name, options, _ in DOCUMENTS:
+        if name == MAIN:
             continue
-        rows.append([name] + [f"{r.rate(work, name):,.0f}" for work in
-                              ["parse/DomDocument/warm", "parse/pugixml/warm", "load/libtarn/warm",
-                               "load/pugixml and indexes/warm", "print/libtarn/warm",
-                               "print/pugixml/warm"]] +
-                    [f"{r.ratio('load/libtarn/warm', 'parse/pugixml/warm', name):.2f}",
-                     f"{r.memory('load/libtarn/cold', name):.2f}"])
-    return table(["Document", "`DomDocument` parse", "pugixml parse", "load", "pugixml and indexes",
-                  "print", "pugixml print", "load against pugixml's parse",
-                  "bytes for each byte of text"], rows)
+        document = r.document(name)
+        parts.append(f"### {name[0].upper()}{name[1:]}\n\n`bench/make_document.py "
+                     f"{' '.join(options)}`: {document['bytes']:,} bytes, {document['objects']:,} "
+                     f"managed objects, {document['elements']:,} elements.\n\n"
+                     f"{works_table(r, name)}\n")
+    return "\n".join(parts).rstrip()
 
 
 def orders_table(r):
@@ -268,19 +274,34 @@ def orders_table(r):
     for what, unit in [("100,000 parameters", 100_000), ("1,000,000 objects", 1_000_000)]:
         for order in ORDERS:
             name = f"{what}, {order}"
-            rows.append([name] + [f"{r.seconds(work, name) * 1e9 / unit:,.0f}" for work in
-                                  ["load/libtarn/warm", "load, every index walked/libtarn/warm"]])
-    return table(["Document", "load, ns each", "and every index walked, ns each"], rows)
+            row = [name]
+            for task in ["load", "load, every index walked"]:
+                ours, theirs = f"{task}/libtarn/warm", f"{task}/pugixml and indexes/warm"
+                row += [f"{r.seconds(ours, name) * 1e9 / unit:,.0f}",
+                        f"{r.ratio(ours, theirs, name):.2f}"]
+            rows.append(row)
+    return table(["Document", "load, ns each", "ratio", "with every index walked, ns each", "ratio"],
+                 rows)
 
 
 def lookups_table(r):
-    return table(["Look-up", "ns"], [(name, f"{entry['seconds'] * 1e9:,.0f}")
-                                     for name, entry in sorted(r.results["lookups"].items())])
+    entries = r.results["lookups"]
+    rows = []
+    for what, peer in [("object", "std::map"), ("parameter", "pugixml")]:
+        for count in sorted(int(name.rsplit("/", 1)[1]) for name in entries
+                            if name.startswith(f"{what}/libtarn/")):
+            ours = entries[f"{what}/libtarn/{count}"]["seconds"]
+            theirs = entries[f"{what}/{peer}/{count}"]["seconds"]
+            rows.append([f"{what} among {count:,}", f"{ours * 1e9:,.0f}", peer,
+                         f"{theirs * 1e9:,.0f}", f"{theirs / ours:.1f}"])
+    return table(["Look-up", "libtarn, ns", "against", "ns", "ratio"], rows)
 
 
 def processes_table(r):
-    return table(["Process", "seconds", "MB"],
-                 [(f"`{name}`", f"{cost['seconds']:.3f}", f"{cost['bytes'] / 1e6:,.0f}")
+    base = r.results["processes"]["xmllint --noout"]
+    return table(["Process", "seconds", "ratio", "MB", "ratio"],
+                 [(f"`{name}`", f"{cost['seconds']:.3f}", f"{base['seconds'] / cost['seconds']:.2f}",
+                   f"{cost['bytes'] / 1e6:,.0f}", f"{base['bytes'] / cost['bytes']:.2f}")
                   for name, cost in r.results["processes"].items()])
 
 
@@ -339,8 +360,8 @@ def write(results):
     values = {"machine": machine(), "rounds": results["rounds"],
               "bytes": f"{r.document(MAIN)['bytes']:,}", "objects": f"{r.document(MAIN)['objects']:,}",
               "elements": f"{r.document(MAIN)['elements']:,}",
-              "goals": table(["What", "to reach", "measured"], goals(r)), "works": works_table(r),
-              "memory": memory_table(r), "shapes": shapes_table(r), "orders": orders_table(r),
+              "goals": table(["What", "to reach", "measured"], goals(r)), "works": works_table(r, MAIN),
+              "memory": memory_table(r), "others": other_documents(r), "orders": orders_table(r),
               "lookups": lookups_table(r), "processes": processes_table(r),
               "instructions": instructions_table(r)}
     for key, value in values.items():

@@ -1,6 +1,7 @@
 #include <optional>
 
 #include "../Work.hpp"
+#include "../walk_indexes.hpp"
 #include "libtarn.hpp"
 #include "model/DistinguishedNameValidator.hpp"
 #include "model/indexation/TarnIndexFactory.hpp"
@@ -83,34 +84,6 @@ struct MergeState {
   TarnState source;
   TarnState delta;
 };
-
-std::size_t walkLists(const LibTarnManagedObject& object) {
-  std::size_t count = 0;
-  for (const auto& list : object.getListParameters()) {
-    ++count;
-    for (const Structure* item = list.second->getStructuredValues(); item;
-         item = item->getNextSiblingElement()) {
-      for (const auto& component : item->getComponents()) count += component.second != nullptr;
-    }
-  }
-  return count;
-}
-
-// Every entry of every index, once.
-std::size_t walkIndexes(const LibTarnDocument& document) {
-  std::size_t count = 0;
-  const LibTarnCmData& cmData = *document.getLibTarnCmData();
-  for (const LibTarnManagedObject* object : cmData.getLibTarnManagedObjects()) {
-    for (const auto& parameter : object->getScalarParameters()) {
-      count += parameter.second != nullptr;
-    }
-    count += walkLists(*object);
-  }
-  for (const LibTarnManagedObject* object : cmData.getLibTarnManagedObjectsByClass("CELL")) {
-    count += object != nullptr;
-  }
-  return count;
-}
 
 std::shared_ptr<TarnState> loaded(const std::string& text, Memory memory) {
   auto state = std::make_shared<TarnState>(text, memory);

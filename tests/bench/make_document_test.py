@@ -35,7 +35,7 @@ class MakeDocumentTest(unittest.TestCase):
         return listed.splitlines(), written
 
     def test_every_shape_loads_and_has_about_the_size(self):
-        for shape, order in itertools.product(("mixed", "attributes", "text", "tiny", "wide"),
+        for shape, order in itertools.product(("network", "mixed", "attributes", "text", "tiny", "wide"),
                                               ("sorted", "shuffled", "reversed")):
             with self.subTest(shape=shape, order=order):
                 text = make("--shape", shape, "--order", order)

@@ -328,15 +328,16 @@ class printer {
   // printed.
   bool print_small(const node* element, std::size_t depth, const node* value_owner) {
     const std::size_t name_size = element->name_size();
-    std::size_t size =
-        depth + 2 * name_size + (value_owner ? value_owner->value_size() : 0) + 5 + blanks_slack;
+    // Of 64 bits, so that no sizes together are taken for a small one.
+    std::uint64_t size = std::uint64_t{2} * name_size + depth + 5 + blanks_slack;
+    if (value_owner) size += value_owner->value_size();
     const xml_attribute<char>* attribute = element->first_attribute();
     for (; attribute; attribute = attribute->next_attribute()) {
-      size += attribute->name_size() + attribute->value_size() + 4;
+      size += std::uint64_t{attribute->name_size()} + attribute->value_size() + 4;
     }
     if (size > Sink::capacity) return false;
 
-    char* out = m_sink.room_for(size);
+    char* out = m_sink.room_for(static_cast<std::size_t>(size));
     if (m_indenting) out = put_blanks(out, depth);
     *out++ = '<';
     out = copy_name(out, element->name(), name_size);
@@ -368,12 +369,12 @@ class printer {
   }
 
   void close(const node* element, std::size_t depth) {
-    const std::size_t size = depth + element->name_size() + 3 + blanks_slack;
+    const std::uint64_t size = std::uint64_t{depth} + element->name_size() + 3 + blanks_slack;
     if (size > Sink::capacity) {
       spaces(depth);
       return end_tag(element);
     }
-    char* out = m_sink.room_for(size);
+    char* out = m_sink.room_for(static_cast<std::size_t>(size));
     if (m_indenting) out = put_blanks(out, depth);
     *out++ = '<';
     *out++ = '/';
