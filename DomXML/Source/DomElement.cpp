@@ -1,6 +1,8 @@
 #include "DomElement.hpp"
 
 #include <cstring>
+#include <set>
+#include <string_view>
 #include <typeinfo>
 
 #include "DomDocument.hpp"
@@ -15,6 +17,10 @@ DomElement* toElement(rapidxml::xml_node<char>* node) { return static_cast<DomEl
 
 DomAttribute* toAttribute(rapidxml::xml_attribute<char>* attribute) {
   return static_cast<DomAttribute*>(attribute);
+}
+
+const DomAttribute* toAttribute(const rapidxml::xml_attribute<char>* attribute) {
+  return static_cast<const DomAttribute*>(attribute);
 }
 
 DomElement* copyWithoutChildren(const DomElement& source, IMemoryPool* pool,
@@ -47,10 +53,26 @@ IDomElement* DomElement::clone(IMemoryPool* pool) const {
   return copyTree(*this, copyOne, [](DomElement&) {});
 }
 
+// As addAttribute() for a copy of each, but without a walk along all names for each of many.
 void DomElement::copyAttributesTo(DomElement& target) const {
+  constexpr int FEW = 32;
   IMemoryPool* const pool = target.domFactory_.getMemoryPool();
-  for (auto* attribute = first_attribute(); attribute; attribute = attribute->next_attribute()) {
+  const auto* attribute = first_attribute();
+  for (int count = 0; attribute && count < FEW; ++count) {
     target.addAttribute(toAttribute(attribute)->clone(pool));
+    attribute = attribute->next_attribute();
+  }
+  if (!attribute) return;
+  std::set<std::string_view> names;
+  const auto nameOf = [](const rapidxml::xml_attribute<char>& each) {
+    return std::string_view(each.name(), each.name_size());
+  };
+  for (const auto* each = target.first_attribute(); each; each = each->next_attribute()) {
+    names.insert(nameOf(*each));
+  }
+  for (; attribute; attribute = attribute->next_attribute()) {
+    DomAttribute* const copy = toAttribute(attribute)->clone(pool);
+    if (names.insert(nameOf(*copy)).second) target.append_attribute(copy);
   }
 }
 

@@ -4,7 +4,7 @@
 #include "../walk_indexes.hpp"
 #include "libtarn.hpp"
 #include "model/DistinguishedNameValidator.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
+#include "support/LateIndexFactory.hpp"
 
 namespace bench {
 
@@ -14,26 +14,6 @@ using libtarn::editor::TarnMerge;
 using libtarn::model::LibTarnDocument;
 using libtarn::model::LibTarnManagedObject;
 using namespace libtarn::model;
-
-// Index factory in the pool of a document that is made after it.
-class LateIndexFactory : public indexation::ITarnIndexFactory {
- public:
-  void useFor(libDomXml::IMemoryPool& pool) { factory_.emplace(pool); }
-
-  indexation::ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const override {
-    return factory_->createUniqueScalarNameTarnIndex();
-  }
-  indexation::ITarnUniqueIndex<List>* createUniqueIndexForList() const override {
-    return factory_->createUniqueIndexForList();
-  }
-  indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>*
-  createUniqueAndNonUniqueMultiIndex() const override {
-    return factory_->createUniqueAndNonUniqueMultiIndex();
-  }
-
- private:
-  std::optional<indexation::TarnIndexFactory> factory_;
-};
 
 // A document whose pool is mapped, which is always fresh memory, or comes from the heap, which is
 // as warm as the heap is.
@@ -59,7 +39,7 @@ class TarnState {
  private:
   std::vector<char> text_;
   DistinguishedNameValidator validator_;
-  LateIndexFactory indexFactory_;
+  tarn_test::LateIndexFactory indexFactory_;
   std::optional<LibTarnDocument> document_;
 };
 

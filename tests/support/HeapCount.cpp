@@ -7,6 +7,23 @@
 namespace {
 
 std::atomic<std::size_t> allocations{0};
+std::atomic<std::size_t> blocks{0};
+
+// Calls until the one that fails; 0 for none to come.
+thread_local std::size_t callsToFault = 0;
+
+void* allocate(std::size_t size) {
+  ++allocations;
+  if (callsToFault > 0 && --callsToFault == 0) return nullptr;
+  void* const memory = std::malloc(size != 0 ? size : 1);
+  if (memory) ++blocks;
+  return memory;
+}
+
+void release(void* memory) {
+  if (memory) --blocks;
+  std::free(memory);
+}
 
 }  // namespace
 
@@ -14,21 +31,40 @@ namespace tarn_test {
 
 std::size_t heapAllocations() { return allocations; }
 
+std::size_t heapBlocks() { return blocks; }
+
+HeapFault::HeapFault(std::size_t number) { callsToFault = number; }
+
+HeapFault::~HeapFault() { callsToFault = 0; }
+
+bool HeapFault::happened() const { return callsToFault == 0; }
+
 }  // namespace tarn_test
 
 void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* const memory = std::malloc(size != 0 ? size : 1)) return memory;
+  if (void* const memory = allocate(size)) return memory;
   throw std::bad_alloc();
 }
 
-// The forms for arrays, too: a sanitizer brings its own, which would not come here.
+// The other forms, too: a sanitizer brings its own, which would not come here.
 void* operator new[](std::size_t size) { return operator new(size); }
 
-void operator delete(void* memory) noexcept { std::free(memory); }
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return allocate(size);
+}
 
-void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return allocate(size);
+}
 
-void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept { release(memory); }
 
-void operator delete[](void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t /*size*/) noexcept { release(memory); }
+
+void operator delete[](void* memory) noexcept { release(memory); }
+
+void operator delete[](void* memory, std::size_t /*size*/) noexcept { release(memory); }
+
+void operator delete(void* memory, const std::nothrow_t& /*tag*/) noexcept { release(memory); }
+
+void operator delete[](void* memory, const std::nothrow_t& /*tag*/) noexcept { release(memory); }

@@ -35,6 +35,8 @@ class LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
+  /// What addLog() of a copy of each entry of `header` comes to. Walks the entries of both once.
+  void addCopiesOfLogs(const LibTarnHeader& header);
   /// Removes the oldest entries beyond MAX_LOG_COUNT.
   void truncate();
 

@@ -18,10 +18,9 @@
 #include "model/LibTarnCmDataImp.hpp"
 #include "model/LibTarnDocument.hpp"
 #include "model/LibTarnExtensionImp.hpp"
-#include "model/LibTarnHeader.hpp"
+#include "model/LibTarnHeaderImp.hpp"
 #include "model/LibTarnManagedObjectImp.hpp"
 #include "model/ListImp.hpp"
-#include "model/LogImp.hpp"
 #include "model/ScalarImp.hpp"
 #include "model/TypedChildren.hpp"
 #include "util/Logger.hpp"
@@ -37,7 +36,6 @@ using model::LibTarnDocument;
 using model::LibTarnExtension;
 using model::LibTarnHeader;
 using model::LibTarnManagedObject;
-using model::Log;
 using model::Scalar;
 using Operation = LibTarnManagedObject::Operation;
 
@@ -236,9 +234,7 @@ void TarnMerge::addHeaders(LibTarnCmDataImp* delta) {
   LibTarnHeader* const target = cmData_->getLibTarnHeader();
   const LibTarnHeader* const header = delta->getLibTarnHeader();
   if (!target || !header || header == target) return;
-  for (const Log* log = header->getLogs(); log; log = log->getNextSiblingElement()) {
-    target->addLog(copyInto<model::LogImp>(factory_, *log));
-  }
+  model::implementation<model::LibTarnHeaderImp>(*target).addCopiesOfLogs(*header);
 }
 
 }  // namespace editor

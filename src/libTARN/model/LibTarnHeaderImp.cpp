@@ -1,5 +1,6 @@
 #include "model/LibTarnHeaderImp.hpp"
 
+#include <deque>
 #include <vector>
 
 #include "../util/LogLocation.hpp"
@@ -62,6 +63,17 @@ Log* LibTarnHeaderImp::getLogs() const { return firstTypedChild<LogImp>(*this); 
 void LibTarnHeaderImp::addLog(Log& log) {
   addChild(&implementation<LogImp>(log));
   truncate();
+}
+
+// Of more entries than are kept only the newest are copied.
+void LibTarnHeaderImp::addCopiesOfLogs(const LibTarnHeader& header) {
+  std::deque<const LogImp*> newest;
+  for (const Log* log = header.getLogs(); log; log = log->getNextSiblingElement()) {
+    newest.push_back(&implementation<LogImp>(*log));
+    if (newest.size() > MAX_LOG_COUNT) newest.pop_front();
+  }
+  for (const LogImp* log : newest) addChild(log->clone(factory_));
+  if (!newest.empty()) truncate();
 }
 
 void LibTarnHeaderImp::truncate() {

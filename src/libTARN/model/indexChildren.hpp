@@ -22,9 +22,9 @@ bool indexOnce(indexation::ITarnUniqueIndex<Element>& index, Element& element) {
 template <class Element>
 bool indexOnceTrue(indexation::ITarnUniqueIndex<Element>& index, ParsedNames<Element>& names,
                    const bool& condition) {
-  const auto& entries = names.entries();
-  if (entries.empty()) return true;
+  if (names.empty()) return true;
   const NameOrder order = names.order();
+  const auto& entries = names.entries();
   return order != NameOrder::UNKNOWN &&
          index.addOnceTrue(condition, entries.data(), entries.size(), order == NameOrder::SORTED);
 }

@@ -1,0 +1,63 @@
+// Whole loads: a document that is checked while it is parsed is found right or wrong as by the walk
+// over the tree, with the same words; what is loaded is sound, and what is printed of it loads as
+// the same.
+
+#include <vector>
+
+#include "../support/Text.hpp"
+#include "../support/check.hpp"
+#include "libtarn.hpp"
+#include "support/consistency.hpp"
+
+namespace {
+
+using libtarn::model::LibTarnDocument;
+
+struct Outcome {
+  int code;
+  std::string message;
+
+  bool operator==(const Outcome& other) const {
+    return code == other.code && message == other.message;
+  }
+};
+
+Outcome outcomeOf(const LibTarnDocument& document, int code) {
+  return {code, document.getDiagnostic().message};
+}
+
+std::string print(const LibTarnDocument& document) {
+  std::string out;
+  libtarn::util::dumpTarnDocument(document, out);
+  return out;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::Text text(data, size);
+  LibTarnDocument checked;
+  const Outcome outcome = outcomeOf(checked, checked.parse(text.get(), true));
+  LibTarnDocument document;
+  Outcome inSteps = outcomeOf(document, document.parse(text.get(), false));
+  const bool loaded = inSteps.code == 0;
+  if (loaded) inSteps = outcomeOf(document, document.validate());
+  fuzz::check(outcome == inSteps, "a check while parsing says what the walk says");
+
+  // A document that was not loaded to its end has indexes that are not complete.
+  using tarn_test::Indexes;
+  fuzz::checkNothing(
+      tarn_test::brokenDocument(document, loaded ? Indexes::IN_STEP : Indexes::SOUND));
+  const std::string printed = print(document);
+  fuzz::check(printed == print(checked), "both loads give the same document");
+  if (!loaded || printed.find('\0') != std::string::npos) return 0;
+
+  LibTarnDocument again;
+  fuzz::check(again.parse(printed.c_str(), false) == 0, "what was printed is loaded again");
+  fuzz::checkNothing(tarn_test::brokenDocument(again));
+  const std::string settled = print(again);
+  LibTarnDocument third;
+  fuzz::check(third.parse(settled.c_str(), false) == 0 && print(third) == settled,
+              "a printed document stays as it is");
+  return 0;
+}

@@ -1,0 +1,396 @@
+// Memory that runs out: every allocation of a piece of work fails once, and each time nothing is
+// lost, nothing is broken, and the document goes as it should.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <functional>
+#include <memory>
+#include <new>
+#include <optional>
+#include <string>
+
+#include "libtarn.hpp"
+#include "support/CapturedLog.hpp"
+#include "support/HeapCount.hpp"
+#include "support/LateIndexFactory.hpp"
+#include "support/MapFault.hpp"
+#include "support/consistency.hpp"
+
+namespace {
+
+using namespace libtarn::model;
+using libtarn::editor::TarnMerge;
+using tarn_test::brokenDocument;
+using tarn_test::HeapFault;
+using tarn_test::Indexes;
+using tarn_test::MapFault;
+using Operation = LibTarnManagedObject::Operation;
+
+constexpr int OBJECTS = 400;  // more than a block of the pool holds
+constexpr int FEW = 20;
+
+std::string object(int number, const std::string& attributes = "") {
+  const std::string text = std::to_string(number);
+  return "<managedObject class='C" + std::to_string(number % 3) + "' distName='A-" + text + "' " +
+         attributes + "><p name='a'>" + text + "</p><p name='b'/><list name='l'><p>1</p></list>" +
+         "<list name='m'><item><p name='x'>1</p></item></list>" +
+         "<extension name='e'><p name='n'>v</p></extension></managedObject>";
+}
+
+std::string documentText(int from, int to, const std::string& attributes = "") {
+  std::string text =
+      "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header>"
+      "<log dateTime='d' action='a'>x</log></header>";
+  // Not in order, so that indexes sort.
+  for (int number = from; number < to; ++number) text += object(number * 7919 % 100003, attributes);
+  return text + "</cmData></tarn>";
+}
+
+// Where the pool's blocks come from.
+enum class Blocks { HEAP, MAPS };
+
+class Side {
+ public:
+  explicit Side(Blocks blocks) {
+    if (blocks == Blocks::MAPS) {
+      document_.emplace();
+      return;
+    }
+    auto* const document = new TarnDomDocument(&validator_, &indexFactory_);
+    indexFactory_.useFor(*document);
+    document_.emplace(document);
+  }
+
+  LibTarnDocument& get() { return *document_; }
+
+ private:
+  DistinguishedNameValidator validator_;
+  tarn_test::LateIndexFactory indexFactory_;
+  std::optional<LibTarnDocument> document_;
+};
+
+std::unique_ptr<Side> loaded(Blocks blocks, const std::string& text) {
+  auto side = std::make_unique<Side>(blocks);
+  EXPECT_EQ(side->get().parse(text.c_str(), false), 0);
+  return side;
+}
+
+// Two documents, and what is done with them.
+struct Documents {
+  std::string sourceText = documentText(0, OBJECTS);
+  std::unique_ptr<Side> source;
+  std::unique_ptr<Side> delta;
+};
+
+using Step = std::function<void(Documents&)>;
+
+struct Work {
+  const char* name;
+  Step prepare;
+  Step act;
+};
+
+Work load(Blocks blocks) {
+  return {"load", [](Documents&) {},
+          [blocks](Documents& documents) {
+            documents.source = std::make_unique<Side>(blocks);
+            documents.source->get().parse(documents.sourceText.c_str(), true);
+          }};
+}
+
+Work loadAgain(Blocks blocks) {
+  return {
+      "load again",
+      [blocks](Documents& documents) { documents.source = loaded(blocks, documentText(0, 10)); },
+      [](Documents& documents) {
+        documents.source->get().parse(documents.sourceText.c_str(), false);
+      }};
+}
+
+void editAll(LibTarnDocument& document) {
+  auto& factory = document.getFactory();
+  LibTarnCmData& cmData = *document.getLibTarnCmData();
+  for (int i = 0; i < 400; ++i) {
+    const std::string name = std::to_string(i);
+    LibTarnManagedObject* const made = factory.createLibTarnManagedObject(
+        "C", ("B-" + name).c_str(), Operation::CREATE, name.c_str());
+    cmData.addLibTarnManagedObject(*made);
+    made->addParameter(*factory.createScalar("a", "1"));
+    List* const list = factory.createList("l");
+    Structure* const item = factory.createStructure();
+    item->addComponent(*factory.createScalar("c", name.c_str()));
+    list->addValue(*item);
+    made->addParameter(*list);
+    LibTarnExtension* const extension = factory.createLibTarnExtension("e");
+    extension->addParameter(*factory.createScalar("n", "v"));
+    made->addParameter(*extension);
+    made->setDistName(("D-" + name).c_str());
+    made->getScalarParameter("a")->setValue("a longer value than before");
+    made->setVersion("2");
+    if (i % 3 == 0) cmData.removeLibTarnManagedObject(("D-" + name).c_str());
+  }
+  cmData.getLibTarnHeader()->addLog(*factory.createLog("edit", "app", "value"));
+}
+
+// Tells what it does to each object, in many allocations.
+void changeByMask(LibTarnDocument& document) {
+  LibTarnManagedObject& mask = libtarn::util::ManagedObjectBuilder(document).setClass("C1").get();
+  LibTarnManagedObject& values = libtarn::util::ManagedObjectBuilder(document)
+                                     .setClass("C7")
+                                     .setDistName("D-1")
+                                     .setVersion("3")
+                                     .get();
+  values.addParameter(*document.getFactory().createScalar("a", "changed"));
+  values.addParameter(*document.getFactory().createList("l"));
+  document.setChangesToMOs(mask, values);
+}
+
+Work edit(Blocks blocks) {
+  return {
+      "edit",
+      [blocks](Documents& documents) { documents.source = loaded(blocks, documents.sourceText); },
+      [](Documents& documents) { editAll(documents.source->get()); }};
+}
+
+Work change(Blocks blocks) {
+  return {"change",
+          [blocks](Documents& documents) {
+            documents.source = loaded(blocks, documentText(0, FEW));
+            documents.source->get().getItsTarnDomDocument()->allocateMemory(200 << 10);
+          },
+          [](Documents& documents) { changeByMask(documents.source->get()); }};
+}
+
+Work clone(Blocks blocks) {
+  return {"clone",
+          [blocks](Documents& documents) {
+            documents.source = loaded(blocks, documents.sourceText);
+            documents.delta = loaded(blocks, documentText(0, 0));
+          },
+          [](Documents& documents) {
+            auto& factory = documents.delta->get().getFactory();
+            LibTarnCmData& target = *documents.delta->get().getLibTarnCmData();
+            for (const auto* each :
+                 documents.source->get().getLibTarnCmData()->getLibTarnManagedObjects()) {
+              target.addLibTarnManagedObject(
+                  dynamic_cast<LibTarnManagedObject&>(*each->clone(factory)));
+            }
+          }};
+}
+
+Work merge(Blocks blocks) {
+  return {"merge",
+          [blocks](Documents& documents) {
+            documents.source = loaded(blocks, documents.sourceText);
+            documents.delta = loaded(blocks, documentText(OBJECTS / 2, 2 * OBJECTS));
+          },
+          [](Documents& documents) {
+            TarnMerge(documents.source->get()).mergeDocument(documents.delta->get());
+          }};
+}
+
+Work print(Blocks blocks) {
+  return {
+      "print",
+      [blocks](Documents& documents) { documents.source = loaded(blocks, documents.sourceText); },
+      [](Documents& documents) {
+        std::string printed;
+        libtarn::util::dumpTarnDocument(documents.source->get(), printed);
+      }};
+}
+
+std::vector<Work> allWorks(Blocks blocks) {
+  return {load(blocks),  loadAgain(blocks), edit(blocks), change(blocks),
+          clone(blocks), merge(blocks),     print(blocks)};
+}
+
+// Empty when all is well.
+std::string broken(const Documents& documents, bool done) {
+  for (Side* const side : {documents.source.get(), documents.delta.get()}) {
+    if (!side) continue;
+    LibTarnDocument* const document = &side->get();
+    // A load that was broken off has indexes that are not complete.
+    const bool whole = done || document->getLibTarnCmData() == nullptr;
+    const std::string finding =
+        brokenDocument(*document, whole ? Indexes::IN_STEP : Indexes::SOUND);
+    if (!finding.empty()) return finding;
+  }
+  return "";
+}
+
+TEST(MemoryFaultTest, EveryAllocationOnTheHeapMayFail) {
+  for (const Work& work : allWorks(Blocks::HEAP)) {
+    SCOPED_TRACE(work.name);
+    {
+      // What is made once and kept.
+      Documents documents;
+      work.prepare(documents);
+      work.act(documents);
+    }
+    std::size_t faults = 0;
+    for (bool done = false; !done; ++faults) {
+      ASSERT_LT(faults, 100000U);
+      tarn_test::CapturedLog log;
+      const std::size_t before = tarn_test::heapBlocks();
+      {
+        Documents documents;
+        work.prepare(documents);
+        {
+          HeapFault fault(faults + 1);
+          try {
+            work.act(documents);
+          } catch (const std::bad_alloc&) {
+          }
+          done = !fault.happened();
+        }
+        log.clear();
+        const bool loading = std::string(work.name).find("load") == 0;
+        ASSERT_EQ(broken(documents, done || !loading), "") << "fault " << faults + 1;
+      }
+      log.clear();
+      ASSERT_EQ(tarn_test::heapBlocks(), before) << "fault " << faults + 1;
+    }
+    // Otherwise nothing has been tried.
+    EXPECT_GT(faults, 2U);
+    RecordProperty(work.name, std::to_string(faults - 1));
+  }
+}
+
+TEST(MemoryFaultTest, ADocumentThatDidNotFitLoadsOnceThereIsMemory) {
+  for (std::size_t number = 1; number < 40; ++number) {
+    tarn_test::CapturedLog log;
+    Side side(Blocks::HEAP);
+    LibTarnDocument* const document = &side.get();
+    const std::string text = documentText(0, OBJECTS);
+    {
+      HeapFault fault(number);
+      try {
+        document->parse(text.c_str(), true);
+      } catch (const std::bad_alloc&) {
+      }
+    }
+    ASSERT_EQ(document->parse(text.c_str(), true), 0);
+    ASSERT_EQ(brokenDocument(*document), "");
+    ASSERT_EQ(document->getItsTarnDomDocument()->printDocument(),
+              loaded(Blocks::HEAP, text)->get().getItsTarnDomDocument()->printDocument());
+  }
+}
+
+// What a map that fails comes to in a process of its own: 0 for all well, the assertion "memory".
+[[noreturn]] void failMapIn(const Work& work, std::size_t number) {
+  Documents documents;
+  work.prepare(documents);
+  bool happened = false;
+  {
+    MapFault fault(number);
+    try {
+      work.act(documents);
+    } catch (const std::bad_alloc&) {
+    }
+    happened = fault.happened();
+  }
+  const std::string finding = broken(documents, false);
+  documents = Documents();
+  std::fprintf(stderr, "%s%s\n", finding.c_str(), happened ? "went on" : "all went well");
+  _exit(finding.empty() ? 0 : 1);
+}
+
+TEST(MemoryFaultDeathTest, EveryMapMayFail) {
+  if (!tarn_test::canFailMaps()) GTEST_SKIP() << "the sanitizer keeps mmap for itself";
+  for (const Work& work : allWorks(Blocks::MAPS)) {
+    SCOPED_TRACE(work.name);
+    std::size_t number = 1;
+    for (;; ++number) {
+      ASSERT_LT(number, 1000U);
+      // A process ends with the assertion as long as there is a map to fail.
+      std::string outcome;
+      const auto isKnownEnd = [&outcome](int status) {
+        outcome = WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT ? "assertion"
+                  : WIFEXITED(status) && WEXITSTATUS(status) == 0    ? "well"
+                                                                     : "";
+        return !outcome.empty();
+      };
+      ASSERT_EXIT(failMapIn(work, number), isKnownEnd, "memory|went on|all went well");
+      if (outcome == "well") break;
+    }
+    // Those two take nothing from the pool, or little.
+    const std::string name = work.name;
+    if (name != "print" && name != "change") {
+      EXPECT_GT(number, 1U);
+    }
+  }
+}
+
+// A pool of the host's that has no memory for one request.
+class FailingPool : public libDomXml::IMemoryPool {
+ public:
+  explicit FailingPool(std::size_t number) : callsToFault_(number) {}
+
+  void* allocateMemory(unsigned int size) override {
+    if (callsToFault_ > 0 && --callsToFault_ == 0) return nullptr;
+    return memory_.allocateMemory(size);
+  }
+  bool happened() const { return callsToFault_ == 0; }
+
+ private:
+  libDomXml::DomDocument memory_{false};
+  std::size_t callsToFault_;
+};
+
+// Elements made, linked, changed and copied in that pool.
+void workIn(FailingPool& pool) {
+  libtarn::util::TarnFactory factory(pool);
+  LibTarnManagedObject* const made =
+      factory.createLibTarnManagedObject("C", "A-1", Operation::UPDATE, "1");
+  LibTarnCmData* const cmData = factory.createLibTarnCmData(LibTarnCmData::Type::PLAN);
+  cmData->addLibTarnManagedObject(*made);
+  cmData->setLibTarnHeader(*factory.createLibTarnHeader());
+  cmData->getLibTarnHeader()->addLog(*factory.createLog("a", "b", "c"));
+  for (int i = 0; i < 200; ++i) {
+    const std::string name = std::to_string(i);
+    made->addParameter(*factory.createScalar(name.c_str(), "1"));
+    made->addParameter(*factory.createList(name.c_str()));
+    cmData->addLibTarnManagedObject(
+        *factory.createLibTarnManagedObject("C", ("B-" + name).c_str(), nullptr));
+  }
+  made->setDistName("A-2");
+  cmData->addLibTarnManagedObject(dynamic_cast<LibTarnManagedObject&>(*made->clone(factory)));
+}
+
+[[noreturn]] void failPoolAt(std::size_t number) {
+  bool happened = false;
+  {
+    FailingPool pool(number);
+    try {
+      workIn(pool);
+    } catch (const std::bad_alloc&) {
+    }
+    happened = pool.happened();
+  }
+  std::fprintf(stderr, happened ? "went on\n" : "all went well\n");
+  _exit(happened ? 2 : 0);
+}
+
+TEST(MemoryFaultDeathTest, EveryRequestToAPoolOfTheHostMayFail) {
+  std::size_t assertions = 0;
+  std::size_t exceptions = 0;
+  for (std::size_t number = 1;; ++number) {
+    ASSERT_LT(number, 20000U);
+    int code = -1;
+    const auto isKnownEnd = [&code](int status) {
+      code = WIFEXITED(status) ? WEXITSTATUS(status) : WTERMSIG(status) == SIGABRT ? 100 : 101;
+      return code == 0 || code == 2 || code == 100;
+    };
+    ASSERT_EXIT(failPoolAt(number), isKnownEnd, "memory|went on|all went well");
+    if (code == 0) break;
+    ++(code == 100 ? assertions : exceptions);
+    // There are thousands; the first of each kind of request come early.
+    if (number > 400) number += 16;
+  }
+  EXPECT_GT(assertions, 100U);
+  EXPECT_GT(exceptions, 0U);
+}
+
+}  // namespace

@@ -1,0 +1,52 @@
+#include "support/MapFault.hpp"
+
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace {
+
+thread_local std::size_t callsToFault = 0;
+
+}  // namespace
+
+namespace tarn_test {
+
+bool canFailMaps() {
+#ifdef __SANITIZE_ADDRESS__
+  return false;
+#else
+  return true;
+#endif
+}
+
+MapFault::MapFault(std::size_t number) { callsToFault = number; }
+
+MapFault::~MapFault() { callsToFault = 0; }
+
+bool MapFault::happened() const { return callsToFault == 0; }
+
+}  // namespace tarn_test
+
+#ifndef __SANITIZE_ADDRESS__
+
+// In place of the C library's.
+extern "C" void* mmap(void* address, std::size_t length, int protection, int flags, int file,
+                      off_t offset) noexcept {
+  if (callsToFault > 0 && --callsToFault == 0) {
+    errno = ENOMEM;
+    return MAP_FAILED;
+  }
+#ifdef SYS_mmap2
+  constexpr off_t UNIT = 4096;  // of the call, whatever a page is
+  return reinterpret_cast<void*>(
+      syscall(SYS_mmap2, address, length, protection, flags, file, offset / UNIT));
+#else
+  return reinterpret_cast<void*>(
+      syscall(SYS_mmap, address, length, protection, flags, file, offset));
+#endif
+}
+
+#endif

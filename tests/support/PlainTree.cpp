@@ -1,0 +1,78 @@
+#include "support/PlainTree.hpp"
+
+#include <algorithm>
+
+namespace tarn_test {
+
+const std::string* PlainElement::attribute(const std::string& name) const {
+  for (const auto& [key, text] : attributes) {
+    if (key == name) return &text;
+  }
+  return nullptr;
+}
+
+std::string PlainElement::attributeOr(const std::string& name) const {
+  const std::string* const text = attribute(name);
+  return text ? *text : "";
+}
+
+void PlainElement::setAttribute(const std::string& name, const std::string& text) {
+  for (auto& [key, current] : attributes) {
+    if (key != name) continue;
+    current = text;
+    return;
+  }
+  attributes.emplace_back(name, text);
+}
+
+PlainElement* PlainElement::firstChild(const std::string& childTag) {
+  for (PlainElement& child : children) {
+    if (child.tag == childTag) return &child;
+  }
+  return nullptr;
+}
+
+std::size_t depthOf(const rapidxml::xml_node<char>& top) {
+  std::size_t deepest = 1;
+  std::size_t depth = 1;
+  const rapidxml::xml_node<char>* node = &top;
+  for (;;) {
+    deepest = std::max(deepest, depth);
+    if (node->first_node()) {
+      node = node->first_node();
+      ++depth;
+      continue;
+    }
+    while (node != &top && !node->next_sibling()) {
+      node = node->parent();
+      --depth;
+    }
+    if (node == &top) return deepest;
+    node = node->next_sibling();
+  }
+}
+
+PlainElement toPlain(const rapidxml::xml_node<char>& top) {
+  PlainElement plain;
+  plain.tag.assign(top.name(), top.name_size());
+  plain.value.assign(top.value(), top.value_size());
+  for (auto* attribute = top.first_attribute(); attribute;
+       attribute = attribute->next_attribute()) {
+    plain.attributes.emplace_back(std::string(attribute->name(), attribute->name_size()),
+                                  std::string(attribute->value(), attribute->value_size()));
+  }
+  for (const auto* child = top.first_node(); child; child = child->next_sibling()) {
+    plain.children.push_back(toPlain(*child));
+  }
+  return plain;
+}
+
+bool holdsZero(const PlainElement& element) {
+  const auto has = [](const std::string& text) { return text.find('\0') != std::string::npos; };
+  return has(element.value) ||
+         std::any_of(element.attributes.begin(), element.attributes.end(),
+                     [&](const auto& attribute) { return has(attribute.second); }) ||
+         std::any_of(element.children.begin(), element.children.end(), holdsZero);
+}
+
+}  // namespace tarn_test

@@ -1,0 +1,154 @@
+#include "support/plainMerge.hpp"
+
+#include <algorithm>
+#include <map>
+
+namespace tarn_test {
+
+namespace {
+
+constexpr std::size_t MOST_LOGS = 50;
+
+struct Kind {
+  std::string tag;
+  bool keepsAttributes;
+  bool keepsName;  // alone
+  bool keepsValue;
+  bool keepsChildren;
+};
+
+// In the order in which the beginning of a tag decides.
+const Kind KINDS[] = {
+    {"managedObject", true, true, false, true}, {"cmData", true, true, false, true},
+    {"header", true, true, false, true},        {"log", true, true, true, false},
+    {"list", false, true, false, true},         {"p", true, true, true, false},
+    {"item", false, false, false, true},        {"extension", false, true, false, true}};
+
+const Kind& kindOf(const std::string& tag) {
+  return *std::find_if(std::begin(KINDS), std::end(KINDS),
+                       [&](const Kind& kind) { return kind.tag.compare(0, tag.size(), tag) == 0; });
+}
+
+std::vector<const PlainElement*> childrenByName(const PlainElement& owner, const char* tag) {
+  std::map<std::string, const PlainElement*> sorted;
+  for (const PlainElement& child : owner.children) {
+    if (child.tag == tag) sorted.emplace(child.attributeOr("name"), &child);
+  }
+  std::vector<const PlainElement*> children;
+  for (const auto& entry : sorted) children.push_back(entry.second);
+  return children;
+}
+
+void removeChildren(PlainElement& owner, const char* tag, const std::string& name) {
+  auto& children = owner.children;
+  children.erase(std::remove_if(children.begin(), children.end(),
+                                [&](const PlainElement& child) {
+                                  return child.tag == tag && child.attributeOr("name") == name;
+                                }),
+                 children.end());
+}
+
+void updateScalar(PlainElement& object, const PlainElement& parameter) {
+  for (PlainElement& child : object.children) {
+    if (child.tag != "p" || child.attributeOr("name") != parameter.attributeOr("name")) continue;
+    child.value = parameter.value;
+    return;
+  }
+  object.children.push_back(copyOf(parameter));
+}
+
+void update(PlainElement& source, const PlainElement& delta) {
+  for (const PlainElement* parameter : childrenByName(delta, "p")) updateScalar(source, *parameter);
+  for (const PlainElement* list : childrenByName(delta, "list")) {
+    removeChildren(source, "list", list->attributeOr("name"));
+    source.children.push_back(copyOf(*list));
+  }
+  std::vector<PlainElement> extensions;
+  for (const PlainElement& child : delta.children) {
+    if (child.tag != "extension") continue;
+    removeChildren(source, "extension", child.attributeOr("name"));
+    source.children.push_back(copyOf(child));
+  }
+}
+
+using Objects = std::map<std::string, PlainElement*>;
+
+Objects objectsOf(PlainElement& cmData) {
+  Objects objects;
+  for (PlainElement& child : cmData.children) {
+    if (child.tag == "managedObject") objects.emplace(child.attributeOr("distName"), &child);
+  }
+  return objects;
+}
+
+std::string operationOf(const PlainElement& object, bool isThere) {
+  const std::string* const operation = object.attribute("operation");
+  if (operation && *operation != "auto") return *operation;
+  return isThere ? "update" : "create";
+}
+
+void addLogs(PlainElement& source, PlainElement& delta) {
+  PlainElement* const target = source.firstChild("header");
+  const PlainElement* const header = delta.firstChild("header");
+  if (!target || !header) return;
+  bool added = false;
+  for (const PlainElement& child : header->children) {
+    if (child.tag != "log") continue;
+    target->children.push_back(copyOf(child));
+    added = true;
+  }
+  if (!added) return;
+  const auto isLog = [](const PlainElement& child) { return child.tag == "log"; };
+  auto& children = target->children;
+  auto excess = static_cast<std::size_t>(std::count_if(children.begin(), children.end(), isLog));
+  for (; excess > MOST_LOGS; --excess) {
+    children.erase(std::find_if(children.begin(), children.end(), isLog));
+  }
+}
+
+}  // namespace
+
+PlainElement copyOf(const PlainElement& element) {
+  const Kind& kind = kindOf(element.tag);
+  PlainElement copy;
+  copy.tag = kind.tag;
+  if (kind.keepsValue) copy.value = element.value;
+  for (const auto& [name, value] : element.attributes) {
+    if (!kind.keepsAttributes && !(kind.keepsName && name == "name")) continue;
+    if (!copy.attribute(name)) copy.attributes.emplace_back(name, value);
+  }
+  if (!kind.keepsChildren) return copy;
+  for (const PlainElement& child : element.children) copy.children.push_back(copyOf(child));
+  return copy;
+}
+
+bool mergePlain(PlainElement& source, PlainElement& delta) {
+  PlainElement* const sourceData = source.firstChild("cmData");
+  PlainElement* const deltaData = delta.firstChild("cmData");
+  if (!sourceData || !deltaData) return false;
+  const Objects deltas = objectsOf(*deltaData);
+  const Objects there = objectsOf(*sourceData);
+  for (const auto& [name, object] : deltas) {
+    const bool isThere = there.count(name) > 0;
+    if (isThere == (operationOf(*object, isThere) == "create")) return false;
+  }
+  for (const auto& [name, object] : deltas) {
+    // Created and removed children move the others.
+    const Objects objects = objectsOf(*sourceData);
+    const auto it = objects.find(name);
+    const std::string operation = operationOf(*object, it != objects.end());
+    object->setAttribute("operation", operation);
+    if (operation == "create") {
+      sourceData->children.push_back(copyOf(*object));
+    } else if (operation == "delete") {
+      sourceData->children.erase(sourceData->children.begin() +
+                                 (it->second - sourceData->children.data()));
+    } else {
+      update(*it->second, *object);
+    }
+  }
+  addLogs(*sourceData, *deltaData);
+  return true;
+}
+
+}  // namespace tarn_test
