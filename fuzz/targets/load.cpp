@@ -44,6 +44,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (loaded) inSteps = outcomeOf(document, document.validate());
   fuzz::check(outcome == inSteps, "a check while parsing says what the walk says");
 
+  std::vector<char> copy(text.get(), text.get() + size + 1);
+  if (LibTarnDocument::isKnownToBeValid(std::move(copy))) {
+    fuzz::check(outcome.code == 0, "what is known to be valid is");
+  }
+
   // A document that was not loaded to its end has indexes that are not complete.
   using tarn_test::Indexes;
   fuzz::checkNothing(

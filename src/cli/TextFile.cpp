@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "CommandError.hpp"
 #include "terminal.hpp"
@@ -35,6 +36,8 @@ std::size_t offsetIn(const std::vector<char>& block, const void* position) {
 
 // By way of a block that stays in the cache: the large memory is touched once and never cleared.
 std::vector<char> TextFile::read() {
+  if (!copy_.empty()) return copy_;
+  if (std::exchange(isRead_, true)) file_.rewind();
   std::vector<char> block(BLOCK_SIZE);
   std::vector<char> text;
   text.reserve(static_cast<std::size_t>(file_.size()) + 1);

@@ -15,7 +15,10 @@ class TextFile {
  public:
   explicit TextFile(const std::string& path) : path_(path), file_(path) {}
 
-  /// The whole text with a zero byte behind it. A zero byte within it is malformed.
+  const std::string& path() const { return path_; }
+
+  /// The whole text with a zero byte behind it, again and again. A zero byte within it is
+  /// malformed.
   std::vector<char> read();
   /// Line and column of the byte at `offset`, which a text that read() gave had.
   libtarn::util::TextPosition locate(std::size_t offset);
@@ -26,6 +29,7 @@ class TextFile {
 
   std::string path_;
   InputFile file_;
+  bool isRead_ = false;
   std::vector<char> copy_;
 };
 

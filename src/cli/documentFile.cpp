@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <utility>
 #include <vector>
 
 #include "CommandError.hpp"
@@ -20,10 +19,9 @@ namespace {
 
 constexpr const char* STANDARD_OUTPUT = "-";
 
-void load(const std::string& path, LibTarnDocument& document, bool validate) {
-  TextFile file(path);
-  std::vector<char> text = file.read();
-  if (document.parse(std::move(text), validate) == 0) return;
+void load(TextFile& file, LibTarnDocument& document, bool validate) {
+  const std::string& path = file.path();
+  if (document.parse(file.read(), validate) == 0) return;
   HostLog::takeError();  // what the diagnostic says, too
   const Diagnostic& diagnostic = document.getDiagnostic();
   if (diagnostic.code == 1) {
@@ -34,12 +32,18 @@ void load(const std::string& path, LibTarnDocument& document, bool validate) {
 
 }  // namespace
 
+void loadDocument(TextFile& file, LibTarnDocument& document) { load(file, document, false); }
+
+void loadValidDocument(TextFile& file, LibTarnDocument& document) { load(file, document, true); }
+
 void loadDocument(const std::string& path, LibTarnDocument& document) {
-  load(path, document, false);
+  TextFile file(path);
+  loadDocument(file, document);
 }
 
 void loadValidDocument(const std::string& path, LibTarnDocument& document) {
-  load(path, document, true);
+  TextFile file(path);
+  loadValidDocument(file, document);
 }
 
 void writeResult(LibTarnDocument& document, const std::string& path, const Target& target,

@@ -127,6 +127,15 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
     return result;
   }
 
+  /// Forgets everything allocated since the object at `first`, itself included: its memory is given
+  /// out again, as far as it lies in the current block.
+  void forget_from(void* first) {
+    const auto place = reinterpret_cast<std::uintptr_t>(first);
+    const bool in_block = place >= reinterpret_cast<std::uintptr_t>(m_begin) &&
+                          place < reinterpret_cast<std::uintptr_t>(m_end);
+    m_ptr = in_block ? static_cast<char*>(first) : align(align(m_begin) + sizeof(char*));
+  }
+
  private:
   static_assert(std::is_same_v<Ch, char>, "records are made for char");
   static_assert(alignof(xml_node<Ch>) <= alignment && alignof(xml_attribute<Ch>) <= alignment,

@@ -73,6 +73,8 @@ class LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   void indexParsed(LibTarnManagedObjectImp& object, IndexingParse& parse);
   /// Counts a child that has just been parsed.
   void headerParsed(const LibTarnHeaderImp& header, IndexingParse& parse);
+  /// Whether all children that indexParsed() was told of can be indexed that way.
+  bool isAllPlain() const { return allPlain_; }
   /// As rebuildIndexersAndInitializeEnums(), for which the children indexed while they were parsed
   /// do when all of them were plain. Only for right after a parse. True when the element and all
   /// below it are known to follow the rules of the format; false when nobody has looked.

@@ -9,6 +9,8 @@
 namespace libtarn {
 namespace model {
 
+struct IndexingParse;
+
 class LibTarnCmData;
 class LibTarnManagedObject;
 class TarnDomDocument;
@@ -41,6 +43,9 @@ class LibTarnDocumentInternal : public TarnDomElement, public IElement {
   /// along the way when `check` is set; false when nobody has looked.
   bool parse(const char* text, bool check = false);
   bool parse(std::vector<char>& text, bool check = false);
+  /// As parse() with `check`, but for the answer only: nothing is left of the managed objects,
+  /// which must not be asked for.
+  bool check(std::vector<char>& text);
   void rebuildIndexersAndInitializeEnums();
 
   /// The owning document.
@@ -53,6 +58,7 @@ class LibTarnDocumentInternal : public TarnDomElement, public IElement {
   void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
 
  private:
+  bool parse(std::vector<char>& text, IndexingParse& indexing);
   template <class Rebuild>
   void forEachCmData(Rebuild rebuild);
 

@@ -12,8 +12,10 @@ namespace libtarn {
 namespace model {
 
 struct IndexingParse;
+class LibTarnCmDataImp;
 class LibTarnDocumentDeclaration;
 class LibTarnDocumentInternal;
+class LibTarnManagedObjectImp;
 
 /// The document node of a configuration document: owns text, pool, declaration, root and the
 /// factory, and gives the parser a node of the model for every tag.
@@ -79,6 +81,8 @@ class TarnDomDocument : public libDomXml::DomDocument {
   Element* makeNode();
   void takeText(std::vector<char>& text);
   void parseDoc(char* text, IndexingParse* indexing);
+  void forgetObject(LibTarnManagedObjectImp& object, LibTarnCmDataImp& cmData,
+                    const IndexingParse& indexing);
   TarnDomElement* reuseDeclaration();
   TarnDomElement* reuseRoot(const char* nameEnd);
   bool isTopLevelNode();

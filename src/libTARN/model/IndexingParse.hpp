@@ -37,9 +37,9 @@ enum class NameOrder { SORTED, DIFFERENT, UNKNOWN };
 /// Elements of one kind just parsed, with their names. The text that they were parsed from holds no
 /// zero byte, and stays.
 ///
-/// Objects of one class mostly have the same parameters in the same order. So a sequence of names is
-/// remembered, and once it has come again, how it is sorted; names that are the same need no other
-/// look.
+/// Objects of one class mostly have the same parameters in the same order. So a sequence of names
+/// is remembered, and once it has come again, how it is sorted; names that are the same need no
+/// other look.
 template <class Element>
 class ParsedNames {
  public:
@@ -51,8 +51,8 @@ class ParsedNames {
   bool add(const libDomXml::DomElement& node, Element* element) {
     const rapidxml::xml_attribute<char>* const name =
         node.first_attribute(NAME_ATTRIBUTE, sizeof(NAME_ATTRIBUTE) - 1);
-    found_.push_back({std::string_view(name ? name->value() : "", name ? name->value_size() : 0),
-                      element});
+    found_.push_back(
+        {std::string_view(name ? name->value() : "", name ? name->value_size() : 0), element});
     return name != nullptr;
   }
 
@@ -130,9 +130,8 @@ class ParsedNames {
       std::uint8_t* const end = sorted + count;
       std::iota(sorted, end, std::uint8_t{0});
       std::sort(sorted, end, [this](auto a, auto b) { return names[a] < names[b]; });
-      isSorted = std::adjacent_find(sorted, end, [this](auto a, auto b) {
-                   return names[a] == names[b];
-                 }) == end;
+      isSorted = std::adjacent_find(sorted, end,
+                                    [this](auto a, auto b) { return names[a] == names[b]; }) == end;
       return isSorted;
     }
   };
@@ -226,6 +225,11 @@ struct IndexingParse {
   /// false from the start when nobody asks. The rules themselves are the Validator's: what is found
   /// here to follow them needs no walk with it, and whatever is not is left to that walk.
   bool followsRules = false;
+  /// Each object is forgotten once it has been looked at, and its memory used for the next one. The
+  /// parse ends with an Unknown as soon as anything is not plain or not known to follow the rules.
+  bool forgetsObjects = false;
+
+  struct Unknown {};
 
   ParsedNames<Scalar> scalars;
   ParsedNames<List> lists;

@@ -209,7 +209,7 @@ void LibTarnCmDataImp::headerParsed(const LibTarnHeaderImp& header, IndexingPars
 bool LibTarnCmDataImp::finishParsing(const IndexingParse& parse) {
   type_.initialize();
   if (!adoptParsed(parse)) {
-    rebuildIndexers();
+    if (!parse.forgetsObjects) rebuildIndexers();
     return false;
   }
   return parse.followsRules && parsedHeaders_ == 1;
@@ -220,6 +220,7 @@ bool LibTarnCmDataImp::adoptParsed(const IndexingParse& parse) {
   if (!managedObjectIndex_->addAll(&parse.objects[parsed_.begin], parsed_.end - parsed_.begin)) {
     return false;
   }
+  if (parse.forgetsObjects) return true;
   for (std::size_t i = withOperation_.begin; i < withOperation_.end; ++i) {
     parse.withOperation[i]->initializeOperation();
   }

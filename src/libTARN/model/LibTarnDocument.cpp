@@ -60,6 +60,19 @@ int LibTarnDocument::parseImpl(Text& text, bool validate) {
   return DONE;
 }
 
+bool LibTarnDocument::isKnownToBeValid(std::vector<char> text) {
+  LibTarnDocument document;
+  try {
+    if (!document.root_->check(text)) return false;
+    document.checkRootRules();
+  } catch (const rapidxml::parse_error&) {
+    return false;
+  } catch (const exceptions::ModelException&) {
+    return false;
+  }
+  return true;
+}
+
 int LibTarnDocument::validate() {
   diagnostic_ = Diagnostic();
   try {

@@ -66,9 +66,24 @@ bool LibTarnDocumentInternal::parse(const char* text, bool check) {
 bool LibTarnDocumentInternal::parse(std::vector<char>& text, bool check) {
   IndexingParse indexing;
   indexing.followsRules = check;
+  return parse(text, indexing);
+}
+
+bool LibTarnDocumentInternal::check(std::vector<char>& text) {
+  IndexingParse indexing;
+  indexing.followsRules = true;
+  indexing.forgetsObjects = true;
+  try {
+    return parse(text, indexing);
+  } catch (const IndexingParse::Unknown&) {
+    return false;
+  }
+}
+
+bool LibTarnDocumentInternal::parse(std::vector<char>& text, IndexingParse& indexing) {
   document_->parseAndIndex(text, indexing);
   util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "parse") << "Parsing done";
-  bool followsRules = check;
+  bool followsRules = indexing.followsRules;
   forEachCmData([&indexing, &followsRules](LibTarnCmDataImp& cmData) {
     if (!cmData.finishParsing(indexing)) followsRules = false;
   });

@@ -209,6 +209,7 @@ struct TarnDomDocument::Events : rapidxml::parse_events {
     if (!cmData) return;
     if (auto* const object = typedAs<LibTarnManagedObjectImp>(element)) {
       cmData->indexParsed(*object, *indexing);
+      if (indexing->forgetsObjects) document.forgetObject(*object, *cmData, *indexing);
     } else if (const auto* const header = typedAs<LibTarnHeaderImp>(element)) {
       cmData->headerParsed(*header, *indexing);
     }
@@ -227,6 +228,14 @@ void TarnDomDocument::parseDoc(char* text, IndexingParse* indexing) {
   parsePosition_ = text;
   Events events{{}, *this, indexing};
   parse_telling<33>(parsePosition_, events);
+}
+
+// The object was the first to be made of all that is in it.
+void TarnDomDocument::forgetObject(LibTarnManagedObjectImp& object, LibTarnCmDataImp& cmData,
+                                   const IndexingParse& indexing) {
+  if (!indexing.followsRules || !cmData.isAllPlain()) throw IndexingParse::Unknown();
+  cmData.remove_node(&object);
+  forget_from(&object);
 }
 
 std::size_t TarnDomDocument::getTextOffset(const rapidxml::parse_error& error) const {
