@@ -4,10 +4,11 @@
 set(tarn_sources ${PROJECT_BINARY_DIR}/planted)
 file(GLOB_RECURSE originals CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
   DomXML/*.cpp DomXML/*.hpp src/*.cpp src/*.hpp)
-set(faults ${PROJECT_SOURCE_DIR}/fuzz/faults)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${originals})
 set(patched)
 if(NOT TARN_FAULT STREQUAL "none")
-  set(patch ${faults}/${TARN_FAULT}.patch)
+  set(patch ${PROJECT_SOURCE_DIR}/fuzz/faults/${TARN_FAULT}.patch)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${patch})
   file(STRINGS ${patch} patched REGEX "^\\+\\+\\+ ")
   list(TRANSFORM patched REPLACE "^\\+\\+\\+ ([^ \t]+).*" "\\1")
 endif()

@@ -4,6 +4,7 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <deque>
 #include <map>
 #include <vector>
 
@@ -519,7 +520,8 @@ class Session {
         break;
       case 8:
         if (Scalar* const any = pick(side.scalars)) {
-          any->setValue(input_.ConsumeBool() ? any->getValue() : textOrNull());
+          const std::string value = text();
+          any->setValue(input_.ConsumeBool() ? any->getValue() : value.c_str());
           any->match(*pick(side.scalars));
           fuzz::check(any->isValueEmpty() == (*any->getValue() == '\0'), "empty value");
         }
@@ -653,7 +655,7 @@ class Session {
   }
 
   FuzzedDataProvider input_;
-  std::vector<std::string> kept_;
+  std::deque<std::string> kept_;
   Side sides_[2];
 };
 

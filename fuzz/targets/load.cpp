@@ -26,7 +26,7 @@ Outcome outcomeOf(const LibTarnDocument& document, int code) {
   return {code, document.getDiagnostic().message};
 }
 
-std::string print(const LibTarnDocument& document) {
+std::string print(LibTarnDocument& document) {
   std::string out;
   libtarn::util::dumpTarnDocument(document, out);
   return out;

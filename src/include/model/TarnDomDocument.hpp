@@ -81,6 +81,8 @@ class TarnDomDocument : public libDomXml::DomDocument {
   Element* makeNode();
   void takeText(std::vector<char>& text);
   void parseDoc(char* text, IndexingParse* indexing);
+  /// Of declaration and root.
+  void moveTextsIntoPool();
   void forgetObject(LibTarnManagedObjectImp& object, LibTarnCmDataImp& cmData,
                     const IndexingParse& indexing);
   TarnDomElement* reuseDeclaration();

@@ -145,7 +145,8 @@ class ParsedNames {
   Sequence& sequenceLikeThis() {
     if (sequences_.empty()) sequences_.resize(SEQUENCES);
     const std::string_view first = found_.front().name;
-    const std::size_t digest = 5 * found_.size() + first.size() + (first.empty() ? 0 : first[0]);
+    const auto letter = static_cast<unsigned char>(first.empty() ? '\0' : first.front());
+    const std::size_t digest = 5 * found_.size() + first.size() + letter;
     return sequences_[digest % SEQUENCES];
   }
 

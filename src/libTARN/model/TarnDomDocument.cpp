@@ -227,7 +227,18 @@ void TarnDomDocument::parseDoc(char* text, IndexingParse* indexing) {
   textStart_ = text;
   parsePosition_ = text;
   Events events{{}, *this, indexing};
-  parse_telling<33>(parsePosition_, events);
+  try {
+    parse_telling<33>(parsePosition_, events);
+  } catch (...) {
+    // A fault may have come before the parser ended the texts of those two, which stay.
+    moveTextsIntoPool();
+    throw;
+  }
+}
+
+void TarnDomDocument::moveTextsIntoPool() {
+  declaration_->moveTextsIntoPool();
+  if (root_) root_->moveTextsIntoPool();
 }
 
 // The object was the first to be made of all that is in it.
@@ -247,11 +258,11 @@ std::size_t TarnDomDocument::getTextOffset(const rapidxml::parse_error& error) c
 void TarnDomDocument::leaveText() {
   if (!parsePosition_) return;
   parsePosition_ = nullptr;
-  declaration_->moveTextsIntoPool();
-  if (!root_) return;
-  root_->remove_all_nodes();
-  root_->rapidxml::xml_base<char>::value(static_cast<const char*>(nullptr), 0);
-  root_->moveTextsIntoPool();
+  if (root_) {
+    root_->remove_all_nodes();
+    root_->rapidxml::xml_base<char>::value(static_cast<const char*>(nullptr), 0);
+  }
+  moveTextsIntoPool();
 }
 
 std::size_t TarnDomDocument::getMemorySize() const {

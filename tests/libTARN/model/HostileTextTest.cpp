@@ -13,6 +13,7 @@
 #include "rapidxml/rapidxml_print.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/SmallStack.hpp"
+#include "support/consistency.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
@@ -132,6 +133,18 @@ TEST(HostileTextTest, RootOfTheTextIsTheDocumentsRootWithTheTextsAttributesOnly)
   EXPECT_EQ(document.getItsTarnDomDocument()->getRootElement(), root);
   EXPECT_EQ(document.getItsTarnDomDocument()->getFirstChild(nullptr), root);
   EXPECT_EQ(tarn_test::dump(*root), "tarn(version=9)");
+}
+
+TEST(HostileTextTest, RootAndDeclarationHaveTheirTextsAfterAFaultInTheirTags) {
+  for (const char* const text :
+       {"<tarn/x", "<tarn a", "<tarn a='b", "<tarn a='b'c", "<?xml a='b'>"}) {
+    SCOPED_TRACE(text);
+    CapturedLog log;
+    LibTarnDocument document;
+    EXPECT_EQ(document.parse(text, false), 1);
+    EXPECT_EQ(tarn_test::brokenDocument(document), "");
+    EXPECT_STREQ(document.getItsTarnDomDocument()->getRootElement()->getTagName(), "tarn");
+  }
 }
 
 TEST(HostileTextTest, SecondRootAtTopLevelIsTheSameObjectAtTheEnd) {
