@@ -220,10 +220,10 @@ class Session {
 
   void parse(Side& side) {
     const std::string source = input_.ConsumeRandomLengthString(2000);
-    side.indexes = side.document.parse(source.c_str(), input_.ConsumeBool()) == 0 &&
-                           side.document.getDiagnostic().code == 0
-                       ? Indexes::IN_STEP
-                       : Indexes::SOUND;
+    // Elements from before stay at hand, so that what they have lost is lost for good.
+    if (side.document.parse(source.c_str(), input_.ConsumeBool()) != 0) {
+      side.indexes = Indexes::SOUND;
+    }
     side.collect();
   }
 
