@@ -278,6 +278,90 @@ TEST(MemoryFaultTest, ADocumentThatDidNotFitLoadsOnceThereIsMemory) {
   }
 }
 
+// The pool has so many bytes left that the memory ends within an operation, wherever that is.
+TEST(MemoryFaultTest, PoolMayEndWithinEveryOperation) {
+  struct Operations {
+    const char* name;
+    std::function<void(LibTarnDocument&, LibTarnManagedObject&, LibTarnDocument& delta)> act;
+  };
+  // Longer than what aligning may leave of a block.
+  constexpr const char* LONG_NAME = "NETWORK-1/SITE-222/RADIO-3333/CELL-44444";
+  const std::string source = documentText(0, FEW);
+  const Operations all[] = {
+      {"create",
+       [](LibTarnDocument& document, LibTarnManagedObject&, LibTarnDocument&) {
+         document.getLibTarnCmData()->addLibTarnManagedObject(
+             *document.getFactory().createLibTarnManagedObject("C", "B-1", Operation::UPDATE, "1"));
+       }},
+      {"rename", [](LibTarnDocument&, LibTarnManagedObject& object,
+                    LibTarnDocument&) { object.setDistName(LONG_NAME); }},
+      {"class and values",
+       [](LibTarnDocument& document, LibTarnManagedObject& object, LibTarnDocument&) {
+         auto& factory = document.getFactory();
+         auto& mask = *factory.createLibTarnManagedObject("#", "A-0", nullptr);
+         auto& values = *factory.createLibTarnManagedObject("D", "B-1", "2");
+         values.addParameter(*factory.createScalar("a", "1"));
+         values.addParameter(*factory.createList("l"));
+         object.change(mask, values);
+       }},
+      {"parameters",
+       [](LibTarnDocument& document, LibTarnManagedObject& object, LibTarnDocument&) {
+         auto& factory = document.getFactory();
+         for (const char* const name : {"c", "d", "e", "f"}) {
+           object.addParameter(*factory.createScalar(name, "1"));
+           object.addParameter(*factory.createList(name));
+         }
+         object.addParameter(*factory.createLibTarnExtension("x"));
+         object.getScalarParameter("a")->setValue("other");
+         object.setOperation(Operation::DELETE);
+         object.setVersion("7");
+       }},
+      {"log",
+       [](LibTarnDocument& document, LibTarnManagedObject&, LibTarnDocument&) {
+         document.getLibTarnCmData()->getLibTarnHeader()->addLog(
+             *document.getFactory().createLog("a", "b", "c"));
+       }},
+      {"copy", [](LibTarnDocument& document, LibTarnManagedObject& object,
+                  LibTarnDocument&) { object.clone(document.getFactory()); }},
+      {"merge", [](LibTarnDocument& document, LibTarnManagedObject&,
+                   LibTarnDocument& delta) { TarnMerge(document).mergeDocument(delta); }},
+      {"views", [](LibTarnDocument& document, LibTarnManagedObject&, LibTarnDocument&) {
+         document.getLibTarnCmData()->getLibTarnManagedObjectsByClass("C1");
+         document.getLibTarnCmData()->getLibTarnManagedObjects();
+       }}};
+  for (const Operations& each : all) {
+    SCOPED_TRACE(each.name);
+    std::size_t faults = 0;
+    for (unsigned left = 0; left < 8192; left += left < 1024 ? 8 : 64) {
+      tarn_test::CapturedLog log;
+      const auto side = loaded(Blocks::HEAP, source);
+      LibTarnDocument& document = side->get();
+      LibTarnManagedObject* const object =
+          document.getLibTarnCmData()->getLibTarnManagedObject("A-0");
+      LibTarnDocument delta;
+      ASSERT_EQ(delta.parse(documentText(0, 3).c_str(), false), 0);
+      constexpr auto BLOCK = static_cast<unsigned>(rapidxml::memory_pool<char>::dynamic_pool_size);
+      document.getItsTarnDomDocument()->allocateMemory(BLOCK - left);
+      bool failed = false;
+      {
+        // Only the blocks of the pool are so large.
+        HeapFault fault(1, BLOCK);
+        try {
+          each.act(document, *object, delta);
+        } catch (const std::bad_alloc&) {
+          failed = true;
+        }
+      }
+      faults += failed ? 1 : 0;
+      ASSERT_EQ(brokenDocument(document), "") << left;
+      // It can be done afterwards.
+      if (failed) each.act(document, *object, delta);
+      ASSERT_EQ(brokenDocument(document), "") << left;
+    }
+    EXPECT_GT(faults, 0U);
+  }
+}
+
 // What a map that fails comes to in a process of its own: 0 for all well, the assertion "memory".
 [[noreturn]] void failMapIn(const Work& work, std::size_t number) {
   Documents documents;

@@ -11,10 +11,11 @@ std::atomic<std::size_t> blocks{0};
 
 // Calls until the one that fails; 0 for none to come.
 thread_local std::size_t callsToFault = 0;
+thread_local std::size_t leastSizeOfFault = 0;
 
 void* allocate(std::size_t size) {
   ++allocations;
-  if (callsToFault > 0 && --callsToFault == 0) return nullptr;
+  if (callsToFault > 0 && size >= leastSizeOfFault && --callsToFault == 0) return nullptr;
   void* const memory = std::malloc(size != 0 ? size : 1);
   if (memory) ++blocks;
   return memory;
@@ -33,7 +34,10 @@ std::size_t heapAllocations() { return allocations; }
 
 std::size_t heapBlocks() { return blocks; }
 
-HeapFault::HeapFault(std::size_t number) { callsToFault = number; }
+HeapFault::HeapFault(std::size_t number, std::size_t leastSize) {
+  callsToFault = number;
+  leastSizeOfFault = leastSize;
+}
 
 HeapFault::~HeapFault() { callsToFault = 0; }
 

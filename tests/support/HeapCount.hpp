@@ -11,10 +11,11 @@ std::size_t heapAllocations();
 std::size_t heapBlocks();
 
 /// Lets one call of operator new on this thread throw std::bad_alloc, or give null where that is
-/// what it does: the `number`-th from now on, from 1. One at a time.
+/// what it does: of those for at least `leastSize` bytes the `number`-th from now on, from 1. One
+/// at a time.
 class HeapFault {
  public:
-  explicit HeapFault(std::size_t number);
+  explicit HeapFault(std::size_t number, std::size_t leastSize = 0);
   ~HeapFault();
   HeapFault(const HeapFault&) = delete;
   HeapFault& operator=(const HeapFault&) = delete;

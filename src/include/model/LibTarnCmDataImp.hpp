@@ -84,6 +84,8 @@ class LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
 
  private:
+  // For an object that is in no index. False when its name is taken.
+  bool setKeyAndIndex(LibTarnManagedObjectImp& object, const char* attribute, const char* value);
   // A part of a row.
   struct Part {
     std::size_t begin = 0;

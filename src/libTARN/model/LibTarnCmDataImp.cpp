@@ -166,8 +166,7 @@ void LibTarnCmDataImp::setMoDistName(LibTarnManagedObjectImp& object, const char
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "setMoDistName")
         << "There was no such object in the index, that shouldn't happen";
   }
-  object.setAttribute(DistinguishedName::ATTR_NAME, distName);
-  if (!managedObjectIndex_->add(&object)) {
+  if (!setKeyAndIndex(object, DistinguishedName::ATTR_NAME, distName)) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "setMoDistName")
         << "Adding object to index failed, that shouldn't happen";
   }
@@ -176,9 +175,29 @@ void LibTarnCmDataImp::setMoDistName(LibTarnManagedObjectImp& object, const char
 // The class is a key of the index. An object that lost its name to another one is not in it.
 void LibTarnCmDataImp::setMoClass(LibTarnManagedObjectImp& object, const char* className) {
   const bool isIndexed = getLibTarnManagedObject(nameOf(object)) == &object;
-  if (isIndexed) managedObjectIndex_->remove(&object);
-  object.setAttribute(CLASS_ATTRIBUTE, className);
-  if (isIndexed) managedObjectIndex_->add(&object);
+  if (!isIndexed) return object.setAttribute(CLASS_ATTRIBUTE, className);
+  managedObjectIndex_->remove(&object);
+  setKeyAndIndex(object, CLASS_ATTRIBUTE, className);
+}
+
+// Without memory the object is indexed as it was, for which its entry has just made room.
+bool LibTarnCmDataImp::setKeyAndIndex(LibTarnManagedObjectImp& object, const char* attribute,
+                                      const char* value) {
+  const rapidxml::xml_attribute<char>* const there = object.first_attribute(attribute);
+  char* const text = there ? there->value() : nullptr;
+  const std::size_t size = there ? there->value_size() : 0;
+  try {
+    object.setAttribute(attribute, value);
+    return managedObjectIndex_->add(&object);
+  } catch (...) {
+    if (there) {
+      object.first_attribute(attribute)->value(text, size);
+    } else {
+      object.removeAttribute(attribute);
+    }
+    managedObjectIndex_->add(&object);
+    throw;
+  }
 }
 
 void LibTarnCmDataImp::removeAllLibTarnManagedObjects() {
