@@ -29,6 +29,8 @@ void writeLine(const std::string& line) { std::fprintf(stderr, "%s\n", line.c_st
 
 void HostLog::setLevel(Level level) { threshold = level; }
 
+bool HostLog::isAskedFor() { return threshold < Level::Error; }
+
 std::string HostLog::takeError() {
   held.line.clear();
   return std::exchange(held.message, std::string());

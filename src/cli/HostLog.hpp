@@ -16,6 +16,8 @@ class HostLog {
 
   /// Set before the first document is made.
   static void setLevel(Level level);
+  /// Whether lines are written that tell no error.
+  static bool isAskedFor();
   /// The message of the last ERROR line, "" when there was none since the last call.
   static std::string takeError();
   /// Writes a line that is still held back.

@@ -51,13 +51,17 @@ void findPath(const LibTarnDocument& document, Finding& finding) {
   if (isThatOne) finding.path = first.violations.front().path;
 }
 
-// Most files are valid, which takes no document to see.
+// Most files are valid, which takes no document to see. Log lines are those of a document.
+bool isKnownToBeValid(TextFile& file) {
+  return !HostLog::isAskedFor() && LibTarnDocument::isKnownToBeValid(file.read());
+}
+
 Finding checkFile(const std::string& path, const CheckRequest& request) {
   Finding finding;
   LibTarnDocument document;
   try {
     TextFile file(path);
-    if (LibTarnDocument::isKnownToBeValid(file.read())) {
+    if (isKnownToBeValid(file)) {
       // Nothing to be told.
     } else if (request.all) {
       loadDocument(file, document);

@@ -190,6 +190,10 @@ class CheckTest(CommandCase):
         self.assertEqual([line.split(" ")[0] for line in lines[:-1]], ["DEBUG", "DEBUG", "ERROR"])
         self.assertTrue(lines[2].endswith(f" parseImpl: Validation failed: {message}"))
         self.assertEqual(lines[3] + "\n", plain)
+        # A file that is valid has its lines, too.
+        good = tarn("check", "--log-level", "debug", self.file(document(managed_object("A-1"))))
+        levels = [line.split(" ")[0] for line in good.stderr.decode().splitlines()]
+        self.assertEqual(levels, ["DEBUG", "DEBUG", "INFO"])
 
     def test_wrong_usage_has_status_64(self):
         for arguments in ([], ["--all"], ["--limit", "3", "x"], ["--all", "--limit", "-1", "x"],

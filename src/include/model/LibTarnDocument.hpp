@@ -45,7 +45,7 @@ class LibTarnDocument {
   /// Whether a text that ends with a zero byte is known to be one for which a parse() of a new
   /// document, with validation, returns 0. False also for some for which it does, and for every
   /// other one: parse() tells, and why. Takes little more memory than the text, and less time than
-  /// that parse. Logs nothing at level ERROR.
+  /// that parse. Logs nothing.
   static bool isKnownToBeValid(std::vector<char> text);
   /// Checks the rules of the format on the document as it is now. Returns 0, or 2 for a broken
   /// rule; the first one goes to the log at level ERROR.

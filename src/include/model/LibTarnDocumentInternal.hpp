@@ -58,7 +58,8 @@ class LibTarnDocumentInternal : public TarnDomElement, public IElement {
   void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
 
  private:
-  bool parse(std::vector<char>& text, IndexingParse& indexing);
+  bool finishParsing(const IndexingParse& indexing);
+  static void tellRebuilt();
   template <class Rebuild>
   void forEachCmData(Rebuild rebuild);
 

@@ -66,7 +66,11 @@ bool LibTarnDocumentInternal::parse(const char* text, bool check) {
 bool LibTarnDocumentInternal::parse(std::vector<char>& text, bool check) {
   IndexingParse indexing;
   indexing.followsRules = check;
-  return parse(text, indexing);
+  document_->parseAndIndex(text, indexing);
+  util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "parse") << "Parsing done";
+  const bool followsRules = finishParsing(indexing);
+  tellRebuilt();
+  return followsRules;
 }
 
 bool LibTarnDocumentInternal::check(std::vector<char>& text) {
@@ -74,15 +78,14 @@ bool LibTarnDocumentInternal::check(std::vector<char>& text) {
   indexing.followsRules = true;
   indexing.forgetsObjects = true;
   try {
-    return parse(text, indexing);
+    document_->parseAndIndex(text, indexing);
   } catch (const IndexingParse::Unknown&) {
     return false;
   }
+  return finishParsing(indexing);
 }
 
-bool LibTarnDocumentInternal::parse(std::vector<char>& text, IndexingParse& indexing) {
-  document_->parseAndIndex(text, indexing);
-  util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "parse") << "Parsing done";
+bool LibTarnDocumentInternal::finishParsing(const IndexingParse& indexing) {
   bool followsRules = indexing.followsRules;
   forEachCmData([&indexing, &followsRules](LibTarnCmDataImp& cmData) {
     if (!cmData.finishParsing(indexing)) followsRules = false;
@@ -92,6 +95,7 @@ bool LibTarnDocumentInternal::parse(std::vector<char>& text, IndexingParse& inde
 
 void LibTarnDocumentInternal::rebuildIndexersAndInitializeEnums() {
   forEachCmData([](LibTarnCmDataImp& cmData) { cmData.rebuildIndexersAndInitializeEnums(); });
+  tellRebuilt();
 }
 
 template <class Rebuild>
@@ -100,6 +104,9 @@ void LibTarnDocumentInternal::forEachCmData(Rebuild rebuild) {
        cmData = nextTypedSibling(*cmData)) {
     rebuild(*cmData);
   }
+}
+
+void LibTarnDocumentInternal::tellRebuilt() {
   util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "rebuildIndexersAndInitializeEnums")
       << "Rebuilding indexers and initializing enums done.";
 }

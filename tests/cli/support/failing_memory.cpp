@@ -1,6 +1,7 @@
 // Loaded before a program: lets one of its allocations fail, the one of the number in
-// TARN_FAIL_NEW (operator new) or TARN_FAIL_MAP (mmap), from 1. With TARN_FAULT_FILE that file is
-// made when it has come to that.
+// TARN_FAIL_NEW (operator new) or TARN_FAIL_MAP (mmap), from 1. They count from the program's first
+// call of setlocale(), with which its main() begins: what fails before has nobody to tell it. With
+// TARN_FAULT_FILE that file is made when it has come to that.
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -14,6 +15,8 @@
 
 namespace {
 
+std::atomic<bool> armed{false};
+
 class Fault {
  public:
   explicit Fault(const char* variable) {
@@ -23,7 +26,7 @@ class Fault {
 
   // True for the one call.
   bool happens() {
-    if (left_ <= 0 || --left_ != 0) return false;
+    if (!armed || left_ <= 0 || --left_ != 0) return false;
     if (const char* const path = std::getenv("TARN_FAULT_FILE")) {
       close(open(path, O_CREAT | O_WRONLY, 0600));
     }
@@ -58,6 +61,14 @@ void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete[](void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+
+extern "C" char* setlocale(int category, const char* locale) noexcept {
+  using SetLocale = char* (*)(int, const char*);
+  static const auto next = reinterpret_cast<SetLocale>(dlsym(RTLD_NEXT, "setlocale"));
+  char* const result = next(category, locale);
+  armed = true;
+  return result;
+}
 
 extern "C" void* mmap(void* address, std::size_t length, int protection, int flags, int file,
                       off_t offset) noexcept {
