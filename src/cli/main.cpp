@@ -1,7 +1,10 @@
 // The command `tarn`: a host of the library that works on documents in files.
 
 #include <clocale>
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <new>
 
 #include "CommandError.hpp"
 #include "CommandLine.hpp"
@@ -13,6 +16,20 @@ namespace {
 
 // What a shell tells of a program that ends by SIGPIPE, as this one does unless that is ignored.
 constexpr int OUTPUT_CLOSED = 141;
+
+// For memory that ends in a function of another library that lets no exception out.
+[[noreturn]] void endWithoutMemory() {
+  if (const std::exception_ptr current = std::current_exception()) {
+    try {
+      std::rethrow_exception(current);
+    } catch (const std::bad_alloc&) {
+      std::fputs("tarn: error: not enough memory\n", stderr);
+      std::_Exit(static_cast<int>(tarn::Status::FileError));
+    } catch (...) {  // NOLINT(bugprone-empty-catch): ends as it would have
+    }
+  }
+  std::abort();
+}
 
 int runAndTell(int argc, char** argv) {
   using tarn::Status;
@@ -35,6 +52,7 @@ int runAndTell(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::set_terminate(endWithoutMemory);
   // For the width of characters; documents are in UTF-8 wherever the user is.
   std::setlocale(LC_CTYPE, "C.UTF-8");
   const int status = runAndTell(argc, argv);
