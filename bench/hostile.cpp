@@ -32,8 +32,8 @@ extern "C" {
   document.parse(std::move(text), true);
 }
 
-[[gnu::noinline]] std::string measured_print(LibTarnDocument& document) {
-  return document.getItsTarnDomDocument()->printDocument();
+[[gnu::noinline]] void measured_print(LibTarnDocument& document, std::string& printed) {
+  libtarn::util::dumpTarnDocument(document, printed);
 }
 
 [[gnu::noinline]] void measured_merge(LibTarnDocument& source, LibTarnDocument& delta) {
@@ -293,7 +293,8 @@ void run(std::vector<char> text, const std::string& phase) {
   std::vector<char> copy = text;
   LibTarnDocument document;
   measured_load(document, copy);
-  if (phase == "print") measured_print(document);
+  std::string printed;
+  if (phase == "print") measured_print(document, printed);
   if (phase != "merge") return;
   LibTarnDocument delta;
   delta.parse(text, false);
@@ -328,7 +329,7 @@ void tellTimes(const std::vector<char>& text) {
     times[0].push_back(nanoseconds([&] { measured_load(document, copy); }) / size);
     memory = static_cast<double>(document.getMemorySize()) / size;
     std::string printed;
-    const double print = nanoseconds([&] { printed = measured_print(document); });
+    const double print = nanoseconds([&] { measured_print(document, printed); });
     times[1].push_back(print / static_cast<double>(std::max(printed.size(), text.size())));
     LibTarnDocument delta;
     delta.parse(text, false);

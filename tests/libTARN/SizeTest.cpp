@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -139,12 +140,10 @@ TEST(SizeTest, AMillionObjectsParametersAndChildren) {
 TEST(SizeTest, AGibibyteOfValue) {
   if (!hasGigabytes()) GTEST_SKIP() << "set TARN_LARGE_TESTS";
   const std::string before = "<a b=\"";
-  std::vector<char> text;
-  text.reserve(GIB + 100);
-  text.insert(text.end(), before.begin(), before.end());
-  text.resize(text.size() + GIB, 'x');
-  for (const char c : std::string("\">y</a>")) text.push_back(c);
-  text.push_back('\0');
+  const std::string after = "\">y</a>";
+  std::vector<char> text(before.size() + GIB + after.size() + 1, 'x');
+  std::copy(before.begin(), before.end(), text.begin());
+  std::memcpy(text.data() + before.size() + GIB, after.c_str(), after.size() + 1);
   libDomXml::DomDocument document(false);
   ASSERT_EQ(document.rapidParse(text.data()), 0);
   const rapidxml::xml_node<char>& element = *document.first_node();
@@ -175,7 +174,7 @@ TEST(SizeTest, TextsBeyond32BitsAreRefused) {
 TEST(SizeDeathTest, RecordsTakeNoSizeBeyond32Bits) {
   if (sizeof(std::size_t) == 4) GTEST_SKIP() << "there is none";
   rapidxml::xml_attribute<char> attribute;
-  const std::size_t size = 4 * (std::uint64_t{1} << 30);
+  const auto size = static_cast<std::size_t>(std::uint64_t{1} << 32U);
   EXPECT_DEATH(attribute.value("x", size), "size fits 32 bits");
 }
 
@@ -242,7 +241,8 @@ TEST(SizeTest, NothingIsReadBehindTheEndOfAText) {
                           {"<!--", "-->"},       {"<!--", ""},        {"<a>&#x41", ";</a>"},
                           {"<!DOCTYPE [", "]>"}, {"<?", "?>"},        {"<![CDATA[", "]]>"},
                           {"<a>", "&"},          {"<a>", "&#x1"},     {"<a>", "</a"}};
-  for (const std::size_t size : {0, 1, 2, 15, 16, 17, 31, 4095, 4096, 4097, 8191, 8192, 8193}) {
+  const std::size_t sizes[] = {0, 1, 2, 15, 16, 17, 31, 4095, 4096, 4097, 8191, 8192, 8193};
+  for (const std::size_t size : sizes) {
     for (const Shape& shape : shapes) {
       const std::string source = ofSize(size, shape.before, shape.after);
       TextAtTheEdge text(source);

@@ -6,6 +6,14 @@
 
 #include <cerrno>
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define TARN_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define TARN_SANITIZED
+#endif
+#endif
+
 namespace {
 
 thread_local std::size_t callsToFault = 0;
@@ -15,7 +23,7 @@ thread_local std::size_t callsToFault = 0;
 namespace tarn_test {
 
 bool canFailMaps() {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TARN_SANITIZED
   return false;
 #else
   return true;
@@ -30,7 +38,7 @@ bool MapFault::happened() const { return callsToFault == 0; }
 
 }  // namespace tarn_test
 
-#ifndef __SANITIZE_ADDRESS__
+#ifndef TARN_SANITIZED
 
 // In place of the C library's.
 extern "C" void* mmap(void* address, std::size_t length, int protection, int flags, int file,

@@ -280,7 +280,8 @@ TEST(IndexingParseTest, ValidDocumentsAreKnownWithoutADocument) {
 
 TEST(IndexingParseTest, RememberedNamesAreTheSameToTheLastByte) {
   // Sequences that differ in one name, and in one byte of it, with lengths around whole words.
-  for (const std::size_t size : {1, 7, 8, 9, 15, 16, 17, 24, 31, 33}) {
+  const std::size_t sizes[] = {1, 7, 8, 9, 15, 16, 17, 24, 31, 33};
+  for (const std::size_t size : sizes) {
     for (std::size_t place = 0; place < size; ++place) {
       std::string other(size, 'n');
       other[place] = 'm';
