@@ -257,7 +257,11 @@ const Shape SHAPES[] = {
     {"declarations",
      [](std::size_t bytes) { return always(bytes, "", "<?xml a=''?>", whole(HEADER)); }},
     {"texts between elements",
-     [](std::size_t bytes) { return whole(always(bytes, HEADER + OPEN, "x &amp; y<p/>", CLOSE)); }},
+     [](std::size_t bytes) {
+       return whole(repeat(
+           bytes, HEADER + OPEN,
+           [](std::size_t i) { return "x &amp; y<p name='" + digits(i) + "'/>"; }, CLOSE));
+     }},
     {"references",
      [](std::size_t bytes) {
        return whole(
