@@ -382,6 +382,7 @@ TEST(MemoryFaultTest, PoolMayEndWithinEveryOperation) {
 }
 
 TEST(MemoryFaultDeathTest, EveryMapMayFail) {
+  // Builds without a sanitizer run it.
   if (!tarn_test::canFailMaps()) GTEST_SKIP() << "the sanitizer keeps mmap for itself";
   for (const Work& work : allWorks(Blocks::MAPS)) {
     SCOPED_TRACE(work.name);

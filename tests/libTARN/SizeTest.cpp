@@ -138,6 +138,7 @@ TEST(SizeTest, AMillionObjectsParametersAndChildren) {
 // Long texts
 
 TEST(SizeTest, AGibibyteOfValue) {
+  // Takes 3 GiB, which not every machine that runs the tests has.
   if (!hasGigabytes()) GTEST_SKIP() << "set TARN_LARGE_TESTS";
   const std::string before = "<a b=\"";
   const std::string after = "\">y</a>";
@@ -155,6 +156,7 @@ TEST(SizeTest, AGibibyteOfValue) {
 }
 
 TEST(SizeTest, TextsBeyond32BitsAreRefused) {
+  // Takes 5 GiB, and an address space that holds such a text.
   if (!hasGigabytes() || sizeof(std::size_t) == 4) GTEST_SKIP() << "set TARN_LARGE_TESTS (64-bit)";
   struct Case {
     const char* before;
@@ -172,6 +174,7 @@ TEST(SizeTest, TextsBeyond32BitsAreRefused) {
 }
 
 TEST(SizeDeathTest, RecordsTakeNoSizeBeyond32Bits) {
+  // A size of 32 bits holds none beyond them.
   if (sizeof(std::size_t) == 4) GTEST_SKIP() << "there is none";
   rapidxml::xml_attribute<char> attribute;
   const auto size = static_cast<std::size_t>(std::uint64_t{1} << 32U);
