@@ -382,8 +382,6 @@ TEST(MemoryFaultTest, PoolMayEndWithinEveryOperation) {
 }
 
 TEST(MemoryFaultDeathTest, EveryMapMayFail) {
-  // Builds without a sanitizer run it.
-  if (!tarn_test::canFailMaps()) GTEST_SKIP() << "the sanitizer keeps mmap for itself";
   for (const Work& work : allWorks(Blocks::MAPS)) {
     SCOPED_TRACE(work.name);
     std::size_t number = 1;
@@ -402,7 +400,7 @@ TEST(MemoryFaultDeathTest, EveryMapMayFail) {
     }
     // Those two take nothing from the pool, or little.
     const std::string name = work.name;
-    if (name != "print" && name != "change") {
+    if (tarn_test::canFailMaps() && name != "print" && name != "change") {
       EXPECT_GT(number, 1U);
     }
   }
