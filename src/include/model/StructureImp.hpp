@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "model/Structure.hpp"
 #include "model/TarnDomElement.hpp"
@@ -47,8 +48,9 @@ class StructureImp : public TarnDomElement, public Structure {
   /// Takes the `p` children into the component index. Throws DuplicateElementException for the
   /// second of one name; those before it stay indexed.
   void rebuildIndexers();
-  /// Does the same for an item just parsed, see LibTarnManagedObjectImp::indexParsed().
-  bool indexParsed(IndexingParse& parse, const bool& condition);
+  /// Does the same for an item just parsed of the list `listName`, see
+  /// LibTarnManagedObjectImp::indexParsed().
+  bool indexParsed(IndexingParse& parse, std::string_view listName, const bool& condition);
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <numeric>
 #include <string_view>
 #include <utility>
@@ -31,70 +32,80 @@ namespace model {
 
 class LibTarnManagedObjectImp;
 
+/// The value of an attribute, or a text without data when there is none. `name` is text of the
+/// program.
+template <std::size_t size>
+std::string_view attributeText(const libDomXml::DomElement& node, const char (&name)[size]) {
+  const rapidxml::xml_attribute<char>* const attribute = node.first_attribute(name, size - 1);
+  return attribute ? std::string_view(attribute->value(), attribute->value_size())
+                   : std::string_view();
+}
+
 /// How the names of entries are to one another. UNKNOWN: some may be the same.
 enum class NameOrder { SORTED, DIFFERENT, UNKNOWN };
 
 /// Elements of one kind just parsed, with their names. The text that they were parsed from holds no
 /// zero byte, and stays.
 ///
-/// Objects of one class mostly have the same parameters in the same order. So a sequence of names
-/// is remembered, and once it has come again, how it is sorted; names that are the same need no
-/// other look.
+/// Objects of one class mostly have the same parameters in the same order. So the sequence of names
+/// that came last with a class is remembered, and how it is sorted. As long as the names that come
+/// are those, each is written where it belongs, and neither sorted nor compared with another one.
 template <class Element>
 class ParsedNames {
  public:
   using Entry = indexation::ParameterEntry<Element>;
 
-  void clear() { found_.clear(); }
+  /// Forgets the elements. What comes next belongs to something of this kind, which may be any text
+  /// that tells one sequence of names from the others.
+  void start(std::string_view kind) {
+    count_ = 0;
+    if (sequences_.empty()) sequences_.resize(SEQUENCES);
+    const std::size_t ends = kind.empty() ? 0 : letter(kind.front()) + 7 * letter(kind.back());
+    known_ = &sequences_[(5 * kind.size() + ends) % SEQUENCES];
+    follows_ = true;
+  }
 
   /// `node` is the element as a node. False when it has no name.
   bool add(const libDomXml::DomElement& node, Element* element) {
-    const rapidxml::xml_attribute<char>* const name =
-        node.first_attribute(NAME_ATTRIBUTE, sizeof(NAME_ATTRIBUTE) - 1);
-    found_.push_back(
-        {std::string_view(name ? name->value() : "", name ? name->value_size() : 0), element});
-    return name != nullptr;
+    const std::string_view found = attributeText(node, NAME_ATTRIBUTE);
+    const std::string_view name = found.data() ? found : "";
+    if (follows_ && count_ < known_->count && isSameName(name, known_->names[count_])) {
+      inPlace_[known_->places[count_]] = {name.data(), element};
+    } else {
+      addToOthers(name, element);
+    }
+    ++count_;
+    return found.data() != nullptr;
   }
 
-  bool empty() const { return found_.empty(); }
-
-  /// Makes the entries, in the order that is told.
+  /// How the entries are ordered, to be asked once all elements have been added.
   NameOrder order() {
-    entries_.resize(found_.size());
-    if (found_.size() >= LEAST_REMEMBERED && found_.size() <= FEW) {
-      Sequence& sequence = sequenceLikeThis();
-      if (sequence.hasNames(found_)) return makeEntriesBy(sequence);
-      sequence.remember(found_);
-    }
-    for (std::size_t i = 0; i < found_.size(); ++i) entries_[i] = entryOf(found_[i]);
-    if (found_.size() <= FEW ? found_.size() <= 1 : areSorted()) return NameOrder::SORTED;
-    const bool differ = (found_.size() <= FEW && digestsDiffer()) || namesDiffer();
+    if (follows_ && count_ == known_->count) return orderOfKnown();
+    if (follows_) stopFollowing();
+    if (count_ <= 1) return NameOrder::SORTED;
+    if (count_ <= FEW) known_->remember(names_.data(), count_);
+    if (count_ > FEW && areSorted()) return NameOrder::SORTED;
+    const bool differ = (count_ <= FEW && digestsDiffer()) || namesDiffer();
     return differ ? NameOrder::DIFFERENT : NameOrder::UNKNOWN;
   }
 
-  const std::vector<Entry>& entries() const { return entries_; }
+  /// The entries once order() has been asked, until the next start().
+  const Entry* entries() const { return follows_ ? inPlace_ : others_.data(); }
+  std::size_t size() const { return count_; }
 
  private:
   static constexpr std::size_t FEW = 32;
   static constexpr std::size_t SEQUENCES = 32;
-  // Fewer are sorted as fast as they are compared.
-  static constexpr std::size_t LEAST_REMEMBERED = 4;
   // Names that crowd are made by those who want to slow a load down.
   static constexpr std::size_t MOST_PROBES = 64;
 
-  struct Found {
-    std::string_view name;  // as it stands in the text
-    Element* element;
-  };
-  using Names = std::vector<Found>;
-
-  static Entry entryOf(const Found& found) { return {found.name.data(), found.element}; }
+  static std::size_t letter(char c) { return static_cast<unsigned char>(c); }
 
   // Names are so short that a call takes longer.
   static bool isSameName(std::string_view a, std::string_view b) {
     using Word = std::uint64_t;
     if (a.size() != b.size()) return false;
-    if (a.size() < sizeof(Word)) return a == b;
+    if (a.size() < sizeof(Word)) return std::equal(a.begin(), a.end(), b.begin());
     const auto differ = [&a, &b](std::size_t place) {
       Word first = 0;
       Word second = 0;
@@ -108,31 +119,32 @@ class ParsedNames {
     return difference == 0;
   }
 
+  // A sequence of names, and for each its place among them in the order of names: once they have
+  // been sorted, and the one it came at until then.
   struct Sequence {
     std::size_t count = 0;
     std::string_view names[FEW];
-    std::uint8_t sorted[FEW];  // numbers of names, in the order of the names
+    std::uint8_t places[FEW];
     bool isSorted = false;
 
-    bool hasNames(const Names& others) const {
-      return count == others.size() &&
-             std::equal(others.begin(), others.end(), names,
-                        [](const Found& a, std::string_view b) { return isSameName(a.name, b); });
-    }
-    void remember(const Names& others) {
-      count = others.size();
-      std::transform(others.begin(), others.end(), names,
-                     [](const Found& each) { return each.name; });
+    void remember(const std::string_view* others, std::size_t othersCount) {
+      count = othersCount;
+      std::copy_n(others, count, names);
+      std::iota(places, places + count, std::uint8_t{0});
       isSorted = false;
     }
-    // False when two are the same.
+
+    // False, and nothing changed, when two are the same.
     bool sort() {
+      std::uint8_t sorted[FEW];
       std::uint8_t* const end = sorted + count;
       std::iota(sorted, end, std::uint8_t{0});
       std::sort(sorted, end, [this](auto a, auto b) { return names[a] < names[b]; });
-      isSorted = std::adjacent_find(sorted, end,
-                                    [this](auto a, auto b) { return names[a] == names[b]; }) == end;
-      return isSorted;
+      const auto same = [this](auto a, auto b) { return names[a] == names[b]; };
+      if (std::adjacent_find(sorted, end, same) != end) return false;
+      for (std::size_t i = 0; i < count; ++i) places[sorted[i]] = static_cast<std::uint8_t>(i);
+      isSorted = true;
+      return true;
     }
   };
 
@@ -141,21 +153,27 @@ class ParsedNames {
     std::uint32_t number;  // of the entry, from 1; 0 for an empty slot
   };
 
-  // Where a sequence of so many names that begins like this one is, if it is known.
-  Sequence& sequenceLikeThis() {
-    if (sequences_.empty()) sequences_.resize(SEQUENCES);
-    const std::string_view first = found_.front().name;
-    const auto letter = static_cast<unsigned char>(first.empty() ? '\0' : first.front());
-    const std::size_t digest = 5 * found_.size() + first.size() + letter;
-    return sequences_[digest % SEQUENCES];
+  NameOrder orderOfKnown() {
+    if (known_->isSorted) return NameOrder::SORTED;
+    Entry came[FEW];
+    std::copy_n(inPlace_, count_, came);
+    if (!known_->sort()) return NameOrder::UNKNOWN;
+    for (std::size_t i = 0; i < count_; ++i) inPlace_[known_->places[i]] = came[i];
+    return NameOrder::SORTED;
   }
 
-  NameOrder makeEntriesBy(Sequence& sequence) {
-    if (!sequence.isSorted && !sequence.sort()) return NameOrder::UNKNOWN;
-    for (std::size_t i = 0; i < sequence.count; ++i) {
-      entries_[i] = entryOf(found_[sequence.sorted[i]]);
-    }
-    return NameOrder::SORTED;
+  void addToOthers(std::string_view name, Element* element) {
+    if (follows_) stopFollowing();
+    names_.push_back(name);
+    others_.push_back({name.data(), element});
+  }
+
+  // What came so far goes back to the order it came in.
+  void stopFollowing() {
+    follows_ = false;
+    names_.assign(known_->names, known_->names + count_);
+    others_.resize(count_);
+    for (std::size_t i = 0; i < count_; ++i) others_[i] = inPlace_[known_->places[i]];
   }
 
   // Names of different digests are different. Made of the ends of a name, where most differ.
@@ -175,31 +193,29 @@ class ParsedNames {
   bool digestsDiffer() const {
     std::uint32_t digests[FEW];
     bool same = false;
-    for (std::size_t i = 0; i < found_.size(); ++i) {
-      digests[i] = digestOf(found_[i].name);
+    for (std::size_t i = 0; i < count_; ++i) {
+      digests[i] = digestOf(names_[i]);
       for (std::size_t j = 0; j < i; ++j) same |= digests[i] == digests[j];
     }
     return !same;
   }
 
   bool areSorted() const {
-    return std::adjacent_find(found_.begin(), found_.end(), [](const Found& a, const Found& b) {
-             return b.name <= a.name;
-           }) == found_.end();
+    return std::adjacent_find(names_.begin(), names_.end(), std::greater_equal<>()) == names_.end();
   }
 
   // False also when it is too hard to tell.
   bool namesDiffer() {
     std::size_t capacity = 8;
-    while (capacity < 2 * found_.size()) capacity *= 2;
+    while (capacity < 2 * count_) capacity *= 2;
     slots_.assign(capacity, Slot{0, 0});
     std::uint32_t number = 0;
-    for (const auto& [name, element] : found_) {
+    for (const std::string_view name : names_) {
       const std::uint32_t hash = indexation::textHash(name.data(), name.size());
       std::size_t position = hash & (capacity - 1);
       for (std::size_t probes = 0; slots_[position].number != 0; ++probes) {
         const Slot& slot = slots_[position];
-        const bool isSame = slot.hash == hash && found_[slot.number - 1].name == name;
+        const bool isSame = slot.hash == hash && names_[slot.number - 1] == name;
         if (isSame || probes == MOST_PROBES) return false;
         position = (position + 1) & (capacity - 1);
       }
@@ -208,8 +224,14 @@ class ParsedNames {
     return true;
   }
 
-  Names found_;
-  std::vector<Entry> entries_;
+  // While the names are those of `known_`, the entries are in `inPlace_`, else with the names in
+  // the order that they came in.
+  bool follows_ = false;
+  std::size_t count_ = 0;
+  Sequence* known_ = nullptr;
+  Entry inPlace_[FEW];
+  std::vector<std::string_view> names_;
+  std::vector<Entry> others_;
   std::vector<Sequence> sequences_;
   std::vector<Slot> slots_;
 };

@@ -1,6 +1,7 @@
 #include "model/LibTarnManagedObjectImp.hpp"
 
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 #include "../util/LogLocation.hpp"
@@ -386,8 +387,9 @@ bool LibTarnManagedObjectImp::hasOperation() const {
 
 bool LibTarnManagedObjectImp::indexParsed(IndexingParse& parse, const bool& condition) {
   if (hasOperation() && !operation_.isKnown()) return false;
-  parse.scalars.clear();
-  parse.lists.clear();
+  const std::string_view kind = attributeText(*this, CLASS_ATTRIBUTE);
+  parse.scalars.start(kind);
+  parse.lists.start(kind);
   for (auto* node = first_node(); node; node = node->next_sibling()) {
     bool followsRules = true;
     if (auto* const scalar = typedAs<ScalarImp>(node)) {

@@ -1,5 +1,7 @@
 #include "model/ListImp.hpp"
 
+#include <string_view>
+
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "IndexingParse.hpp"
@@ -106,11 +108,12 @@ IElement* ListImp::getFirstChildElement(const char* name) const {
 void ListImp::removeThisElement() { unlinkFromParent(); }
 
 bool ListImp::indexParsed(IndexingParse& parse, const bool& condition) {
+  const std::string_view name = attributeText(*this, NAME_ATTRIBUTE);
   bool hasItems = false;
   bool hasValues = false;
   for (auto* node = first_node(); node; node = node->next_sibling()) {
     auto* const item = typedAs<StructureImp>(node);
-    if (item && !item->indexParsed(parse, condition)) return false;
+    if (item && !item->indexParsed(parse, name, condition)) return false;
     hasItems = hasItems || item;
     hasValues = hasValues || (!item && typedAs<ScalarImp>(node));
   }

@@ -113,8 +113,9 @@ void StructureImp::rebuildIndexers() {
   }
 }
 
-bool StructureImp::indexParsed(IndexingParse& parse, const bool& condition) {
-  parse.components.clear();
+bool StructureImp::indexParsed(IndexingParse& parse, std::string_view listName,
+                               const bool& condition) {
+  parse.components.start(listName);
   for (auto* node = first_node(); node; node = node->next_sibling()) {
     auto* const component = typedAs<ScalarImp>(node);
     if (component && !parse.components.add(*component, component)) parse.followsRules = false;

@@ -22,11 +22,10 @@ bool indexOnce(indexation::ITarnUniqueIndex<Element>& index, Element& element) {
 template <class Element>
 bool indexOnceTrue(indexation::ITarnUniqueIndex<Element>& index, ParsedNames<Element>& names,
                    const bool& condition) {
-  if (names.empty()) return true;
+  if (names.size() == 0) return true;
   const NameOrder order = names.order();
-  const auto& entries = names.entries();
   return order != NameOrder::UNKNOWN &&
-         index.addOnceTrue(condition, entries.data(), entries.size(), order == NameOrder::SORTED);
+         index.addOnceTrue(condition, names.entries(), names.size(), order == NameOrder::SORTED);
 }
 
 /// A fresh index, which a factory may fail to give.

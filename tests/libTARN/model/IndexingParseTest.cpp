@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -307,6 +309,52 @@ TEST(IndexingParseTest, RememberedNamesAreTheSameToTheLastByte) {
         ASSERT_EQ(each.getScalarParameter((i == 3 ? same : other).c_str()), nullptr);
       }
     }
+  }
+}
+
+// What comes next mostly has the names that came last with that class, but for one.
+TEST(IndexingParseTest, SequencesOfNamesThatNearlyComeAgain) {
+  std::mt19937 random(7);
+  const auto parameters = [](const std::vector<int>& names) {
+    std::string text;
+    for (const int name : names) text += "<p name='parameter" + std::to_string(name) + "'/>";
+    return text;
+  };
+  for (int round = 0; round < 400; ++round) {
+    std::vector<int> usual(1 + random() % 36);
+    std::iota(usual.begin(), usual.end(), 0);
+    std::shuffle(usual.begin(), usual.end(), random);
+    std::string content = "<header/>";
+    for (int i = 0; i < 8; ++i) {
+      std::vector<int> names = usual;
+      const std::size_t place = random() % names.size();
+      switch (random() % 9) {
+        case 0:
+          names.resize(place);
+          break;
+        case 1:
+          names.erase(names.begin() + static_cast<std::ptrdiff_t>(place));
+          break;
+        case 2:
+          names.push_back(100);
+          break;
+        case 3:
+          std::swap(names[place], names.back());
+          break;
+        case 4:
+          if (round % 8 == 0) names.push_back(names[place]);
+          break;
+        case 5:
+          names[place] = 200;
+          break;
+        default:
+          break;
+      }
+      content += "<managedObject class='A' distName='A-" + std::to_string(i) + "'>" +
+                 parameters(names) + "<list name='l'><item>" + parameters(names) +
+                 "</item></list></managedObject>";
+    }
+    expectSame(cmData(content));
   }
 }
 
