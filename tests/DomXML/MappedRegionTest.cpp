@@ -16,10 +16,17 @@ using libDomXml::MappedRegion;
 
 constexpr std::size_t BLOCK = 235530;
 
+// From the list of maps, which an emulator gives for the program that it runs.
 std::size_t mappedPages() {
-  std::size_t pages = 0;
-  std::ifstream("/proc/self/statm") >> pages;
-  return pages;
+  std::size_t bytes = 0;
+  std::ifstream maps("/proc/self/maps");
+  for (std::string line; std::getline(maps, line);) {
+    std::size_t endOfNumber = 0;
+    const auto begin = std::stoull(line, &endOfNumber, 16);
+    bytes +=
+        static_cast<std::size_t>(std::stoull(line.substr(endOfNumber + 1), nullptr, 16) - begin);
+  }
+  return bytes / 4096;
 }
 
 std::vector<char*> allocateBlocks(std::size_t count) {
