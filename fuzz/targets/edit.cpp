@@ -437,15 +437,23 @@ class Session {
         side.indexes = Indexes::SOUND;
         object->setDistName(textOrNull());
         break;
-      case 6:
-        object->removeScalarParameter(name);
+      case 6: {
+        const bool has = object->hasScalarParameter(name);
+        const bool found = object->removeScalarParameter(name) != 2;
+        fuzz::check(found == has && !object->hasScalarParameter(name), "parameter removed");
         break;
-      case 7:
-        object->removeListParameter(name);
+      }
+      case 7: {
+        const bool has = object->hasListParameter(name);
+        const bool found = object->removeListParameter(name) != 2;
+        fuzz::check(found == has && !object->hasListParameter(name), "list removed");
         break;
-      case 8:
-        object->removeExtension(name);
+      }
+      case 8: {
+        const bool has = object->hasExtension(name);
+        fuzz::check((object->removeExtension(name) == 0) == has, "extension removed");
         break;
+      }
       case 9:
       case 10:
         if (auto* const scalar = pickDetached(side.scalars)) {
