@@ -59,10 +59,15 @@ class ParsedNames {
   /// that tells one sequence of names from the others.
   void start(std::string_view kind) {
     count_ = 0;
-    if (sequences_.empty()) sequences_.resize(SEQUENCES);
     const std::size_t ends = kind.empty() ? 0 : letter(kind.front()) + 7 * letter(kind.back());
-    known_ = &sequences_[(5 * kind.size() + ends) % SEQUENCES];
-    follows_ = true;
+    place_ = (5 * kind.size() + ends) % SEQUENCES;
+    follows_ = !sequences_.empty();
+    if (follows_) {
+      known_ = &sequences_[place_];
+    } else {
+      names_.clear();
+      others_.clear();
+    }
   }
 
   /// `node` is the element as a node. False when it has no name.
@@ -83,7 +88,7 @@ class ParsedNames {
     if (follows_ && count_ == known_->count) return orderOfKnown();
     if (follows_) stopFollowing();
     if (count_ <= 1) return NameOrder::SORTED;
-    if (count_ <= FEW) known_->remember(names_.data(), count_);
+    if (count_ <= FEW) remember();
     if (count_ > FEW && areSorted()) return NameOrder::SORTED;
     const bool differ = (count_ <= FEW && digestsDiffer()) || namesDiffer();
     return differ ? NameOrder::DIFFERENT : NameOrder::UNKNOWN;
@@ -152,6 +157,12 @@ class ParsedNames {
     std::uint32_t hash;
     std::uint32_t number;  // of the entry, from 1; 0 for an empty slot
   };
+
+  // Documents that have no object with two names need no room for sequences.
+  void remember() {
+    if (sequences_.empty()) sequences_.resize(SEQUENCES);
+    sequences_[place_].remember(names_.data(), count_);
+  }
 
   NameOrder orderOfKnown() {
     if (known_->isSorted) return NameOrder::SORTED;
@@ -228,6 +239,7 @@ class ParsedNames {
   // the order that they came in.
   bool follows_ = false;
   std::size_t count_ = 0;
+  std::size_t place_ = 0;  // of the kind's sequence
   Sequence* known_ = nullptr;
   Entry inPlace_[FEW];
   std::vector<std::string_view> names_;
