@@ -1,10 +1,12 @@
 #pragma once
 
+#include "TarnApi.hpp"
+
 namespace libDomXml {
 
 /// Prints "FILE:LINE: FUNCTION: assertion failed: TEXT" to standard error and aborts the process.
-[[noreturn]] void assertionFailed(const char* file, unsigned int line, const char* function,
-                                  const char* text);
+[[noreturn]] TARN_API void assertionFailed(const char* file, unsigned int line,
+                                           const char* function, const char* text);
 
 }  // namespace libDomXml
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DomFactory.hpp"
+#include "TarnApi.hpp"
 #include "rapidxml/rapidxml.hpp"
 
 namespace libDomXml {
@@ -8,10 +9,11 @@ namespace libDomXml {
 /// An attribute of a DOM element: a record of the XML core that knows its pool.
 ///
 /// Lives in its document's pool until the document goes, also after it has been removed.
-class DomAttribute : public rapidxml::xml_attribute<char> {
+class TARN_API DomAttribute : public rapidxml::xml_attribute<char> {
  public:
   // The links of the record are set when it is linked.
   // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.UninitializedObject)
+  /// A detached attribute without name and value, to be made in `pool`.
   explicit DomAttribute(IMemoryPool* pool) : domFactory_(pool) {}
 
   /// Pool objects are not freed one by one.
@@ -32,6 +34,7 @@ class DomAttribute : public rapidxml::xml_attribute<char> {
   DomAttribute* clone() const;
   DomAttribute* clone(IMemoryPool* pool) const;
 
+  /// Makes texts and nodes in the pool of this attribute.
   const DomFactory* getDomFactory() const { return &domFactory_; }
 
  private:

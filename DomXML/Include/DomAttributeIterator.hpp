@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DomAttribute.hpp"
+#include "TarnApi.hpp"
 
 namespace libDomXml {
 
@@ -8,8 +9,9 @@ namespace libDomXml {
 ///
 /// A value that borrows the attribute. Null is the end; a step from the end, or a look at it, is an
 /// assertion ("attribute").
-class DomAttributeIterator {
+class TARN_API DomAttributeIterator {
  public:
+  /// At `attribute`; null is the end.
   explicit DomAttributeIterator(DomAttribute* attribute) : attribute_(attribute) {}
 
   /// The current attribute, null at the end.
@@ -17,11 +19,13 @@ class DomAttributeIterator {
   DomAttribute& operator*() const;
   DomAttribute* operator->() const;
 
+  /// To the next or previous attribute of any name, or the end.
   DomAttributeIterator& operator++();
   DomAttributeIterator operator++(int);
   DomAttributeIterator& operator--();
   DomAttributeIterator operator--(int);
 
+  /// Whether both are at the same attribute, or at the end.
   bool operator==(const DomAttributeIterator& other) const {
     return attribute_ == other.attribute_;
   }

@@ -5,6 +5,7 @@
 
 #include "DomElement.hpp"
 #include "IDomDocument.hpp"
+#include "TarnApi.hpp"
 #include "rapidxml/rapidxml.hpp"
 
 namespace libDomXml {
@@ -15,7 +16,7 @@ namespace libDomXml {
 /// goes when the next one starts, and with it the elements of that parse. The operations that the
 /// document has as an element differ from an element's: it has no name, value or attributes and at
 /// most one child that a host can add. One thread at a time.
-class DomDocument : public IDomDocument, public rapidxml::xml_document<char> {
+class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<char> {
  public:
   /// An empty document without declaration. `useMmap` takes the pool's blocks from anonymous memory
   /// maps, which go back to the system with the document.
@@ -45,6 +46,7 @@ class DomDocument : public IDomDocument, public rapidxml::xml_document<char> {
 
   void* allocateMemory(unsigned int size) override;
   void deallocateMemory(void* memory) override;
+  /// A detached element or attribute in the pool.
   DomElement* allocate_node(rapidxml::node_type type, const char* name, const char* value,
                             std::size_t nameSize, std::size_t valueSize) override;
   DomAttribute* allocate_attribute(const char* name, const char* value, std::size_t nameSize,
@@ -86,6 +88,7 @@ class DomDocument : public IDomDocument, public rapidxml::xml_document<char> {
   /// pool.
   virtual void leaveText();
 
+  /// The declaration that is printed, or null.
   DomElement* declaration_ = nullptr;
 
  private:

@@ -5,6 +5,7 @@
 
 #include "DomFactory.hpp"
 #include "IDomElement.hpp"
+#include "TarnApi.hpp"
 #include "rapidxml/rapidxml.hpp"
 
 namespace libDomXml {
@@ -13,8 +14,9 @@ namespace libDomXml {
 ///
 /// Lives in its document's pool until the document goes, also after it has been removed from the
 /// tree. Linking objects of different pools, or one that is linked already, is an assertion.
-class DomElement : public IDomElement, public rapidxml::xml_node<char> {
+class TARN_API DomElement : public IDomElement, public rapidxml::xml_node<char> {
  public:
+  /// A detached element without name and text, to be made in `pool`.
   explicit DomElement(IMemoryPool* pool)
       : rapidxml::xml_node<char>(rapidxml::node_element), domFactory_(pool) {}
 
@@ -61,6 +63,7 @@ class DomElement : public IDomElement, public rapidxml::xml_node<char> {
   IDomElement* getParent() const override;
   IDomDocument* getDocument() const override;
 
+  /// Makes texts and nodes in the pool of this element.
   const DomFactory* getDomFactory() const { return &domFactory_; }
 
   /// Moves name, value and attributes into the pool, so that the element outlives the text that it
@@ -71,6 +74,7 @@ class DomElement : public IDomElement, public rapidxml::xml_node<char> {
   /// Adds copies of the attributes to `target`, in the target's pool.
   void copyAttributesTo(DomElement& target) const;
 
+  /// Over the pool of this element.
   DomFactory domFactory_;
 
  private:

@@ -6,6 +6,7 @@
 
 #include "Assertion.hpp"
 #include "IMemoryPool.hpp"
+#include "TarnApi.hpp"
 #include "rapidxml/rapidxml.hpp"
 
 namespace libDomXml {
@@ -17,8 +18,9 @@ class DomElement;
 ///
 /// A value: elements and attributes hold one each. Two factories are the same for linking when
 /// their pools are the same object. A pool that has no memory left is an assertion ("memory").
-class DomFactory {
+class TARN_API DomFactory {
  public:
+  /// Makes everything in `pool`, which must outlive it.
   explicit DomFactory(IMemoryPool* pool) : pool_(pool) {}
 
   /// Room for `size` characters, filled from `source` when given; no terminator is added. Size 0
@@ -35,6 +37,7 @@ class DomFactory {
   DomAttribute* allocateAttribute(const char* name, const char* value, std::size_t nameSize,
                                   std::size_t valueSize);
 
+  /// The pool.
   IMemoryPool* getMemoryPool() const { return pool_; }
 
   /// Memory for one object of `size` bytes. Throws as allocateString(); never null (asserted).

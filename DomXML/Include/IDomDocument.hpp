@@ -6,17 +6,19 @@
 
 #include "IDomElement.hpp"
 #include "IStripper.hpp"
+#include "TarnApi.hpp"
 
 namespace libDomXml {
 
 /// A DOM document: the root of a tree and the owner of everything in it. One thread at a time.
-class IDomDocument : public IDomElement {
+class TARN_API IDomDocument : public IDomElement {
  public:
   /// Parses a copy of `text`, made by `stripper` when one is given. Returns 0, or 1 for malformed
   /// text; the elements that were complete by then stay linked.
   virtual int parse(const char* text, boost::shared_ptr<IStripper> stripper) = 0;
   /// Takes over the zero-terminated text and parses it in place; results as above.
   virtual int parse(std::unique_ptr<char[]> text) = 0;
+  /// The declaration, or null.
   virtual IDomElement* getDocumentDeclaration() const = 0;
   /// New, detached objects of this document with copies of name and value.
   virtual IDomElement* createDomElement(const char* name, const char* value) = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DomAttributeIterator.hpp"
+#include "TarnApi.hpp"
 
 namespace libDomXml {
 
@@ -13,7 +14,7 @@ class IMemoryPool;
 /// Elements belong to their document and are borrowed: a pointer is good until the document is
 /// destroyed. "name" arguments are zero-terminated; null means any name. Names are compared byte by
 /// byte.
-class IDomElement {
+class TARN_API IDomElement {
  public:
   virtual ~IDomElement() = default;
 
@@ -23,8 +24,11 @@ class IDomElement {
 
   /// Never null for an element.
   virtual const char* getTagName() const = 0;
+  /// Copies `name`, which must not be null (asserted).
   virtual void setTagName(const char* name) = 0;
+  /// Never null for an element, "" without a text.
   virtual const char* getValue() const = 0;
+  /// Copies `value`, which must not be null (asserted).
   virtual void setValue(const char* value) = 0;
 
   /// Value of the first attribute of that name; null, or `defaultValue`, when there is none.
@@ -38,6 +42,7 @@ class IDomElement {
   virtual void addAttribute(DomAttribute* attribute) = 0;
   /// True when an attribute of that name was there and has been unlinked.
   virtual bool removeAttribute(const char* name) = 0;
+  /// The first and the last attribute of that name, or the end.
   virtual DomAttributeIterator getFirstAttribute(const char* name) const = 0;
   virtual DomAttributeIterator getLastAttribute(const char* name) const = 0;
 
@@ -49,10 +54,12 @@ class IDomElement {
 
   /// Links a detached element of the same pool before `where` (null: as the last child).
   virtual void insertChild(IDomElement* child, IDomElement* where) = 0;
+  /// Links a detached element of the same pool as the last child.
   virtual void addChild(IDomElement* child) = 0;
   /// True when `child` was a child and has been unlinked.
   virtual bool removeChild(IDomElement* child) = 0;
 
+  /// Whether there are any.
   virtual bool hasChildren() const = 0;
   virtual bool hasAttributes() const = 0;
   /// The owning element, or the document for a top-level element; null when detached.

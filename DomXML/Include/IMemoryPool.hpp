@@ -1,12 +1,14 @@
 #pragma once
 
+#include "TarnApi.hpp"
+
 namespace libDomXml {
 
 /// Source of raw memory for everything that lives as long as one document.
 ///
 /// The document's own pool is the usual one; a host may hand in another. Memory is not given back
 /// piece by piece: it goes when the pool goes. Used by one thread at a time.
-class IMemoryPool {
+class TARN_API IMemoryPool {
  public:
   virtual ~IMemoryPool() = default;
 

@@ -2,10 +2,12 @@
 
 #include <cstddef>
 
+#include "TarnApi.hpp"
+
 namespace libDomXml {
 
 /// Copies document text before it is parsed, and may leave parts of it out.
-class IStripper {
+class TARN_API IStripper {
  public:
   virtual ~IStripper() = default;
 

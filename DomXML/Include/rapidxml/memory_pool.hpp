@@ -11,13 +11,14 @@
 
 #include "Assertion.hpp"
 #include "IMemoryPool.hpp"
+#include "TarnApi.hpp"
 #include "rapidxml/nodes.hpp"
 
 namespace rapidxml {
 
 /// What the parser asks for nodes, attributes and strings.
 template <class Ch>
-class IXMLFactory {
+class TARN_API IXMLFactory {
  public:
   virtual ~IXMLFactory() = default;
 
@@ -45,8 +46,9 @@ class IXMLFactory {
 /// A request that the current block cannot hold opens a new block; the rest of the old one is
 /// abandoned. The first block is part of the pool object. Not copyable. One thread at a time.
 template <class Ch>
-class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
+class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
  public:
+  /// Gives a block of so many bytes, aligned for any type, and takes it back.
   using alloc_func = void*(std::size_t);
   using free_func = void(void*);
   /// As alloc_func, told the newest block of the pool (null for the first), so that it can give
@@ -75,6 +77,7 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
     }
   }
 
+  /// A detached record; texts are not copied.
   xml_node<Ch>* allocate_node(node_type type, const Ch* name, const Ch* value,
                               std::size_t name_size, std::size_t value_size) override {
     auto* const node = new (allocate_aligned(sizeof(xml_node<Ch>))) xml_node<Ch>(type);
@@ -82,6 +85,7 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
     return node;
   }
 
+  /// A detached record; texts are not copied.
   xml_attribute<Ch>* allocate_attribute(const Ch* name, const Ch* value, std::size_t name_size,
                                         std::size_t value_size) override {
     auto* const attribute = new (allocate_aligned(sizeof(xml_attribute<Ch>))) xml_attribute<Ch>();
@@ -89,6 +93,7 @@ class memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
     return attribute;
   }
 
+  /// A copy of `size` characters, all up to the zero when it is 0; not filled without `source`.
   Ch* allocate_string(const Ch* source, std::size_t size) override {
     TARN_ASSERT(source || size, "source || size");
     if (size == 0) size = internal::measure(source) + 1;

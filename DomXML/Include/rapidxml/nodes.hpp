@@ -8,6 +8,7 @@
 #include <string>
 
 #include "Assertion.hpp"
+#include "TarnApi.hpp"
 
 namespace rapidxml {
 
@@ -63,7 +64,7 @@ bool same_name(const Ch* name, std::size_t size, const Ch* other, std::size_t ot
 /// What nodes and attributes share: a name, a value and the owning node. The texts belong to the
 /// parsed text or to the pool, never to the record.
 template <class Ch>
-class xml_base {
+class TARN_API xml_base {
  public:
   xml_base() = default;
 
@@ -121,7 +122,7 @@ class xml_base {
 
 /// An attribute of a node.
 template <class Ch>
-class xml_attribute : public xml_base<Ch> {
+class TARN_API xml_attribute : public xml_base<Ch> {
  public:
   // The links are set when the attribute is linked, and read only then.
   xml_attribute() {}  // NOLINT(modernize-use-equals-default): would clear the links
@@ -164,7 +165,7 @@ class xml_attribute : public xml_base<Ch> {
 /// In every look-up a null name means any, and a name size of 0 means that the name is
 /// zero-terminated.
 template <class Ch>
-class xml_node : public xml_base<Ch> {
+class TARN_API xml_node : public xml_base<Ch> {
  public:
   // The other links are set when they become valid, and read only then.
   explicit xml_node(node_type type)

@@ -16,6 +16,7 @@
 #include <exception>
 #include <limits>
 
+#include "TarnApi.hpp"
 #include "rapidxml/character_classes.hpp"
 #include "rapidxml/memory_pool.hpp"
 #include "rapidxml/nodes.hpp"
@@ -24,7 +25,7 @@
 namespace rapidxml {
 
 /// Malformed text: what is wrong, and where in the parsed text.
-class parse_error : public std::exception {
+class TARN_API parse_error : public std::exception {
  public:
   /// `what` is kept, not copied: it must live as long as the exception and its copies.
   parse_error(const char* what, void* where) : m_what(what), m_where(where) {}

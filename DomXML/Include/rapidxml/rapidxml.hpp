@@ -13,6 +13,7 @@
 // Cost: one pass over the text, a pointer bump for each node.
 
 #include "Assertion.hpp"
+#include "TarnApi.hpp"
 #include "rapidxml/memory_pool.hpp"
 #include "rapidxml/nodes.hpp"
 #include "rapidxml/parser.hpp"
@@ -28,7 +29,7 @@ constexpr int parse_declaration_node = 32;
 ///
 /// The text given to parse() must stay alive and unchanged as long as the tree is used.
 template <class Ch>
-class xml_document : public xml_node<Ch>, public memory_pool<Ch> {
+class TARN_API xml_document : public xml_node<Ch>, public memory_pool<Ch> {
  public:
   xml_document() : xml_node<Ch>(node_document) {}
 

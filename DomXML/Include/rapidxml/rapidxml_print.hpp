@@ -11,6 +11,7 @@
 #include <cstring>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "rapidxml/rapidxml.hpp"
 #include "rapidxml/scan.hpp"
 
@@ -460,7 +461,7 @@ OutIt print_node(OutIt out, const xml_node<char>* node, int flags, int indent) {
 }
 
 /// As above, appending to `out`.
-void print_node(std::string& out, const xml_node<char>* node, int flags, int indent);
+TARN_API void print_node(std::string& out, const xml_node<char>* node, int flags, int indent);
 
 /// Prints an element (asserted) and everything below it, without a line feed behind its end tag.
 template <class OutIt>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TarnApi.hpp"
 #include "model/LibTarnManagedObject.hpp"
 
 namespace libtarn {
@@ -26,7 +27,7 @@ namespace editor {
 ///
 /// A host calls mergeDocument(), or mergeManagedObject() for single objects. The steps that follow
 /// them are what these two are made of; they need a source with a cmData (asserted).
-class TarnMerge {
+class TARN_API TarnMerge {
  public:
   /// A step for one object of a delta: the source's object of that name, or null; the delta's
   /// object; its name.
@@ -34,6 +35,7 @@ class TarnMerge {
                                             model::LibTarnManagedObject* delta,
                                             const model::DistinguishedName& distName);
 
+  /// Applies deltas to `source`, which stays the caller's.
   explicit TarnMerge(model::LibTarnDocument& source);
 
   /// Applies every object of `delta` and appends its log entries to the source's header, when both
@@ -67,6 +69,7 @@ class TarnMerge {
       const model::LibTarnManagedObject* source);
   /// Adds a copy of `delta`, unless the source has an object of that name.
   void doOperationCreate(const model::LibTarnManagedObject* delta);
+  /// Removes the source's object of that name.
   void doOperationDelete(const model::DistinguishedName& distName);
   /// Updates parameters, lists and extensions; the attributes of `source` stay. Nothing is done for
   /// an update of an object with itself.

@@ -2,6 +2,8 @@
 
 #include <iosfwd>
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace model {
 
@@ -9,13 +11,15 @@ namespace model {
 ///
 /// A light value that borrows its text, which must outlive it. The text may be null, for an object
 /// that has no name.
-class DistinguishedName {
+class TARN_API DistinguishedName {
  public:
   /// The attribute that holds an object's name.
   static constexpr const char* ATTR_NAME = "distName";
 
+  /// `text` is borrowed; it may be null.
   DistinguishedName(const char* text) : distNameString_(text) {}  // NOLINT: converts
 
+  /// The text as it was handed over.
   const char* getText() const { return distNameString_; }
 
   /// Byte equality. Both must have a text (asserted).
@@ -27,7 +31,7 @@ class DistinguishedName {
 };
 
 /// Writes the text unchanged; nothing when there is none.
-std::ostream& operator<<(std::ostream& out, const DistinguishedName& distName);
+TARN_API std::ostream& operator<<(std::ostream& out, const DistinguishedName& distName);
 
 }  // namespace model
 }  // namespace libtarn

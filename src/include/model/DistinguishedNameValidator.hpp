@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/IDistinguishedNameValidator.hpp"
 
 namespace libtarn {
@@ -9,7 +10,7 @@ namespace model {
 
 /// The format's own rule: every segment has a "-" behind at least one character, and only ASCII
 /// letters and digits behind its last "-". A name that holds "ZNT-1/" anywhere is always valid.
-class DistinguishedNameValidator : public IDistinguishedNameValidator {
+class TARN_API DistinguishedNameValidator : public IDistinguishedNameValidator {
  public:
   /// Linear in the length of the name.
   bool isValid(const char* distName) const override;

@@ -5,6 +5,7 @@
 
 #include "Assertion.hpp"
 #include "IDomElement.hpp"
+#include "TarnApi.hpp"
 #include "model/exceptions/InvalidAttributeValueException.hpp"
 #include "model/exceptions/NoSuchAttributeException.hpp"
 #include "util/Enum.hpp"
@@ -17,7 +18,7 @@ namespace model {
 ///
 /// Part of the element that it belongs to. Attribute and kept value change together.
 template <class T>
-class EnumeratedAttribute {
+class TARN_API EnumeratedAttribute {
  public:
   /// `name` must live as long as the element.
   EnumeratedAttribute(libDomXml::IDomElement* element, const char* name)

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace model {
 
 /// Decides which distinguished names a managed object may get.
-class IDistinguishedNameValidator {
+class TARN_API IDistinguishedNameValidator {
  public:
   /// `distName` may be null.
   virtual bool isValid(const char* distName) const = 0;

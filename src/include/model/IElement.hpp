@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace model {
 
@@ -8,7 +10,7 @@ namespace model {
 /// An element is the XML node itself and belongs to its document: pointers are borrowed and good
 /// until the document is destroyed, also after the element has been removed; nobody deletes one.
 /// Used by one thread at a time, together with its document.
-class IElement {
+class TARN_API IElement {
  public:
   /// The next sibling with the same tag, or null; null also for an element that is not linked.
   virtual IElement* getNextSiblingElement() const = 0;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/DistinguishedName.hpp"
 #include "model/IElement.hpp"
 #include "model/indexation/TarnCollection.hpp"
@@ -19,27 +20,31 @@ class LibTarnManagedObject;
 ///
 /// Objects are found by distinguished name and by class through an index, which every edit here
 /// keeps in step with the tree. Lifetime and threads as for every IElement.
-class LibTarnCmData : public IElement {
+class TARN_API LibTarnCmData : public IElement {
  public:
   /// What the document describes.
   class Type : public util::Enum<Type> {
    public:
+    /// The network as it is, as it is to be, and values that hold where nothing else is said.
     static const Type ACTUAL;
     static const Type PLAN;
     static const Type DEFAULTS;
 
+    /// A copy of a constant.
     Type(const util::Enum<Type>& value) : Enum(value) {}  // NOLINT: converts
 
    private:
     explicit Type(const char* text) : Enum(text) {}
   };
 
+  /// The tag.
   static constexpr const char* TAG_NAME = "cmData";
 
   LibTarnCmData* getNextSiblingElement() const override = 0;
 
   /// The type, DEFAULTS until it has been read from a document or set.
   virtual Type getType() const = 0;
+  /// Writes the attribute "type".
   virtual void setType(const Type& type) = 0;
   /// The attribute "id", null when absent.
   virtual const char* getId() const = 0;
@@ -47,6 +52,7 @@ class LibTarnCmData : public IElement {
   virtual LibTarnHeader* getLibTarnHeader() const = 0;
   /// Replaces the first header; the new one becomes the last child.
   virtual void setLibTarnHeader(LibTarnHeader& header) = 0;
+  /// Whether there is an object of that name.
   virtual bool hasLibTarnManagedObject(const DistinguishedName& distName) const = 0;
   /// Null when there is none of that name.
   virtual LibTarnManagedObject* getLibTarnManagedObject(
@@ -60,6 +66,7 @@ class LibTarnCmData : public IElement {
   /// The objects of a class in the order in which they came into the index.
   virtual indexation::ManagedObjectCollection getLibTarnManagedObjectsByClass(
       const std::string& className) const = 0;
+  /// How many objects there are.
   virtual std::size_t getManagedObjectNumber() const = 0;
 };
 

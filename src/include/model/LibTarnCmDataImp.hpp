@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/EnumeratedAttribute.hpp"
 #include "model/LibTarnCmData.hpp"
 #include "model/TarnDomElement.hpp"
@@ -25,7 +26,7 @@ class LibTarnHeaderImp;
 class LibTarnManagedObjectImp;
 
 /// Node class of LibTarnCmData.
-class LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
+class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
  public:
   LibTarnCmDataImp(libDomXml::IMemoryPool* pool, const indexation::ITarnIndexFactory* indexFactory,
                    util::TarnFactory& factory);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "TarnApi.hpp"
 #include "model/Diagnostic.hpp"
 
 namespace libtarn {
@@ -24,7 +25,7 @@ class TarnDomDocument;
 /// Owns everything in it; pointers to elements are good until the document is destroyed. A new
 /// document has a declaration and an empty root. One thread at a time; different documents may be
 /// used by different threads.
-class LibTarnDocument {
+class TARN_API LibTarnDocument {
  public:
   LibTarnDocument();
   /// Takes over `document`, made with `new`, which brings its own name validator and index factory.
@@ -53,6 +54,7 @@ class LibTarnDocument {
   /// What the last parse() or validate() found; success before the first. Good until the next one.
   const Diagnostic& getDiagnostic() const { return diagnostic_; }
 
+  /// The DOM document behind it, which stays its own.
   TarnDomDocument* getItsTarnDomDocument() const;
   /// Bytes that the document takes: its pool and the texts that it has taken over.
   std::size_t getMemorySize() const;

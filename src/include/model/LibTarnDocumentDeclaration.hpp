@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TarnApi.hpp"
 #include "model/TarnDomElement.hpp"
 
 namespace libDomXml {
@@ -10,7 +11,7 @@ namespace libtarn {
 namespace model {
 
 /// The XML declaration of a document. A document has one, used again by every parse.
-class LibTarnDocumentDeclaration : public TarnDomElement {
+class TARN_API LibTarnDocumentDeclaration : public TarnDomElement {
  public:
   static constexpr const char* TAG_NAME = "xml";
 

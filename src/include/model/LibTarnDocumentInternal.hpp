@@ -3,6 +3,7 @@
 #include <list>
 #include <vector>
 
+#include "TarnApi.hpp"
 #include "model/IElement.hpp"
 #include "model/TarnDomElement.hpp"
 
@@ -17,7 +18,7 @@ class TarnDomDocument;
 
 /// The root element, `tarn`. A document has one, made with the document and used again by every
 /// parse.
-class LibTarnDocumentInternal : public TarnDomElement, public IElement {
+class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement {
  public:
   static constexpr const char* TAG_NAME = "tarn";
 

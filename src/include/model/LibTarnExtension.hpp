@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/IElement.hpp"
 
 namespace libtarn {
@@ -14,20 +15,23 @@ class Scalar;
 ///
 /// The parameters are not indexed: looking one up, adding and removing walk the children.
 /// Lifetime and threads as for every IElement.
-class LibTarnExtension : public IElement {
+class TARN_API LibTarnExtension : public IElement {
  public:
+  /// The tag.
   static constexpr const char* TAG_NAME = "extension";
 
   LibTarnExtension* getNextSiblingElement() const override = 0;
 
   /// The attribute "name", null when absent.
   virtual const char* getName() const = 0;
+  /// Whether there is any parameter.
   virtual bool hasParameters() const = 0;
   /// First parameter, or null. The others follow by getNextSiblingElement().
   virtual Scalar* getParameters() const = 0;
   /// Appends a detached `p` of this document. Returns 0, or 1 with nothing changed when a parameter
   /// of that name exists.
   virtual std::uint8_t addParameter(Scalar& parameter) = 0;
+  /// Whether there is a parameter of that name.
   virtual bool hasParameter(const std::string& name) const = 0;
   /// The first parameter of that name, or null.
   virtual Scalar* getParameter(const std::string& name) const = 0;

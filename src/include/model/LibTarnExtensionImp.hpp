@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/LibTarnExtension.hpp"
 #include "model/ScalarImp.hpp"
 #include "model/TarnDomElement.hpp"
@@ -12,7 +13,7 @@ namespace libtarn {
 namespace model {
 
 /// Node class of LibTarnExtension.
-class LibTarnExtensionImp : public LibTarnExtension, public TarnDomElement {
+class TARN_API LibTarnExtensionImp : public LibTarnExtension, public TarnDomElement {
  public:
   LibTarnExtensionImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
 

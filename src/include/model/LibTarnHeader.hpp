@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TarnApi.hpp"
 #include "model/IElement.hpp"
 
 namespace libtarn {
@@ -15,8 +16,9 @@ class TarnDomElement;
 /// The bounded history of a document, `header`.
 ///
 /// Lifetime and threads as for every IElement.
-class LibTarnHeader : public IElement {
+class TARN_API LibTarnHeader : public IElement {
  public:
+  /// The tag.
   static constexpr const char* TAG_NAME = "header";
   /// Most entries after an addLog().
   static const unsigned int MAX_LOG_COUNT;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TarnApi.hpp"
 #include "model/LibTarnHeader.hpp"
 #include "model/TarnDomElement.hpp"
 
@@ -11,7 +12,7 @@ namespace libtarn {
 namespace model {
 
 /// Node class of LibTarnHeader.
-class LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
+class TARN_API LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
  public:
   LibTarnHeaderImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
       : TarnDomElement(pool), factory_(factory) {

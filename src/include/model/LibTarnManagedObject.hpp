@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/DistinguishedName.hpp"
 #include "model/IElement.hpp"
 #include "model/indexation/TarnCollection.hpp"
@@ -26,22 +27,25 @@ class TarnDomElement;
 /// Parameters and lists are found by name through indexes, which every edit here keeps in step with
 /// the tree; extensions are found by walking. Edit results: 0 done, 1 refused, 2 no such element.
 /// Lifetime and threads as for every IElement.
-class LibTarnManagedObject : public IElement {
+class TARN_API LibTarnManagedObject : public IElement {
  public:
   /// What a delta document asks for an object.
   class Operation : public util::Enum<Operation> {
    public:
+    /// What becomes of the object of that name; AUTO is create or update, whichever fits.
     static const Operation CREATE;
     static const Operation DELETE;
     static const Operation UPDATE;
     static const Operation AUTO;
 
+    /// A copy of a constant.
     Operation(const util::Enum<Operation>& value) : Enum(value) {}  // NOLINT: converts
 
    private:
     explicit Operation(const char* text) : Enum(text) {}
   };
 
+  /// The tag.
   static constexpr const char* TAG_NAME = "managedObject";
 
   LibTarnManagedObject* getNextSiblingElement() const override = 0;
@@ -55,6 +59,7 @@ class LibTarnManagedObject : public IElement {
   virtual DistinguishedName getDistName() const = 0;
   /// The operation, AUTO when there is none.
   virtual Operation getOperation() const = 0;
+  /// Writes the attribute "operation".
   virtual void setOperation(Operation operation) = 0;
   /// True when this object fits `pattern`: same operation where the pattern has one, class and
   /// version equal or "#", the pattern's name a part of this name (or empty, or "_-_"), and every
@@ -68,27 +73,39 @@ class LibTarnManagedObject : public IElement {
   /// and lists that `values` has. False, with nothing changed, when it does not match. `values` may
   /// be this object, which changes nothing.
   virtual bool change(const LibTarnManagedObject& pattern, const LibTarnManagedObject& values) = 0;
+  /// Writes the attribute "version".
   virtual void setVersion(const std::string& version) = 0;
 
+  /// Whether there is a `p` of that name.
   virtual bool hasScalarParameter(const std::string& name) const = 0;
   /// All `p` in byte order of their names; good until parameters are added or removed.
   virtual indexation::ScalarCollection getScalarParameters() const = 0;
   /// Null when there is none of that name.
   virtual Scalar* getScalarParameter(const char* name) const = 0;
+  /// Unlinks the `p` of that name.
   virtual std::uint8_t removeScalarParameter(const std::string& name) = 0;
   /// Appends a detached element of this document; 1 when one of that name exists.
   virtual std::uint8_t addParameter(Scalar& parameter) = 0;
   virtual std::uint8_t addParameter(LibTarnExtension& extension) = 0;
+  /// Unlinks the list of that name.
   virtual std::uint8_t removeListParameter(const std::string& name) = 0;
+  /// Null when there is none of that name.
   virtual List* getListParameter(const std::string& name) const = 0;
+  /// All lists in byte order of their names; good until lists are added or removed.
   virtual indexation::ListCollection getListParameters() const = 0;
+  /// Appends a detached list of this document; 1 when one of that name exists.
   virtual std::uint8_t addParameter(List& parameter) = 0;
+  /// Whether there is a list of that name.
   virtual bool hasListParameter(const std::string& name) const = 0;
   /// First extension, or null. The others follow by getNextSiblingElement().
   virtual LibTarnExtension* getExtensions() const = 0;
+  /// Removes the attribute "operation".
   virtual void clearOperation() = 0;
+  /// Unlinks the first extension of that name.
   virtual std::uint8_t removeExtension(const std::string& name) = 0;
+  /// Whether there is an extension of that name.
   virtual bool hasExtension(const std::string& name) const = 0;
+  /// The first extension of that name, or null.
   virtual LibTarnExtension* getExtension(const std::string& name) const = 0;
   /// Renames the object, in its document's index as well. Returns 1, with nothing changed, for a
   /// name that the document's validator rejects. When another object has the name already, this one

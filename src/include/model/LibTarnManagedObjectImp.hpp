@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/EnumeratedAttribute.hpp"
 #include "model/LibTarnExtensionImp.hpp"
 #include "model/LibTarnManagedObject.hpp"
@@ -25,7 +26,7 @@ class IDistinguishedNameValidator;
 struct IndexingParse;
 
 /// Node class of LibTarnManagedObject.
-class LibTarnManagedObjectImp : public TarnDomElement, public LibTarnManagedObject {
+class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnManagedObject {
  public:
   /// Attribute that identifies an extension.
   static const char* const UNIQUE_CONTAINER_ID_ATTR_NAME;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/IElement.hpp"
 
 namespace libtarn {
@@ -14,8 +15,9 @@ class Structure;
 /// A list parameter: plain values (`p`) or structures (`item`), never both.
 ///
 /// Lifetime and threads as for every IElement.
-class List : public IElement {
+class TARN_API List : public IElement {
  public:
+  /// The tag.
   static constexpr const char* TAG_NAME = "list";
 
   List* getNextSiblingElement() const override = 0;
@@ -25,6 +27,7 @@ class List : public IElement {
   /// The name, "" when there is none.
   virtual std::string getId() const = 0;
 
+  /// Whether there is any `p`.
   virtual bool hasScalarValues() const = 0;
   /// First plain value, or null. The others follow by getNextSiblingElement().
   virtual Scalar* getScalarValues() const = 0;
@@ -32,6 +35,7 @@ class List : public IElement {
   /// nothing changed when the list holds structures. Walks the list.
   virtual std::uint8_t addValue(Scalar& value) = 0;
 
+  /// Whether there is any `item`.
   virtual bool hasStructuredValues() const = 0;
   /// First structure, or null. The others follow by getNextSiblingElement().
   virtual Structure* getStructuredValues() const = 0;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/List.hpp"
 #include "model/TarnDomElement.hpp"
 
@@ -16,7 +17,7 @@ namespace model {
 struct IndexingParse;
 
 /// Node class of List.
-class ListImp : public TarnDomElement, public List {
+class TARN_API ListImp : public TarnDomElement, public List {
  public:
   ListImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
       : TarnDomElement(pool), factory_(factory) {

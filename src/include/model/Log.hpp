@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TarnApi.hpp"
 #include "model/IElement.hpp"
 
 namespace libtarn {
@@ -8,8 +9,9 @@ namespace model {
 /// An entry in the history of a document, `log`: action, time and free text.
 ///
 /// Lifetime and threads as for every IElement.
-class Log : public IElement {
+class TARN_API Log : public IElement {
  public:
+  /// The tag.
   static constexpr const char* TAG_NAME = "log";
   /// Form of "dateTime", in local time, as strftime takes it.
   static const char* const DATETIME_FORMAT;

@@ -3,6 +3,7 @@
 #include <ctime>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/Log.hpp"
 #include "model/TarnDomElement.hpp"
 
@@ -14,7 +15,7 @@ namespace libtarn {
 namespace model {
 
 /// Node class of Log.
-class LogImp : public TarnDomElement, public Log {
+class TARN_API LogImp : public TarnDomElement, public Log {
  public:
   LogImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
       : TarnDomElement(pool), factory_(factory) {

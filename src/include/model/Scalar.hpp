@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/IElement.hpp"
 
 namespace libtarn {
@@ -10,8 +11,9 @@ namespace model {
 /// A single-valued parameter, `p`: a name (none inside a list) and a text.
 ///
 /// Lifetime and threads as for every IElement.
-class Scalar : public IElement {
+class TARN_API Scalar : public IElement {
  public:
+  /// The tag.
   static constexpr const char* TAG_NAME = "p";
 
   Scalar* getNextSiblingElement() const override = 0;
@@ -20,6 +22,7 @@ class Scalar : public IElement {
   virtual std::string getId() const = 0;
   /// The name, null when it is absent or empty.
   virtual const char* getName() const = 0;
+  /// Whether the text is empty or absent.
   virtual bool isValueEmpty() const = 0;
   /// The text, never null; good until the next setValue() and beyond, as all pool memory.
   virtual const char* getValue() const = 0;

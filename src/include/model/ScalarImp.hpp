@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/Scalar.hpp"
 #include "model/TarnDomElement.hpp"
 
@@ -13,7 +14,7 @@ namespace libtarn {
 namespace model {
 
 /// Node class of Scalar.
-class ScalarImp : public TarnDomElement, public Scalar {
+class TARN_API ScalarImp : public TarnDomElement, public Scalar {
  public:
   ScalarImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
       : TarnDomElement(pool), factory_(factory) {

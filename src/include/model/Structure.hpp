@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/IElement.hpp"
 #include "model/indexation/TarnCollection.hpp"
 
@@ -14,12 +15,14 @@ class Scalar;
 /// A structured value of a list, `item`: named components, which are `p` elements.
 ///
 /// Lifetime and threads as for every IElement.
-class Structure : public IElement {
+class TARN_API Structure : public IElement {
  public:
+  /// The tag.
   static constexpr const char* TAG_NAME = "item";
 
   Structure* getNextSiblingElement() const override = 0;
 
+  /// Whether there is a component of that name.
   virtual bool hasComponent(const std::string& name) const = 0;
   /// The component of that name, or null.
   virtual Scalar* getComponent(const std::string& name) const = 0;

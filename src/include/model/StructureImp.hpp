@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "TarnApi.hpp"
 #include "model/Structure.hpp"
 #include "model/TarnDomElement.hpp"
 #include "model/indexation/ITarnUniqueIndex.hpp"
@@ -22,7 +23,7 @@ class ITarnIndexFactory;
 }
 
 /// Node class of Structure.
-class StructureImp : public TarnDomElement, public Structure {
+class TARN_API StructureImp : public TarnDomElement, public Structure {
  public:
   StructureImp(libDomXml::IMemoryPool* pool, const indexation::ITarnIndexFactory* indexFactory,
                util::TarnFactory& factory);

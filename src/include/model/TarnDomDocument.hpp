@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "DomDocument.hpp"
+#include "TarnApi.hpp"
 #include "model/TarnDomElement.hpp"
 #include "util/TarnFactory.hpp"
 
@@ -21,7 +22,7 @@ class LibTarnManagedObjectImp;
 /// factory, and gives the parser a node of the model for every tag.
 ///
 /// LibTarnDocument is what a host uses; it gives this document its root. One thread at a time.
-class TarnDomDocument : public libDomXml::DomDocument {
+class TARN_API TarnDomDocument : public libDomXml::DomDocument {
  public:
   /// Pool blocks from memory maps, own name validator and index factory.
   TarnDomDocument();
@@ -31,14 +32,19 @@ class TarnDomDocument : public libDomXml::DomDocument {
                   indexation::ITarnIndexFactory* indexFactory);
   ~TarnDomDocument() override;
 
+  /// A declaration of version and encoding, which becomes the document's.
   LibTarnDocumentDeclaration* createDocumentDeclaration();
+  /// The root, null until it has been set.
   LibTarnDocumentInternal* getRootElement() const { return root_; }
   /// Called once, by the LibTarnDocument that takes this document over.
   void setRootElement(LibTarnDocumentInternal* root) { root_ = root; }
+  /// The factory for new elements of this document.
   util::TarnFactory& getFactory() { return factory_; }
 
+  /// The node that the parser asks for, of the class that the coming tag has.
   TarnDomElement* allocate_node(rapidxml::node_type type, const char* name, const char* value,
                                 std::size_t nameSize, std::size_t valueSize) override;
+  /// Empty, detached nodes.
   TarnDomElement* allocateTarnManagedObjectNode();
   TarnDomElement* allocateTarnCmDataNode();
   TarnDomElement* allocateStructureNode();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DomElement.hpp"
+#include "TarnApi.hpp"
 #include "copyTree.hpp"
 
 namespace libtarn {
@@ -18,8 +19,9 @@ class Validator;
 /// itself through a factory.
 ///
 /// Lives in its document's pool until the document is destroyed. One thread at a time.
-class TarnDomElement : public libDomXml::DomElement {
+class TARN_API TarnDomElement : public libDomXml::DomElement {
  public:
+  /// A detached element to be made in `pool`.
   explicit TarnDomElement(libDomXml::IMemoryPool* pool) : DomElement(pool) {}
 
   /// Neighbours and children that are elements of the model.

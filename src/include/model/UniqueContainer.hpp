@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TarnApi.hpp"
 #include "model/TypedChildren.hpp"
 #include "model/exceptions/DuplicateElementException.hpp"
 #include "model/exceptions/NoSuchElementException.hpp"
@@ -12,7 +13,7 @@ namespace model {
 /// Owns nothing: it works on the parent passed to each call. An absent attribute counts as "".
 /// Every operation walks the children. Instantiated for identifiers of type std::string.
 template <class Parent, class Child, class Id>
-class UniqueContainer {
+class TARN_API UniqueContainer {
  public:
   explicit UniqueContainer(const char* idAttributeName) : idAttributeName_(idAttributeName) {}
 

@@ -2,6 +2,8 @@
 
 #include <list>
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 
 namespace model {
@@ -14,7 +16,7 @@ namespace util {
 ///
 /// Keeps pointers only: it never makes, copies or deletes a document. A host that wants to delete
 /// the documents that the list drops keeps track of them itself. One thread at a time.
-class DocumentList {
+class TARN_API DocumentList {
  public:
   /// Keeps three documents.
   DocumentList() = default;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Assertion.hpp"
+#include "TarnApi.hpp"
 
 namespace libtarn {
 namespace util {
@@ -15,7 +16,7 @@ namespace util {
 /// themselves in two tables, which are only read afterwards. A copy is the pair of ordinal and
 /// validity. Not thread-safe while constants are made.
 template <class T>
-class Enum {
+class TARN_API Enum {
  public:
   /// A new constant with the next ordinal of its set. Two of one text are an assertion; a null text
   /// makes a value that is not valid and in no table.
@@ -33,9 +34,12 @@ class Enum {
     return it->second;
   }
 
+  /// The number of the constant in its set, from 0.
   int getOrdinal() const { return ordinal_; }
+  /// Whether it has a text.
   bool isValid() const { return valid_; }
 
+  /// Whether both are the same constant.
   bool operator==(const Enum& other) const {
     return ordinal_ == other.ordinal_ && valid_ == other.valid_;
   }
@@ -44,6 +48,7 @@ class Enum {
   /// The ordinal that the next constant gets.
   static int count;
 
+  /// The constants of the set by their texts, and the texts by ordinal.
   static std::map<std::string, const Enum*, std::less<>>& getStringToEnum() {
     static std::map<std::string, const Enum*, std::less<>> table;
     return table;

@@ -2,6 +2,7 @@
 
 #include <sstream>
 
+#include "TarnApi.hpp"
 #include "util/Enum.hpp"
 
 namespace libtarn {
@@ -10,14 +11,17 @@ namespace util {
 /// One log line: a temporary into which the message is streamed, handed to print() when it dies.
 ///
 /// The library filters nothing and writes nothing itself. Lines come from whichever thread logs.
-class Logger {
+class TARN_API Logger {
  public:
+  /// How much a line matters.
   class Level : public Enum<Level> {
    public:
+    /// For the developer, for the operator when something is wrong, and what is worth knowing.
     static const Level DEBUG;
     static const Level ERROR;
     static const Level INFO;
 
+    /// A copy of a constant.
     Level(const Enum<Level>& value) : Enum(value) {}  // NOLINT: converts
 
    private:
@@ -33,6 +37,7 @@ class Logger {
   /// Calls print() once and drops what it throws.
   ~Logger();
 
+  /// Adds to the message what `value` prints as.
   template <class Value>
   Logger& operator<<(const Value& value) {
     stream_ << value;

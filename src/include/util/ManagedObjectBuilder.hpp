@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TarnApi.hpp"
 #include "model/LibTarnManagedObject.hpp"
 
 namespace libtarn {
@@ -19,19 +20,23 @@ namespace util {
 ///
 ///     const auto& mask =
 ///     ManagedObjectBuilder(document).setClass("CELL").setDistName("SITE-3").get();
-class ManagedObjectBuilder {
+class TARN_API ManagedObjectBuilder {
  public:
+  /// Starts with an object of `document` that stands for anything.
   explicit ManagedObjectBuilder(model::LibTarnDocument& document);
 
+  /// The class, exactly.
   ManagedObjectBuilder& setClass(const char* className);
   /// In a mask any part of a name; it need not be a valid name.
   ManagedObjectBuilder& setDistName(const char* distName);
+  /// Version and operation, exactly.
   ManagedObjectBuilder& setVersion(const char* version);
   ManagedObjectBuilder& setOperation(model::LibTarnManagedObject::Operation operation);
   /// Adds a parameter; in a mask the value "#" stands for any. Returns false, with nothing changed,
   /// when there is one of that name.
   bool addParameter(const char* name, const char* value);
 
+  /// The object, which is the document's.
   model::LibTarnManagedObject& get() const { return object_; }
 
  private:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "IMemoryPool.hpp"
+#include "TarnApi.hpp"
 #include "model/LibTarnCmData.hpp"
 #include "model/LibTarnManagedObject.hpp"
 
@@ -35,7 +36,7 @@ namespace util {
 /// The document's own factory comes from LibTarnDocument::getFactory(). A host may build one over
 /// any pool that has memory; everything built lives as long as that pool, and the factory must live
 /// as long as what it built. Texts are copied. One thread at a time.
-class TarnFactory {
+class TARN_API TarnFactory {
  public:
   /// With a DistinguishedNameValidator and a TarnIndexFactory of its own in `pool`.
   explicit TarnFactory(libDomXml::IMemoryPool& pool);
@@ -43,6 +44,7 @@ class TarnFactory {
   TarnFactory(libDomXml::IMemoryPool& pool, const model::IDistinguishedNameValidator* validator,
               const model::indexation::ITarnIndexFactory* indexFactory);
 
+  /// Empty elements.
   model::LibTarnCmData* createLibTarnCmData(model::LibTarnCmData::Type type);
   model::LibTarnHeader* createLibTarnHeader();
   /// Null when `distName` is not a valid name. `version` may be null.
@@ -57,6 +59,7 @@ class TarnFactory {
       const model::LibTarnManagedObject::Operation& operation, const char* version);
   /// A null name or value is left out.
   model::Scalar* createScalar(const char* name, const char* value);
+  /// An empty list, item or extension; a null name is left out.
   model::List* createList(const char* name);
   model::Structure* createStructure();
   model::LibTarnExtension* createLibTarnExtension(const char* name);
@@ -74,6 +77,7 @@ class TarnFactory {
   model::ScalarImp* allocateScalarNode();
   model::LibTarnExtensionImp* allocateExtensionNode();
 
+  /// The pool that everything is built in.
   libDomXml::IMemoryPool& getMemoryPool() const { return pool_; }
 
  private:

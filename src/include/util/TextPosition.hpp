@@ -2,12 +2,15 @@
 
 #include <cstddef>
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace util {
 
 /// A place in a text as people count: both from 1, the column in bytes. A line ends at a line feed,
 /// which is its last byte.
 struct TextPosition {
+  /// Both from 1.
   std::size_t line;
   std::size_t column;
 };
@@ -15,7 +18,7 @@ struct TextPosition {
 /// The place of the byte at `offset`, counted from 0. `text` ends with a zero byte and is pristine:
 /// a text that was parsed in place no longer has its line feeds. An offset behind that zero counts
 /// as the zero's.
-TextPosition locate(const char* text, std::size_t offset);
+TARN_API TextPosition locate(const char* text, std::size_t offset);
 
 }  // namespace util
 }  // namespace libtarn

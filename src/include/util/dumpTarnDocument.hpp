@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace model {
 class LibTarnDocument;
@@ -10,7 +12,7 @@ class LibTarnDocument;
 namespace util {
 
 /// Replaces the content of `out` with the printed document: the declaration and the root.
-void dumpTarnDocument(model::LibTarnDocument& document, std::string& out);
+TARN_API void dumpTarnDocument(model::LibTarnDocument& document, std::string& out);
 
 }  // namespace util
 }  // namespace libtarn

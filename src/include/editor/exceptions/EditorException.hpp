@@ -3,14 +3,17 @@
 #include <stdexcept>
 #include <string>
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace editor {
 namespace exceptions {
 
 /// A conflict between a delta and its source. what() is the whole message. Never leaves
 /// TarnMerge::mergeDocument().
-class EditorException : public std::runtime_error {
+class TARN_API EditorException : public std::runtime_error {
  public:
+  /// `message` is what() as it stands.
   explicit EditorException(const std::string& message);
 };
 

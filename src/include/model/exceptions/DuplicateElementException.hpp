@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/DistinguishedName.hpp"
 #include "model/exceptions/ModelException.hpp"
 
@@ -10,8 +11,9 @@ namespace model {
 namespace exceptions {
 
 /// A second child under a key that is unique.
-class DuplicateElementException : public ModelException {
+class TARN_API DuplicateElementException : public ModelException {
  public:
+  /// `message` is what() as it stands.
   explicit DuplicateElementException(const std::string& message);
 
   /// Instantiated for keys of type DistinguishedName, std::string and const char*.

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/exceptions/ModelException.hpp"
 
 namespace libtarn {
@@ -9,8 +10,9 @@ namespace model {
 namespace exceptions {
 
 /// An attribute with a text that it may not have.
-class InvalidAttributeValueException : public ModelException {
+class TARN_API InvalidAttributeValueException : public ModelException {
  public:
+  /// `message` is what() as it stands.
   explicit InvalidAttributeValueException(const std::string& message);
 
   /// `element`: its tag or path.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/exceptions/ModelException.hpp"
 
 namespace libtarn {
@@ -10,8 +11,9 @@ namespace model {
 namespace exceptions {
 
 /// Too few or too many children of one kind.
-class InvalidChildCountException : public ModelException {
+class TARN_API InvalidChildCountException : public ModelException {
  public:
+  /// `message` is what() as it stands.
   explicit InvalidChildCountException(const std::string& message);
 
   /// `element`: its path; `min` to `max`, inclusive, would do.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TarnApi.hpp"
 #include "model/exceptions/ModelException.hpp"
 
 namespace libtarn {
@@ -7,7 +8,7 @@ namespace model {
 namespace exceptions {
 
 /// A distinguished name that the document's validator rejects.
-class InvalidDistinguishedNameException : public ModelException {
+class TARN_API InvalidDistinguishedNameException : public ModelException {
  public:
   /// `distName` may be null; the message then names none.
   explicit InvalidDistinguishedNameException(const char* distName);

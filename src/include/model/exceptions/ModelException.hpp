@@ -3,13 +3,16 @@
 #include <stdexcept>
 #include <string>
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace model {
 namespace exceptions {
 
 /// A fault in the data of a document. what() is the whole message; nothing else is carried.
-class ModelException : public std::runtime_error {
+class TARN_API ModelException : public std::runtime_error {
  public:
+  /// `message` is what() as it stands.
   explicit ModelException(const std::string& message);
 };
 

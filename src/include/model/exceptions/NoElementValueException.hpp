@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/exceptions/ModelException.hpp"
 
 namespace libtarn {
@@ -9,8 +10,9 @@ namespace model {
 namespace exceptions {
 
 /// An element that must have a text and has none.
-class NoElementValueException : public ModelException {
+class TARN_API NoElementValueException : public ModelException {
  public:
+  /// `message` is what() as it stands.
   explicit NoElementValueException(const std::string& message);
 
   /// `element`: its path.

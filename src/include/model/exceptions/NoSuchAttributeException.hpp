@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/exceptions/ModelException.hpp"
 
 namespace libtarn {
@@ -9,8 +10,9 @@ namespace model {
 namespace exceptions {
 
 /// An attribute that must be there and is absent.
-class NoSuchAttributeException : public ModelException {
+class TARN_API NoSuchAttributeException : public ModelException {
  public:
+  /// `message` is what() as it stands.
   explicit NoSuchAttributeException(const std::string& message);
 
   /// `element`: its tag or path.

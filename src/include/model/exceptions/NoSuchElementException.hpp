@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "TarnApi.hpp"
 #include "model/exceptions/ModelException.hpp"
 
 namespace libtarn {
@@ -9,8 +10,9 @@ namespace model {
 namespace exceptions {
 
 /// A named child that is not there.
-class NoSuchElementException : public ModelException {
+class TARN_API NoSuchElementException : public ModelException {
  public:
+  /// `message` is what() as it stands.
   explicit NoSuchElementException(const std::string& message);
 
   /// Instantiated for keys of type std::string.

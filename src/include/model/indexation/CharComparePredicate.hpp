@@ -2,12 +2,15 @@
 
 #include <cstring>
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace model {
 namespace indexation {
 
 /// Byte order of zero-terminated texts. Null counts as "".
-struct CharComparePredicate {
+struct TARN_API CharComparePredicate {
+  /// Whether `a` comes before `b`, byte by byte; neither is null.
   bool operator()(const char* a, const char* b) const { return compare(a, b) < 0; }
 
   /// Negative, zero or positive as `a` comes before, equals or comes after `b`.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TarnApi.hpp"
 #include "model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
 #include "model/indexation/ITarnUniqueIndex.hpp"
 
@@ -8,8 +9,9 @@ namespace model {
 namespace indexation {
 
 /// Makes the indexes of a document's elements. What it makes must live as long as the document.
-class ITarnIndexFactory {
+class TARN_API ITarnIndexFactory {
  public:
+  /// A new, empty index for the `p`, the lists and the objects of one element; never null.
   virtual ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const = 0;
   virtual ITarnUniqueIndex<List>* createUniqueIndexForList() const = 0;
   virtual ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>*

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 
+#include "TarnApi.hpp"
 #include "model/indexation/TarnCollection.hpp"
 
 namespace libtarn {
@@ -15,7 +16,7 @@ namespace indexation {
 /// Holds pointers only. The keys of an element must not change while it is in the index. Lives as
 /// long as its document's pool; nobody deletes it.
 template <class T>
-class ITarnUniqueAndNonUniqueMultiIndex {
+class TARN_API ITarnUniqueAndNonUniqueMultiIndex {
  public:
   /// False, with nothing changed, when the unique key is taken.
   virtual bool add(T* element) = 0;
@@ -28,7 +29,9 @@ class ITarnUniqueAndNonUniqueMultiIndex {
   virtual ManagedObjectCollection getNonUniqueCollection(const char* key) const = 0;
   /// All elements in byte order of the unique keys.
   virtual ManagedObjectCollection getCollection() const = 0;
+  /// How many elements there are.
   virtual std::size_t size() const = 0;
+  /// Removes all elements.
   virtual void clear() = 0;
 
   virtual ~ITarnUniqueAndNonUniqueMultiIndex() = default;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "TarnApi.hpp"
 #include "model/indexation/TarnCollection.hpp"
 
 namespace libtarn {
@@ -13,7 +14,7 @@ namespace indexation {
 /// Holds pointers only. An element's name must not change while it is in the index. Lives as long
 /// as its document's pool; nobody deletes it.
 template <class T>
-class ITarnUniqueIndex {
+class TARN_API ITarnUniqueIndex {
  public:
   /// False, with nothing changed, when the name is taken.
   virtual bool add(T* element) = 0;
@@ -25,6 +26,7 @@ class ITarnUniqueIndex {
   virtual T* find(const char* name) const = 0;
   /// All entries in byte order of the names.
   virtual TarnCollection<ParameterEntry<T>> getCollection() const = 0;
+  /// How many entries there are.
   virtual std::size_t size() const = 0;
 
   virtual ~ITarnUniqueIndex() = default;

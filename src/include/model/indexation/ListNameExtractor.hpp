@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace model {
 
@@ -8,7 +10,7 @@ class List;
 namespace indexation {
 
 /// The key of an index: the name of a list, "" when it has none. The text is the element's own.
-struct ListNameExtractor {
+struct TARN_API ListNameExtractor {
   const char* operator()(const List* element) const;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace model {
 
@@ -9,7 +11,7 @@ namespace indexation {
 
 /// The key of an index: the class of a managed object, "" when it has none. The text is the
 /// element's own.
-struct ManagedObjectClassNameExtractor {
+struct TARN_API ManagedObjectClassNameExtractor {
   const char* operator()(const LibTarnManagedObject* element) const;
 };
 

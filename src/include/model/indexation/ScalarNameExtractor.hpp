@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace model {
 
@@ -8,7 +10,7 @@ class Scalar;
 namespace indexation {
 
 /// The key of an index: the name of a scalar, "" when it has none. The text is the element's own.
-struct ScalarNameExtractor {
+struct TARN_API ScalarNameExtractor {
   const char* operator()(const Scalar* element) const;
 };
 

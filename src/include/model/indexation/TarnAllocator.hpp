@@ -5,6 +5,7 @@
 #include <new>
 
 #include "IMemoryPool.hpp"
+#include "TarnApi.hpp"
 
 namespace libtarn {
 namespace model {
@@ -13,11 +14,14 @@ namespace indexation {
 /// A standard allocator over a document's pool. Memory given back goes to the pool's
 /// deallocateMemory(), which keeps it. Allocators over one pool are equal.
 template <class T>
-class TarnAllocator {
+class TARN_API TarnAllocator {
  public:
+  /// What is allocated.
   using value_type = T;
 
+  /// From `pool`, which must outlive what is allocated.
   explicit TarnAllocator(libDomXml::IMemoryPool* pool) : pool_(pool) {}
+  /// For another type, from the same pool.
   template <class Other>
   TarnAllocator(const TarnAllocator<Other>& other) : pool_(other.getPool()) {}  // NOLINT: rebinds
 
@@ -31,8 +35,10 @@ class TarnAllocator {
     return static_cast<T*>(memory);
   }
 
+  /// Does nothing: memory goes back with the pool.
   void deallocate(T* memory, std::size_t /*count*/) { pool_->deallocateMemory(memory); }
 
+  /// The pool.
   libDomXml::IMemoryPool* getPool() const { return pool_; }
 
  private:

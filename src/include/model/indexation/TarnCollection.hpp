@@ -6,6 +6,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "TarnApi.hpp"
+
 namespace libtarn {
 namespace model {
 
@@ -19,6 +21,7 @@ namespace indexation {
 /// follows, null for the last one.
 template <class Entry>
 struct EntryRun {
+  /// The first entry, the end behind the last one, and the next piece.
   const Entry* begin;
   const Entry* end;
   const EntryRun* next;
@@ -30,6 +33,7 @@ using ParameterEntry = std::pair<const char*, T*>;
 
 /// A managed object in an index: its key text, the element, and the number of its insertion.
 struct ManagedObjectEntry {
+  /// The parts; the key lives as long as the element keeps its name.
   const char* key;
   LibTarnManagedObject* object;
   std::size_t serial;
@@ -37,6 +41,7 @@ struct ManagedObjectEntry {
 
 /// A managed object on its way into an index: its key text, a hash of it, and the element.
 struct HashedObject {
+  /// The parts.
   const char* key;
   LibTarnManagedObject* object;
   std::uint32_t hash;
@@ -45,6 +50,7 @@ struct HashedObject {
 /// What a step through a collection gives: the entry itself ...
 template <class Entry>
 struct CollectionItem {
+  /// What a step gives, and how it is made of an entry.
   using type = const Entry&;
   static type of(const Entry& entry) { return entry; }
 };
@@ -52,6 +58,7 @@ struct CollectionItem {
 /// ... but for a managed object the element.
 template <>
 struct CollectionItem<ManagedObjectEntry> {
+  /// What a step gives, and how it is made of an entry.
   using type = LibTarnManagedObject*;
   static type of(const ManagedObjectEntry& entry) { return entry.object; }
 };
@@ -62,10 +69,12 @@ struct CollectionItem<ManagedObjectEntry> {
 /// index or removed from it. A walk through all entries ends even then, but may miss entries or
 /// meet removed ones. A host that writes an index of its own makes a collection from an EntryRun.
 template <class Entry>
-class TarnCollection {
+class TARN_API TarnCollection {
  public:
+  /// A forward iterator over the entries.
   class iterator {
    public:
+    /// As the standard library asks.
     using iterator_category = std::forward_iterator_tag;
     using reference = typename CollectionItem<Entry>::type;
     using value_type = std::decay_t<reference>;
@@ -79,9 +88,11 @@ class TarnCollection {
       leaveFinishedRuns();
     }
 
+    /// The item, and the entry behind it.
     reference operator*() const { return CollectionItem<Entry>::of(*current_); }
     pointer operator->() const { return current_; }
 
+    /// To the next item.
     iterator& operator++() {
       ++current_;
       leaveFinishedRuns();
@@ -93,6 +104,7 @@ class TarnCollection {
       return before;
     }
 
+    /// Whether both are at the same entry, or at the end.
     bool operator==(const iterator& other) const { return current_ == other.current_; }
     bool operator!=(const iterator& other) const { return !(*this == other); }
 
@@ -108,6 +120,7 @@ class TarnCollection {
     const Entry* current_ = nullptr;
     const EntryRun<Entry>* run_ = nullptr;
   };
+  /// Items cannot be changed.
   using const_iterator = iterator;
 
   /// No entries.
@@ -116,6 +129,7 @@ class TarnCollection {
   /// All entries of `run` and of those that follow it.
   explicit TarnCollection(const EntryRun<Entry>& run) : begin_(run.begin, &run) {}
 
+  /// The range of the items.
   iterator begin() const { return begin_; }
   iterator end() const { return end_; }
   bool empty() const { return begin_ == end_; }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "IMemoryPool.hpp"
+#include "TarnApi.hpp"
 #include "model/indexation/ITarnIndexFactory.hpp"
 
 namespace libtarn {
@@ -8,10 +9,12 @@ namespace model {
 namespace indexation {
 
 /// Makes indexes in a pool. Each operation gives null when the pool has no memory for the index.
-class TarnIndexFactory : public ITarnIndexFactory {
+class TARN_API TarnIndexFactory : public ITarnIndexFactory {
  public:
+  /// Makes indexes in `pool`, which must outlive it.
   explicit TarnIndexFactory(libDomXml::IMemoryPool& pool) : pool_(pool) {}
 
+  /// A new, empty index in the pool, or null.
   ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const override;
   ITarnUniqueIndex<List>* createUniqueIndexForList() const override;
   ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* createUniqueAndNonUniqueMultiIndex()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "IMemoryPool.hpp"
+#include "TarnApi.hpp"
 #include "model/indexation/ITarnUniqueIndex.hpp"
 #include "model/indexation/ListNameExtractor.hpp"
 #include "model/indexation/ScalarNameExtractor.hpp"
@@ -19,7 +20,7 @@ struct NamedEntries;
 /// taken from the pool before the first add. When the pool has no memory the operation throws
 /// std::bad_alloc and changes nothing. Instantiated for Scalar and List.
 template <class T, class Extractor>
-class TarnMapIndex : public ITarnUniqueIndex<T> {
+class TARN_API TarnMapIndex : public ITarnUniqueIndex<T> {
  public:
   explicit TarnMapIndex(libDomXml::IMemoryPool& pool) : pool_(&pool) {}
 

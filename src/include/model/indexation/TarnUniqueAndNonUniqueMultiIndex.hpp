@@ -1,6 +1,7 @@
 #pragma once
 
 #include "IMemoryPool.hpp"
+#include "TarnApi.hpp"
 #include "model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
 #include "model/indexation/ManagedObjectClassNameExtractor.hpp"
 #include "model/indexation/ManagedObjectDistNameExtractor.hpp"
@@ -24,7 +25,7 @@ struct SharedKeyOrder;
 /// nothing.
 /// Instantiated for LibTarnManagedObject.
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-class TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUniqueMultiIndex<T> {
+class TARN_API TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUniqueMultiIndex<T> {
  public:
   explicit TarnUniqueAndNonUniqueMultiIndex(libDomXml::IMemoryPool& pool) : pool_(&pool) {}
 

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "TarnApi.hpp"
+
 namespace libDomXml {
 class IDomElement;
 }
@@ -35,8 +37,9 @@ struct Violation;
 /// The elements drive the walk: TarnDomElement::accept() puts the element on the path, lets the
 /// validator visit it, then its children. Holds pointers into the document while the walk runs.
 /// Allocates for messages and for a path deeper than before, not for each element. One thread.
-class Validator {
+class TARN_API Validator {
  public:
+  /// All violations.
   static constexpr std::size_t NO_LIMIT = std::numeric_limits<std::size_t>::max();
 
   /// With a `collector`, which stays the caller's, the rules throw nothing: the first `limit`
@@ -80,6 +83,7 @@ class Validator {
   template <class Child>
   void validateAtLeastOneChild(const IElement& element) const;
 
+  /// The rules for one element of each kind, its children not included.
   void visit(const LibTarnDocumentInternal& root);
   void visit(const LibTarnCmDataImp& cmData);
   void visit(const LibTarnHeaderImp& header);

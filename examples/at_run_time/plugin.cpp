@@ -1,0 +1,14 @@
+// What the program loads. Built together with host_logger.cpp: the library finds Logger::print in
+// what brought it along.
+
+#include "../host/files.hpp"
+#include "libtarn.hpp"
+
+using libtarn::model::LibTarnDocument;
+
+/// The number of managed objects of the document in a file, or -1 when it cannot be loaded.
+extern "C" [[gnu::visibility("default")]] long countObjects(const char* path) {
+  LibTarnDocument document;
+  if (document.parse(readText(path), true) != 0) return -1;
+  return static_cast<long>(document.getLibTarnCmData()->getManagedObjectNumber());
+}

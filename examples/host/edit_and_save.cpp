@@ -1,0 +1,68 @@
+// Changes a document (values, parameters, lists, objects and names) and writes it.
+//
+// Usage: edit_and_save DOCUMENT RESULT
+
+#include "files.hpp"
+#include "libtarn.hpp"
+
+using libtarn::model::LibTarnCmData;
+using libtarn::model::LibTarnDocument;
+using libtarn::model::LibTarnManagedObject;
+using libtarn::model::List;
+using libtarn::model::Scalar;
+using libtarn::util::TarnFactory;
+
+int main(int argc, char** argv) {
+  if (argc != 3) return 64;
+  LibTarnDocument document;
+  if (document.parse(readText(argv[1]), true) != 0) return 1;
+  LibTarnCmData& cmData = *document.getLibTarnCmData();
+  // New elements come from the document's factory: they live in its memory, and nobody deletes
+  // them. Until it is added, an element is in no tree.
+  TarnFactory& factory = document.getFactory();
+
+  // A value.
+  LibTarnManagedObject* const site = cmData.getLibTarnManagedObject("NET-1/SITE-7");
+  if (!site) return 4;
+  if (Scalar* const name = site->getScalarParameter("name")) name->setValue("Delphi <north>");
+
+  // A parameter, which a second one of its name does not replace.
+  if (site->addParameter(*factory.createScalar("rent", "1200")) != 0) return 3;
+  const bool refused = site->addParameter(*factory.createScalar("rent", "1300")) == 1;
+  std::cout << "a second rent is " << (refused ? "refused" : "taken") << '\n';
+  site->removeScalarParameter("altitude");
+
+  // A list of structured values.
+  List* const keys = factory.createList("keys");
+  for (const char* const holder : {"operator", "landlord"}) {
+    auto* const item = factory.createStructure();
+    item->addComponent(*factory.createScalar("holder", holder));
+    item->addComponent(*factory.createScalar("count", "2"));
+    keys->addValue(*item);
+  }
+  site->addParameter(*keys);
+
+  // An object. A name that breaks the rules of names gives none.
+  const bool isName = factory.createLibTarnManagedObject("SITE", "NET-1/", "3.2") != nullptr;
+  std::cout << "NET-1/ is " << (isName ? "a name" : "no name") << '\n';
+  if (auto* const power =
+          factory.createLibTarnManagedObject("POWER", "NET-1/SITE-7/POWER-2", "3.2")) {
+    power->addParameter(*factory.createScalar("source", "solar"));
+    cmData.addLibTarnManagedObject(*power);
+  }
+
+  // Names are changed through the object, so that the index of names keeps in step.
+  if (site->setDistName("NET-1/SITE-70") != 0) return 3;
+  std::cout << (cmData.getLibTarnManagedObject("NET-1/SITE-70") == site ? "found" : "lost")
+            << " by its new name\n";
+  if (cmData.removeLibTarnManagedObject("NET-1/LINK-7") == 2) std::cout << "no NET-1/LINK-7\n";
+
+  // What has been edited need not follow the rules of the format any longer.
+  if (document.validate() != 0) {
+    std::cout << document.getDiagnostic().message << '\n';
+    return 2;
+  }
+  std::string text;
+  libtarn::util::dumpTarnDocument(document, text);
+  return writeText(argv[2], text) ? 0 : 5;
+}

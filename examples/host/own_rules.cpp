@@ -1,0 +1,125 @@
+// Brings rules of the host's own into a document: which names objects may have, and what keeps the
+// parameters of an object.
+//
+// Usage: own_rules DOCUMENT
+
+#include <algorithm>
+#include <cstring>
+#include <deque>
+
+#include "files.hpp"
+#include "libtarn.hpp"
+#include "model/DistinguishedNameValidator.hpp"
+#include "model/indexation/TarnIndexFactory.hpp"
+
+using libtarn::model::DistinguishedNameValidator;
+using libtarn::model::IDistinguishedNameValidator;
+using libtarn::model::LibTarnDocument;
+using libtarn::model::LibTarnManagedObject;
+using libtarn::model::List;
+using libtarn::model::Scalar;
+using libtarn::model::TarnDomDocument;
+namespace indexation = libtarn::model::indexation;
+
+namespace {
+
+// This host's networks have no names below a site.
+class FlatNames : public IDistinguishedNameValidator {
+ public:
+  bool isValid(const char* distName) const override {
+    return formatRules_.isValid(distName) &&
+           std::count(distName, distName + std::strlen(distName), '/') <= 1;
+  }
+
+ private:
+  DistinguishedNameValidator formatRules_;
+};
+
+// The parameters of an object in a sorted vector.
+class VectorIndex : public indexation::ITarnUniqueIndex<Scalar> {
+ public:
+  using Entry = indexation::ParameterEntry<Scalar>;
+
+  bool add(Scalar* parameter) override {
+    // A name lives as long as its document. A `p` without one counts as having an empty name.
+    const char* const name = parameter->getName() ? parameter->getName() : "";
+    const auto place = placeOf(name);
+    if (place != entries_.end() && std::strcmp(place->first, name) == 0) return false;
+    entries_.insert(place, {name, parameter});
+    return true;
+  }
+  bool remove(Scalar* parameter) override { return remove(parameter->getId().c_str()); }
+  bool remove(const char* name) override {
+    const auto place = placeOf(name);
+    if (place == entries_.end() || std::strcmp(place->first, name) != 0) return false;
+    entries_.erase(place);
+    return true;
+  }
+  Scalar* find(const char* name) const override {
+    const auto place = const_cast<VectorIndex*>(this)->placeOf(name);
+    const bool found = place != entries_.end() && std::strcmp(place->first, name) == 0;
+    return found ? place->second : nullptr;
+  }
+  // A collection borrows one piece of memory with all entries in order.
+  indexation::ScalarCollection getCollection() const override {
+    run_ = {entries_.data(), entries_.data() + entries_.size(), nullptr};
+    return indexation::ScalarCollection(run_);
+  }
+  std::size_t size() const override { return entries_.size(); }
+
+ private:
+  std::vector<Entry>::iterator placeOf(const char* name) {
+    return std::lower_bound(
+        entries_.begin(), entries_.end(), name,
+        [](const Entry& entry, const char* key) { return std::strcmp(entry.first, key) < 0; });
+  }
+
+  std::vector<Entry> entries_;
+  mutable indexation::EntryRun<Entry> run_{};
+};
+
+// Indexes must live as long as their document: this factory owns its own ones and leaves the others
+// to the library's, which makes them in the document's memory.
+class IndexFactory : public indexation::ITarnIndexFactory {
+ public:
+  void useMemoryOf(TarnDomDocument& document) {
+    others_ = std::make_unique<indexation::TarnIndexFactory>(document);
+  }
+  indexation::ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const override {
+    return &scalarIndexes_.emplace_back();
+  }
+  indexation::ITarnUniqueIndex<List>* createUniqueIndexForList() const override {
+    return others_->createUniqueIndexForList();
+  }
+  indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>*
+  createUniqueAndNonUniqueMultiIndex() const override {
+    return others_->createUniqueAndNonUniqueMultiIndex();
+  }
+  std::size_t count() const { return scalarIndexes_.size(); }
+
+ private:
+  mutable std::deque<VectorIndex> scalarIndexes_;
+  std::unique_ptr<indexation::TarnIndexFactory> others_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) return 64;
+  // Both stay the host's, and outlive the document.
+  FlatNames names;
+  IndexFactory indexes;
+  auto* const domDocument = new TarnDomDocument(&names, &indexes);
+  indexes.useMemoryOf(*domDocument);
+  LibTarnDocument document(domDocument);
+
+  if (document.parse(readText(argv[1]), false) != 0) return 1;
+  const auto* const site = document.getLibTarnCmData()->getLibTarnManagedObject("NET-1/SITE-7");
+  if (!site) return 4;
+  for (const auto& [name, parameter] : site->getScalarParameters()) {
+    std::cout << name << " = " << parameter->getValue() << '\n';
+  }
+  std::cout << (indexes.count() > 0 ? "kept in vectors\n" : "kept elsewhere\n");
+  if (document.validate() != 0) std::cout << document.getDiagnostic().message << '\n';
+  return 0;
+}
