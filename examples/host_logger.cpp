@@ -9,6 +9,6 @@
 // several threads log; what it throws would be dropped.
 void libtarn::util::Logger::print(Level level, const char* location, const char* function,
                                   const char* message) {
-  if (level == Level::DEBUG) return;
-  std::fprintf(stderr, "%s %s %s: %s\n", level.toString().c_str(), location, function, message);
+  if (level != Level::ERROR) return;
+  std::fprintf(stderr, "%s %s: %s\n", location, function, message);
 }

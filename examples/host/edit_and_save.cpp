@@ -55,7 +55,7 @@ int main(int argc, char** argv) {
   if (site->setDistName("NET-1/SITE-70") != 0) return 3;
   std::cout << (cmData.getLibTarnManagedObject("NET-1/SITE-70") == site ? "found" : "lost")
             << " by its new name\n";
-  if (cmData.removeLibTarnManagedObject("NET-1/LINK-7") == 2) std::cout << "no NET-1/LINK-7\n";
+  if (cmData.removeLibTarnManagedObject("NET-1/LINK-99") == 2) std::cout << "no NET-1/LINK-99\n";
 
   // What has been edited need not follow the rules of the format any longer.
   if (document.validate() != 0) {

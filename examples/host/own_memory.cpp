@@ -1,8 +1,13 @@
-// Gives a document memory from the host's own budget, and tells what the document costs.
+// Keeps documents within a budget of the host's, and tells what a document costs.
 //
 // Usage: own_memory DOCUMENT
+//
+// A document that is made with the host's own parts takes its blocks from the heap (one that is not
+// maps memory). So a host that counts its heap counts its documents.
 
+#include <cstddef>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -21,27 +26,11 @@ namespace indexation = libtarn::model::indexation;
 
 namespace {
 
-// Bytes that documents may still take. Documents of several threads would share an atomic.
-std::size_t budget = 0;
+// Bytes that may still be taken. A host with several threads makes it atomic.
+std::size_t budget = std::numeric_limits<std::size_t>::max();
 
-// A block with its size in front, aligned as malloc() aligns. Null is not allowed as an answer: it
-// would stop the process. An exception leaves the document as it is, to be destroyed.
+// A block has its size in front, aligned as malloc() aligns.
 constexpr std::size_t PREFIX = alignof(std::max_align_t);
-
-void* allocate(std::size_t size) {
-  if (size > budget) throw std::bad_alloc();
-  auto* const memory = static_cast<char*>(std::malloc(PREFIX + size));
-  if (!memory) throw std::bad_alloc();
-  budget -= size;
-  *reinterpret_cast<std::size_t*>(memory) = size;
-  return memory + PREFIX;
-}
-
-void release(void* block) {
-  char* const memory = static_cast<char*>(block) - PREFIX;
-  budget += *reinterpret_cast<std::size_t*>(memory);
-  std::free(memory);
-}
 
 // Indexes are to be in the document's memory, too, which is there only after the factory.
 class IndexFactory : public indexation::ITarnIndexFactory {
@@ -64,33 +53,55 @@ class IndexFactory : public indexation::ITarnIndexFactory {
   std::unique_ptr<indexation::TarnIndexFactory> factory_;
 };
 
-void load(const char* path, std::size_t bytes) {
-  budget = bytes;
-  DistinguishedNameValidator names;
-  IndexFactory indexes;
+bool load(const char* path, std::size_t bytes) {
   std::vector<char> text = readText(path);
+  if (text.empty()) return false;
   const std::size_t textSize = text.size();
+  const std::size_t before = budget;
+  budget = bytes;
   try {
-    auto domDocument = std::make_unique<TarnDomDocument>(&names, &indexes);
-    // Before the document has taken anything.
-    domDocument->set_allocator(&allocate, &release);
+    DistinguishedNameValidator names;
+    IndexFactory indexes;
+    auto* const domDocument = new TarnDomDocument(&names, &indexes);
+    LibTarnDocument document(domDocument);
     indexes.useMemoryOf(*domDocument);
-    LibTarnDocument document(domDocument.release());
-    if (document.parse(std::move(text), true) != 0) return;
-    const bool cheap = document.getMemorySize() < 12 * textSize;
-    std::cout << bytes / 1024 << " KiB are enough; the document takes " << (cheap ? "less" : "more")
+    if (document.parse(std::move(text), true) != 0) return false;
+    std::cout << bytes / 1024 << " KiB are enough; the document takes "
+              << (document.getMemorySize() < 12 * textSize ? "less" : "more")
               << " than 12 times its text\n";
   } catch (const std::bad_alloc&) {
+    // What was taken for the document has gone back.
     std::cout << bytes / 1024 << " KiB are too few\n";
   }
-  std::cout << (budget == bytes ? "all of them came back\n" : "some are lost\n");
+  budget = before;
+  return true;
 }
 
 }  // namespace
 
+void* operator new(std::size_t size) {
+  void* const memory = size <= budget ? std::malloc(PREFIX + size) : nullptr;
+  if (!memory) throw std::bad_alloc();
+  budget -= size;
+  *static_cast<std::size_t*>(memory) = size;
+  return static_cast<char*>(memory) + PREFIX;
+}
+
+void operator delete(void* memory) noexcept {
+  if (!memory) return;
+  char* const block = static_cast<char*>(memory) - PREFIX;
+  budget += *reinterpret_cast<std::size_t*>(block);
+  std::free(block);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept { operator delete(memory); }
+void* operator new[](std::size_t size) { return operator new(size); }
+void operator delete[](void* memory) noexcept { operator delete(memory); }
+void operator delete[](void* memory, std::size_t /*size*/) noexcept { operator delete(memory); }
+
 int main(int argc, char** argv) {
   if (argc != 2) return 64;
-  load(argv[1], std::size_t{64} * 1024);
-  load(argv[1], std::size_t{4096} * 1024);
-  return 0;
+  const bool loaded =
+      load(argv[1], std::size_t{64} * 1024) && load(argv[1], std::size_t{4096} * 1024);
+  return loaded ? 0 : 5;
 }

@@ -51,7 +51,7 @@ NET-1/SITE-3/RADIO-3/CELL-1 transmits with 430
 a second rent is refused
 NET-1/ is no name
 found by its new name
-no NET-1/LINK-7
+no NET-1/LINK-99
 """)
         self.expect(run(TARN, "check", path), 0, f"{path}: ok\n")
         self.expect(run(TARN, "get", path, "NET-1/SITE-70", "name"), 0, "Delphi <north>\n")
@@ -70,25 +70,24 @@ no NET-1/LINK-7
         self.assertRegex(lines[1], "^examples/conflict.xml: refused: .*NET-1/")
         expected = self.path("expected.xml")
         run(TARN, "merge", NETWORK, "examples/upgrade.xml", "-o", expected)
-        # The library prints the document with a line feed of its own behind the last one.
-        self.assertEqual(self.read(path), self.read(expected) + b"\n")
+        self.assertEqual(self.read(path), self.read(expected))
 
     def test_own_rules(self):
-        self.expect(program("own_rules", NETWORK), 0, """\
+        result = program("own_rules", NETWORK)
+        self.assertIn(b"validate: Validation failed: Invalid distinguished name", result.stderr)
+        self.assertEqual((result.returncode, result.stdout.decode()), (0, """\
 altitude = 42
 latitude = 59.05518
 longitude = 19.88998
 name = Δελφοί
 kept in vectors
 Invalid distinguished name: 'NET-1/SITE-1/CLOCK-1'
-""")
+"""))
 
     def test_own_memory(self):
         self.expect(program("own_memory", NETWORK), 0, """\
 64 KiB are too few
-all of them came back
 4096 KiB are enough; the document takes less than 12 times its text
-all of them came back
 """)
 
     def test_files_that_cannot_be_read(self):
