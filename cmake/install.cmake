@@ -23,6 +23,8 @@ install(FILES ${PROJECT_BINARY_DIR}/tarnConfig.cmake ${PROJECT_BINARY_DIR}/tarnC
   DESTINATION ${package_folder} COMPONENT development)
 install(EXPORT tarnTargets NAMESPACE tarn:: DESTINATION ${package_folder} COMPONENT development)
 
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
+  OUTPUT_VARIABLE prefix_of_package)
 configure_file(cmake/tarn.pc.in ${PROJECT_BINARY_DIR}/tarn.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tarn.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

@@ -50,15 +50,24 @@ class TARN_API Enum {
 
   /// The constants of the set by their texts, and the texts by ordinal.
   static std::map<std::string, const Enum*, std::less<>>& getStringToEnum() {
-    static std::map<std::string, const Enum*, std::less<>> table;
-    return table;
+    return tables().stringToEnum;
   }
-  static std::map<int, std::string>& getOrdinalToString() {
-    static std::map<int, std::string> table;
-    return table;
-  }
+  static std::map<int, std::string>& getOrdinalToString() { return tables().ordinalToString; }
 
  private:
+  struct Tables {
+    std::map<std::string, const Enum*, std::less<>> stringToEnum;
+    std::map<int, std::string> ordinalToString;
+  };
+
+  // There before the first constant. Host and library share them: compilers agree on the name of
+  // what is static here only as long as the type that is returned is none of the standard
+  // library's.
+  static Tables& tables() {
+    static Tables tables;
+    return tables;
+  }
+
   int ordinal_;
   bool valid_;
 };
