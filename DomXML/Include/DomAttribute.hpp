@@ -11,9 +11,9 @@ namespace libDomXml {
 /// Lives in its document's pool until the document goes, also after it has been removed.
 class TARN_API DomAttribute : public rapidxml::xml_attribute<char> {
  public:
-  // The links of the record are set when it is linked.
+  /// A detached attribute without name and value, to be made in `pool`. The links of the record are
+  /// set when it is linked.
   // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.UninitializedObject)
-  /// A detached attribute without name and value, to be made in `pool`.
   explicit DomAttribute(IMemoryPool* pool) : domFactory_(pool) {}
 
   /// Pool objects are not freed one by one.
