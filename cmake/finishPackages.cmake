@@ -18,7 +18,7 @@ foreach(pair IN LISTS CPACK_TARN_PACKAGES)
   file(WRITE ${documents}/copyright "${copyright}")
   string(TIMESTAMP date "%a, %d %b %Y 00:00:00 +0000" UTC)
   file(WRITE ${documents}/changelog.Debian
-    "libtarn (${CPACK_PACKAGE_VERSION}) unstable; urgency=medium\n\n"
+    "libtarn (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; urgency=medium\n\n"
     "  * Release ${CPACK_PACKAGE_VERSION}; what changed is in CHANGELOG.md of the sources.\n\n"
     " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
   file(GLOB_RECURSE manuals ${share}/man/*.1)
