@@ -8,21 +8,16 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
-#include <memory>
 #include <new>
 
+#include "DocumentIndexes.hpp"
 #include "files.hpp"
 #include "libtarn.hpp"
 #include "model/DistinguishedNameValidator.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
 
 using libtarn::model::DistinguishedNameValidator;
 using libtarn::model::LibTarnDocument;
-using libtarn::model::LibTarnManagedObject;
-using libtarn::model::List;
-using libtarn::model::Scalar;
 using libtarn::model::TarnDomDocument;
-namespace indexation = libtarn::model::indexation;
 
 namespace {
 
@@ -32,27 +27,6 @@ std::size_t budget = std::numeric_limits<std::size_t>::max();
 // A block has its size in front, aligned as malloc() aligns.
 constexpr std::size_t PREFIX = alignof(std::max_align_t);
 
-// Indexes are to be in the document's memory, too, which is there only after the factory.
-class IndexFactory : public indexation::ITarnIndexFactory {
- public:
-  void useMemoryOf(TarnDomDocument& document) {
-    factory_ = std::make_unique<indexation::TarnIndexFactory>(document);
-  }
-  indexation::ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const override {
-    return factory_->createUniqueScalarNameTarnIndex();
-  }
-  indexation::ITarnUniqueIndex<List>* createUniqueIndexForList() const override {
-    return factory_->createUniqueIndexForList();
-  }
-  indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>*
-  createUniqueAndNonUniqueMultiIndex() const override {
-    return factory_->createUniqueAndNonUniqueMultiIndex();
-  }
-
- private:
-  std::unique_ptr<indexation::TarnIndexFactory> factory_;
-};
-
 bool load(const char* path, std::size_t bytes) {
   std::vector<char> text = readText(path);
   if (text.empty()) return false;
@@ -61,7 +35,8 @@ bool load(const char* path, std::size_t bytes) {
   budget = bytes;
   try {
     DistinguishedNameValidator names;
-    IndexFactory indexes;
+    // Indexes are to be in the document's memory, too.
+    DocumentIndexes indexes;
     auto* const domDocument = new TarnDomDocument(&names, &indexes);
     LibTarnDocument document(domDocument);
     indexes.useMemoryOf(*domDocument);

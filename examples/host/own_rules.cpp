@@ -7,16 +7,14 @@
 #include <cstring>
 #include <deque>
 
+#include "DocumentIndexes.hpp"
 #include "files.hpp"
 #include "libtarn.hpp"
 #include "model/DistinguishedNameValidator.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
 
 using libtarn::model::DistinguishedNameValidator;
 using libtarn::model::IDistinguishedNameValidator;
 using libtarn::model::LibTarnDocument;
-using libtarn::model::LibTarnManagedObject;
-using libtarn::model::List;
 using libtarn::model::Scalar;
 using libtarn::model::TarnDomDocument;
 namespace indexation = libtarn::model::indexation;
@@ -78,28 +76,17 @@ class VectorIndex : public indexation::ITarnUniqueIndex<Scalar> {
   mutable indexation::EntryRun<Entry> run_{};
 };
 
-// Indexes must live as long as their document: this factory owns its own ones and leaves the others
-// to the library's, which makes them in the document's memory.
-class IndexFactory : public indexation::ITarnIndexFactory {
+// Indexes must live as long as their document: this factory owns its own ones, and leaves those of
+// lists and objects to the library.
+class IndexFactory : public DocumentIndexes {
  public:
-  void useMemoryOf(TarnDomDocument& document) {
-    others_ = std::make_unique<indexation::TarnIndexFactory>(document);
-  }
   indexation::ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const override {
     return &scalarIndexes_.emplace_back();
-  }
-  indexation::ITarnUniqueIndex<List>* createUniqueIndexForList() const override {
-    return others_->createUniqueIndexForList();
-  }
-  indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>*
-  createUniqueAndNonUniqueMultiIndex() const override {
-    return others_->createUniqueAndNonUniqueMultiIndex();
   }
   std::size_t count() const { return scalarIndexes_.size(); }
 
  private:
   mutable std::deque<VectorIndex> scalarIndexes_;
-  std::unique_ptr<indexation::TarnIndexFactory> others_;
 };
 
 }  // namespace
