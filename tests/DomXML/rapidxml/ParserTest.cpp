@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "rapidxml/rapidxml_print.hpp"
 #include "support/SmallStack.hpp"
@@ -145,6 +146,7 @@ TEST(ParserTest, FaultsAreToldWithTheirPosition) {
       {"<a>&#x110000;</a>", "invalid numeric character entity", 12},
       {"<a>&#99999999999999999999;</a>", "invalid numeric character entity", 25},
       {"<a>&#4294967361;</a>", "invalid numeric character entity", 15},
+      {"<a>&#11141110;</a>", "invalid numeric character entity", 13},
       {"<a>&#65</a>", "expected ;", 7},
       {"<a>&#x4g;</a>", "expected ;", 7},
       {"<a x='&#65'/>", "expected ;", 10},
@@ -199,6 +201,52 @@ TEST(ParserTest, CompleteNodesStayLinkedAfterAFaultAndOpenOnesAreDetached) {
   EXPECT_EQ(tarn_test::dump(document), "{a}");
 }
 
+TEST(ParserTest, OpenElementsAreLeftDetachedAndWithoutTheBlanksBehindTheirTag) {
+  struct Keeping : xml_document<char> {
+    std::vector<rapidxml::xml_node<char>*> made;
+    rapidxml::xml_node<char>* allocate_node(rapidxml::node_type type, const char* name,
+                                            const char* value, std::size_t nameSize,
+                                            std::size_t valueSize) override {
+      made.push_back(xml_document::allocate_node(type, name, value, nameSize, valueSize));
+      return made.back();
+    }
+  };
+  Keeping document;
+  std::string text = "<a><b><c> ";
+  char* cursor = text.data();
+  EXPECT_THROW(document.parse<33>(cursor), parse_error);
+  ASSERT_EQ(document.made.size(), 3U);
+  for (const auto* element : document.made) {
+    EXPECT_EQ(element->parent(), nullptr);
+    EXPECT_EQ(element->value_size(), 0U);
+    EXPECT_STREQ(element->value(), "");
+  }
+}
+
+TEST(ParserTest, NodeThatIsLinkedAlreadyIsAnAssertion) {
+  struct Repeating : xml_document<char> {
+    rapidxml::xml_node<char>* node = nullptr;
+    rapidxml::xml_node<char>* allocate_node(rapidxml::node_type type, const char* name,
+                                            const char* value, std::size_t nameSize,
+                                            std::size_t valueSize) override {
+      if (!node) node = xml_document::allocate_node(type, name, value, nameSize, valueSize);
+      return node;
+    }
+  };
+  Repeating document;
+  std::string text = "<a/><b/>";
+  char* cursor = text.data();
+  EXPECT_DEATH(document.parse<33>(cursor), "assertion failed: child && !child->parent");
+}
+
+TEST(ParserTest, EqualSignsBecomeZero) {
+  std::string text = "<a x='1' y = '2'/>";
+  xml_document<char> document;
+  char* cursor = text.data();
+  document.parse<33>(cursor);
+  EXPECT_EQ(text.find('='), std::string::npos);
+}
+
 TEST(ParserTest, SecondParseDetachesTheFirst) {
   std::string first = "<a/>";
   std::string second = "<b/>";
@@ -212,7 +260,8 @@ TEST(ParserTest, SecondParseDetachesTheFirst) {
   EXPECT_EQ(tarn_test::dump(document), "{b}");
 }
 
-// The cursor given to parse() is at the name when the element is asked for.
+// The cursor given to parse() is at the name when an element is asked for, and behind it when an
+// attribute is.
 TEST(ParserTest, AllocationHooksAreCalledInOrderWithTheCursorAtTheName) {
   struct Watching : xml_document<char> {
     char* position = nullptr;
@@ -228,15 +277,15 @@ TEST(ParserTest, AllocationHooksAreCalledInOrderWithTheCursorAtTheName) {
                                                       std::size_t nameSize,
                                                       std::size_t valueSize) override {
       EXPECT_TRUE(!name && !value && nameSize == 0 && valueSize == 0);
-      calls += '@';
+      calls += std::string("@") + *position;
       return xml_document::allocate_attribute(name, value, nameSize, valueSize);
     }
   };
   Watching document;
-  std::string text = "<?xml v='1'?><a x='1' y='2'><b/>t<c z=''/></a>";
+  std::string text = "<?xml v='1'?><a x='1' y='2'><b/>t<c z =''/></a>";
   document.position = text.data();
   document.parse<33>(document.position);
-  EXPECT_EQ(document.calls, "5v@1a@@1b1c@");
+  EXPECT_EQ(document.calls, "5v@=1a@=@=1b1c@ ");
 }
 
 TEST(ParserTest, AMillionNestedElementsParseAndPrintOnASmallStack) {
