@@ -14,12 +14,16 @@ namespace {
 
 constexpr std::size_t GIB = std::size_t{1} << 30;
 
-TEST(LargeTextTest, AGibibyteOfValue) {
-  const std::string before = "<a b=\"";
-  const std::string after = "\">y</a>";
-  std::vector<char> text(before.size() + GIB + after.size() + 1, 'x');
+// `size` characters between two texts, with the zero byte.
+std::vector<char> around(const std::string& before, std::size_t size, const std::string& after) {
+  std::vector<char> text(before.size() + size + after.size() + 1, 'x');
   std::copy(before.begin(), before.end(), text.begin());
-  std::memcpy(text.data() + before.size() + GIB, after.c_str(), after.size() + 1);
+  std::memcpy(text.data() + before.size() + size, after.c_str(), after.size() + 1);
+  return text;
+}
+
+TEST(LargeTextTest, AGibibyteOfValue) {
+  std::vector<char> text = around("<a b=\"", GIB, "\">y</a>");
   libDomXml::DomDocument document(false);
   ASSERT_EQ(document.rapidParse(text.data()), 0);
   const rapidxml::xml_node<char>& element = *document.first_node();
@@ -30,6 +34,13 @@ TEST(LargeTextTest, AGibibyteOfValue) {
   EXPECT_EQ(out.size(), GIB + std::strlen("<a b=\"\">y</a>\n\n"));
 }
 
+TEST(LargeTextTest, ValueOfAllThat32BitsCount) {
+  std::vector<char> text = around("<a>", 4 * GIB - 1, "</a>");
+  libDomXml::DomDocument document(false);
+  ASSERT_EQ(document.rapidParse(text.data()), 0);
+  EXPECT_EQ(document.first_node()->value_size(), 4 * GIB - 1);
+}
+
 TEST(LargeTextTest, TextsBeyond32BitsAreRefused) {
   struct Case {
     const char* before;
@@ -38,9 +49,7 @@ TEST(LargeTextTest, TextsBeyond32BitsAreRefused) {
   for (const Case& each :
        {Case{"<a b='", "'/>"}, Case{"<a>", "</a>"}, Case{"<", "/>"}, Case{"<a ", "='x'/>"}}) {
     SCOPED_TRACE(each.before);
-    std::vector<char> text(each.before, each.before + std::strlen(each.before));
-    text.resize(text.size() + 4 * GIB, 'x');
-    text.insert(text.end(), each.after, each.after + std::strlen(each.after) + 1);
+    std::vector<char> text = around(each.before, 4 * GIB, each.after);
     libDomXml::DomDocument document(false);
     EXPECT_EQ(document.rapidParse(text.data()), 1);
   }

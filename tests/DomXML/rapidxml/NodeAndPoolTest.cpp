@@ -95,6 +95,10 @@ TEST_F(NodeTreeTest, LookUpsFindByNameInBothDirections) {
   EXPECT_NE(root->first_node("b"), root->last_node("b"));
   EXPECT_EQ(root->first_node("abc", 1), root->first_node());
   EXPECT_EQ(root->last_node("a", 0, false), root->first_node("A"));
+  // Names that are compared whatever their case, up to the last letter and no further.
+  root->append_node(make("aZ"));
+  EXPECT_EQ(root->first_node("Az ", 2, false), root->last_node());
+  EXPECT_EQ(root->first_node("a[", 0, false), nullptr);
   EXPECT_EQ(root->first_node("x"), nullptr);
   EXPECT_EQ(root->last_node("x"), nullptr);
   EXPECT_EQ(root->last_node()->next_sibling(), nullptr);
@@ -202,6 +206,7 @@ TEST_F(PoolTest, BlocksHaveTheirExactSizes) {
     pool.allocate_string(nullptr, 1024);
     EXPECT_TRUE(blockSizes.empty());
     pool.allocate_string(nullptr, 1);
+    EXPECT_EQ(blockSizes.size(), 1U);
     pool.allocate_string(nullptr, 235520 - word);
     EXPECT_EQ(blockSizes.size(), 1U);
     pool.allocate_string(nullptr, 235521);
@@ -248,6 +253,17 @@ TEST_F(PoolTest, AllocatorMayOnlyBeSetBeforeTheFirstAllocation) {
                "m_begin == m_static_memory && m_ptr == align\\(m_begin\\)");
 }
 
+TEST_F(PoolTest, AllocatorThatWasSetLastIsTheOne) {
+  const auto growing = [](std::size_t size, void*) { return countingAllocate(size); };
+  memory_pool<char> pool;
+  pool.set_growing_allocator(growing, &countingRelease);
+  pool.set_allocator([](std::size_t) -> void* { return nullptr; }, &countingRelease);
+  EXPECT_DEATH(pool.allocate_string(nullptr, 2000), "assertion failed: memory");
+  pool.set_growing_allocator(growing, &countingRelease);
+  pool.allocate_string(nullptr, 2000);
+  EXPECT_EQ(blockSizes.size(), 1U);
+}
+
 TEST_F(PoolTest, AllocatorThatGivesNothingIsAnAssertion) {
   memory_pool<char> pool;
   pool.set_allocator([](std::size_t) -> void* { return nullptr; }, [](void*) {});
@@ -260,6 +276,36 @@ TEST_F(PoolTest, RequestThatCannotBeServedLeavesThePoolAsItWas) {
   EXPECT_THROW(pool.allocate_string(nullptr, std::numeric_limits<std::size_t>::max()),
                std::bad_alloc);
   EXPECT_EQ(pool.allocate_string("d", 0), before + word);
+}
+
+TEST_F(PoolTest, ForgottenMemoryOfTheCurrentBlockIsGivenOutAgain) {
+  struct Forgetting : memory_pool<char> {
+    using memory_pool<char>::allocate_aligned;
+    using memory_pool<char>::forget_from;
+  };
+  Forgetting pool;
+  pool.set_allocator(&countingAllocate, &countingRelease);
+  void* const first = pool.allocate_aligned(64);
+  void* const second = pool.allocate_aligned(64);
+  pool.forget_from(second);
+  EXPECT_EQ(pool.allocate_aligned(1), second);
+  pool.forget_from(first);
+  EXPECT_EQ(pool.allocate_aligned(64), first);
+
+  // Behind what lies in an older block, the current one is empty.
+  void* const inNewBlock = pool.allocate_aligned(1024);
+  pool.allocate_aligned(64);
+  pool.forget_from(second);
+  EXPECT_EQ(pool.allocate_aligned(2048), inNewBlock);
+  EXPECT_EQ(blockSizes.size(), 1U);
+  // Blocks lie in any order.
+  pool.allocate_aligned(235520);
+  pool.forget_from(inNewBlock);
+  void* const inThirdBlock = pool.allocate_aligned(64);
+  EXPECT_EQ(blockSizes.size(), 2U);
+  pool.forget_from(inThirdBlock);
+  EXPECT_EQ(pool.allocate_aligned(235520), inThirdBlock);
+  EXPECT_EQ(blockSizes.size(), 2U);
 }
 
 TEST_F(PoolTest, BasePoolOffersNoRawMemory) {
