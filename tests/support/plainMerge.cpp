@@ -63,7 +63,6 @@ void update(PlainElement& source, const PlainElement& delta) {
     removeChildren(source, "list", list->attributeOr("name"));
     source.children.push_back(copyOf(*list));
   }
-  std::vector<PlainElement> extensions;
   for (const PlainElement& child : delta.children) {
     if (child.tag != "extension") continue;
     removeChildren(source, "extension", child.attributeOr("name"));
@@ -122,6 +121,22 @@ PlainElement copyOf(const PlainElement& element) {
   return copy;
 }
 
+bool mergePlainObject(PlainElement& cmData, const PlainElement& object) {
+  const Objects objects = objectsOf(cmData);
+  const auto it = objects.find(object.attributeOr("distName"));
+  const bool isThere = it != objects.end();
+  const std::string operation = operationOf(object, isThere);
+  if (isThere == (operation == "create")) return false;
+  if (operation == "create") {
+    cmData.children.push_back(copyOf(object));
+  } else if (operation == "delete") {
+    cmData.children.erase(cmData.children.begin() + (it->second - cmData.children.data()));
+  } else {
+    update(*it->second, object);
+  }
+  return true;
+}
+
 bool mergePlain(PlainElement& source, PlainElement& delta) {
   PlainElement* const sourceData = source.firstChild("cmData");
   PlainElement* const deltaData = delta.firstChild("cmData");
@@ -133,19 +148,8 @@ bool mergePlain(PlainElement& source, PlainElement& delta) {
     if (isThere == (operationOf(*object, isThere) == "create")) return false;
   }
   for (const auto& [name, object] : deltas) {
-    // Created and removed children move the others.
-    const Objects objects = objectsOf(*sourceData);
-    const auto it = objects.find(name);
-    const std::string operation = operationOf(*object, it != objects.end());
-    object->setAttribute("operation", operation);
-    if (operation == "create") {
-      sourceData->children.push_back(copyOf(*object));
-    } else if (operation == "delete") {
-      sourceData->children.erase(sourceData->children.begin() +
-                                 (it->second - sourceData->children.data()));
-    } else {
-      update(*it->second, *object);
-    }
+    object->setAttribute("operation", operationOf(*object, there.count(name) > 0));
+    mergePlainObject(*sourceData, *object);
   }
   addLogs(*sourceData, *deltaData);
   return true;

@@ -10,6 +10,10 @@ namespace tarn_test {
 /// comes to are written into `delta`.
 bool mergePlain(PlainElement& source, PlainElement& delta);
 
+/// What a merge of one object into the cmData of a source does. Answers whether it fits; `cmData`
+/// is as it was when not.
+bool mergePlainObject(PlainElement& cmData, const PlainElement& object);
+
 /// What a deep copy of an element through the factory has.
 PlainElement copyOf(const PlainElement& element);
 

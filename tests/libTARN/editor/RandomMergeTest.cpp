@@ -1,21 +1,21 @@
-// Random sources and deltas, merged by the library and by a plain model of standard containers. The
-// results are compared element by element.
+// Random sources and deltas, merged by the library and by one of plain trees in standard
+// containers. The results are compared element by element.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <memory>
-#include <optional>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "editor/TarnMerge.hpp"
 #include "libtarn.hpp"
+#include "model/LibTarnDocumentInternal.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/HeapDocument.hpp"
-#include "support/treeDump.hpp"
+#include "support/consistency.hpp"
+#include "support/plainMerge.hpp"
 
 namespace {
 
@@ -23,136 +23,7 @@ using namespace libtarn::model;
 using libtarn::editor::TarnMerge;
 using tarn_test::CapturedLog;
 using tarn_test::HeapDocument;
-using Name = std::optional<std::string>;  // absent: no attribute
-
-constexpr std::size_t MOST_LOGS = 50;
-
-struct Child {
-  std::string tag;
-  Name name;
-  std::string content;  // text or children, as XML
-
-  std::string key() const { return name.value_or(""); }
-  std::string render() const {
-    return "<" + tag + (name ? " name='" + *name + "'" : "") + ">" + content + "</" + tag + ">";
-  }
-};
-
-struct Object {
-  Name name;
-  Name operation;
-  std::string attributes;  // the others, as XML
-  std::vector<Child> children;
-
-  std::string key() const { return name.value_or(""); }
-  std::string render() const {
-    std::string text = "<managedObject " + attributes + (name ? " distName='" + *name + "'" : "") +
-                       (operation ? " operation='" + *operation + "'" : "") + ">";
-    for (const Child& child : children) text += child.render();
-    return text + "</managedObject>";
-  }
-};
-
-struct Document {
-  std::optional<std::vector<std::string>> logs;  // absent: no header
-  std::vector<Object> objects;
-
-  auto find(const std::string& key) {
-    return std::find_if(objects.begin(), objects.end(),
-                        [&](const Object& object) { return object.key() == key; });
-  }
-  std::string render() const {
-    std::string text = "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'>";
-    if (logs) {
-      text += "<header>";
-      for (const std::string& log : *logs) text += log;
-      text += "</header>";
-    }
-    for (const Object& object : objects) text += object.render();
-    return text + "</cmData></tarn>";
-  }
-};
-
-// The model of the merge
-
-std::vector<Child> childrenInOrderOfNames(const Object& object, const std::string& tag) {
-  std::map<std::string, Child> sorted;
-  for (const Child& child : object.children) {
-    if (child.tag == tag) sorted.insert({child.key(), child});
-  }
-  std::vector<Child> children;
-  for (const auto& entry : sorted) children.push_back(entry.second);
-  return children;
-}
-
-void replaceChild(Object& object, const Child& child) {
-  auto& children = object.children;
-  children.erase(std::remove_if(children.begin(), children.end(),
-                                [&](const Child& other) {
-                                  return other.tag == child.tag && other.key() == child.key();
-                                }),
-                 children.end());
-  children.push_back(child);
-}
-
-void update(Object& source, const Object& delta) {
-  for (const Child& parameter : childrenInOrderOfNames(delta, "p")) {
-    const auto found = std::find_if(
-        source.children.begin(), source.children.end(),
-        [&](const Child& child) { return child.tag == "p" && child.key() == parameter.key(); });
-    if (found == source.children.end()) {
-      source.children.push_back(parameter);
-    } else {
-      found->content = parameter.content;
-    }
-  }
-  for (const Child& list : childrenInOrderOfNames(delta, "list")) replaceChild(source, list);
-  for (const Child& child : delta.children) {
-    if (child.tag == "extension") replaceChild(source, child);
-  }
-}
-
-std::string explicitOperation(const Object& delta, bool isThere) {
-  const std::string operation = delta.operation.value_or("auto");
-  if (operation != "auto") return operation;
-  return isThere ? "update" : "create";
-}
-
-bool conflicts(const Object& delta, bool isThere) {
-  return isThere == (explicitOperation(delta, isThere) == "create");
-}
-
-void apply(Document& source, const Object& delta) {
-  const auto there = source.find(delta.key());
-  const std::string operation = explicitOperation(delta, there != source.objects.end());
-  if (operation == "create") {
-    source.objects.push_back(delta);
-  } else if (operation == "delete") {
-    source.objects.erase(there);
-  } else {
-    update(*there, delta);
-  }
-}
-
-// Also writes the operations that "auto" comes to into the delta.
-bool merge(Document& source, Document& delta) {
-  std::map<std::string, Object*> sorted;
-  for (Object& object : delta.objects) sorted[object.key()] = &object;
-  for (const auto& [name, object] : sorted) {
-    if (conflicts(*object, source.find(name) != source.objects.end())) return false;
-  }
-  for (const auto& [name, object] : sorted) {
-    object->operation = explicitOperation(*object, source.find(name) != source.objects.end());
-    apply(source, *object);
-  }
-  if (!source.logs || !delta.logs || delta.logs->empty()) return true;
-  source.logs->insert(source.logs->end(), delta.logs->begin(), delta.logs->end());
-  if (source.logs->size() > MOST_LOGS) {
-    source.logs->erase(source.logs->begin(),
-                       source.logs->end() - static_cast<std::ptrdiff_t>(MOST_LOGS));
-  }
-  return true;
-}
+using tarn_test::PlainElement;
 
 // Random documents
 
@@ -160,39 +31,43 @@ class Generator {
  public:
   explicit Generator(unsigned seed) : random_(seed) {}
 
-  unsigned pick(unsigned count) { return static_cast<unsigned>(random_() % count); }
-
-  Document source() {
-    Document document;
-    document.logs = logs(pick(8) == 0 ? 60 : 5);
+  PlainElement source() {
+    PlainElement root = document(pick(8) == 0 ? 60 : 5);
     const unsigned count = pick(12);
-    while (document.objects.size() < count) addObject(document, randomName(), {});
-    return document;
+    for (unsigned made = 0; made < count;) made += addObject(root, randomName(), "") ? 1 : 0;
+    return root;
   }
 
   // Most deltas fit the source; about one object in `conflictOdds` does not.
-  Document delta(Document& source, unsigned conflictOdds) {
-    Document document;
-    document.logs = logs(4);
+  PlainElement delta(PlainElement& source, unsigned conflictOdds) {
+    PlainElement root = document(4);
     for (unsigned count = pick(8); count > 0; --count) {
-      const Name name = randomName();
-      bool isThere = source.find(name.value_or("")) != source.objects.end();
+      const std::string* const name = randomName();
+      bool isThere = has(*source.firstChild("cmData"), "managedObject", "distName", name);
       if (pick(conflictOdds) == 0) isThere = !isThere;
-      addObject(document, name, operationFor(isThere));
+      addObject(root, name, operationFor(isThere));
     }
-    return document;
+    return root;
   }
 
  private:
-  Name randomName() {
-    if (pick(15) == 0) return pick(2) == 0 ? Name() : Name("");
-    return "A-" + std::to_string(pick(14));
+  unsigned pick(unsigned count) { return static_cast<unsigned>(random_() % count); }
+
+  // One of these, or null.
+  const std::string* randomName() {
+    static const std::vector<std::string> names = [] {
+      std::vector<std::string> made{""};
+      for (int i = 0; i < 14; ++i) made.push_back("A-" + std::to_string(i));
+      return made;
+    }();
+    if (pick(15) == 0) return pick(2) == 0 ? nullptr : &names[0];
+    return &names[1 + pick(14)];
   }
 
-  Name operationFor(bool isThere) {
+  const char* operationFor(bool isThere) {
     switch (pick(4)) {
       case 0:
-        return Name();
+        return "";
       case 1:
         return "auto";
       case 2:
@@ -202,112 +77,112 @@ class Generator {
     }
   }
 
-  void addObject(Document& document, const Name& name, const Name& operation) {
-    if (document.find(name.value_or("")) != document.objects.end()) {
-      // A name of the source that is taken gives way, or the documents would never fill.
-      return;
-    }
-    Object object;
-    object.name = name;
-    object.operation = operation;
-    object.attributes =
-        "class='C" + std::to_string(pick(3)) + "'" + (pick(2) ? " version='1'" : "");
-    for (unsigned count = pick(7); count > 0; --count) addChild(object);
-    document.objects.push_back(object);
+  static PlainElement element(const char* tag, std::string value = "") {
+    return PlainElement{tag, std::move(value), {}, {}};
   }
 
-  void addChild(Object& object) {
-    Child child;
-    child.tag = std::vector<std::string>{"p", "list", "extension"}[pick(3)];
-    child.name = pick(9) == 0 ? Name() : Name(std::vector<std::string>{"", "a", "b", "c"}[pick(4)]);
-    const bool isTaken = std::any_of(
-        object.children.begin(), object.children.end(),
-        [&](const Child& other) { return other.tag == child.tag && other.key() == child.key(); });
-    if (isTaken && child.tag != "extension") return;
-    child.content = child.tag == "p" ? text() : child.tag == "list" ? listContent() : parameters();
+  static bool has(const PlainElement& owner, const char* tag, const char* key,
+                  const std::string* name) {
+    return std::any_of(owner.children.begin(), owner.children.end(), [&](const auto& child) {
+      return child.tag == tag && child.attributeOr(key) == (name ? *name : "");
+    });
+  }
+
+  PlainElement document(unsigned mostLogs) {
+    PlainElement cmData = element("cmData");
+    cmData.setAttribute("type", "plan");
+    if (pick(6) != 0) {
+      PlainElement header = element("header");
+      for (unsigned count = pick(mostLogs); count > 0; --count) {
+        PlainElement log = element("log", text());
+        log.setAttribute("action", "a" + std::to_string(pick(100)));
+        log.setAttribute("dateTime", "d");
+        header.children.push_back(log);
+      }
+      cmData.children.push_back(header);
+    }
+    PlainElement root = element("tarn");
+    root.setAttribute("xmlns", "tarn21.xsd");
+    root.setAttribute("version", "2.1");
+    root.children.push_back(cmData);
+    return root;
+  }
+
+  // False when there is one of that name.
+  bool addObject(PlainElement& root, const std::string* name, const std::string& operation) {
+    PlainElement& cmData = *root.firstChild("cmData");
+    if (has(cmData, "managedObject", "distName", name)) return false;
+    PlainElement object = element("managedObject");
+    object.setAttribute("class", "C" + std::to_string(pick(3)));
+    if (pick(2) == 0) object.setAttribute("version", "1");
+    if (name) object.setAttribute("distName", *name);
+    if (!operation.empty()) object.setAttribute("operation", operation);
+    for (unsigned count = pick(7); count > 0; --count) addChild(object);
+    cmData.children.push_back(object);
+    return true;
+  }
+
+  void addChild(PlainElement& object) {
+    static const std::vector<std::string> names{"", "a", "b", "c"};
+    static const std::vector<const char*> tags{"p", "list", "extension"};
+    PlainElement child = element(tags[pick(3)]);
+    const std::string* const name = pick(9) == 0 ? nullptr : &names[pick(4)];
+    if (child.tag != "extension" && has(object, child.tag.c_str(), "name", name)) return;
+    if (name) child.setAttribute("name", *name);
+    if (child.tag == "p") {
+      child.value = text();
+    } else if (child.tag == "extension") {
+      child.children = parameters();
+    } else {
+      const bool hasItems = pick(2) == 0;
+      for (unsigned i = pick(4); i > 0; --i) {
+        child.children.push_back(hasItems ? element("item") : element("p", text()));
+        if (hasItems) child.children.back().children = parameters();
+      }
+    }
     object.children.push_back(child);
   }
 
   std::string text() {
-    return std::vector<std::string>{"", "1", "two", "a &amp; b", "longer than the others"}[pick(5)];
+    return std::vector<std::string>{"", "1", "two", "a & b", "longer than the others"}[pick(5)];
   }
 
-  std::string parameters() {
-    std::string content;
+  std::vector<PlainElement> parameters() {
+    std::vector<PlainElement> made;
     for (unsigned i = pick(3); i > 0; --i) {
-      content += "<p name='n" + std::to_string(i) + "'>" + text() + "</p>";
+      made.push_back(element("p", text()));
+      made.back().setAttribute("name", "n" + std::to_string(i));
     }
-    return content;
-  }
-
-  std::string listContent() {
-    const bool hasItems = pick(2) == 0;
-    std::string content;
-    for (unsigned i = pick(4); i > 0; --i) {
-      content += hasItems ? "<item>" + parameters() + "</item>" : "<p>" + text() + "</p>";
-    }
-    return content;
-  }
-
-  std::optional<std::vector<std::string>> logs(unsigned most) {
-    if (pick(6) == 0) return std::nullopt;
-    std::vector<std::string> result;
-    for (unsigned count = pick(most); count > 0; --count) {
-      result.push_back("<log action='a" + std::to_string(pick(100)) + "' dateTime='d'>" + text() +
-                       "</log>");
-    }
-    return result;
+    return made;
   }
 
   std::mt19937 random_;
 };
 
-// The library beside the model
+// The texts above hold one character that XML has another spelling for.
+std::string render(const PlainElement& element) {
+  std::string text = "<" + element.tag;
+  for (const auto& [name, value] : element.attributes) text += " " + name + "='" + value + "'";
+  text += '>';
+  for (const char each : element.value) text += each == '&' ? "&amp;" : std::string(1, each);
+  for (const PlainElement& child : element.children) text += render(child);
+  return text + "</" + element.tag + ">";
+}
 
-std::unique_ptr<LibTarnDocument> parsed(const Document& document) {
+// The library beside the plain merge
+
+std::unique_ptr<LibTarnDocument> parsed(const PlainElement& root) {
   auto result = std::make_unique<LibTarnDocument>();
-  EXPECT_EQ(result->parse(document.render().c_str(), false), 0) << document.render();
+  EXPECT_EQ(result->parse(render(root).c_str(), false), 0) << render(root);
   return result;
 }
 
-std::string dumpOf(const LibTarnDocument& document) {
-  return tarn_test::dump(*document.getItsTarnDomDocument());
-}
-
 // The tree as the model has it, and the indexes in step with it.
-void expectSame(const LibTarnDocument& document, Document& model) {
-  ASSERT_EQ(dumpOf(document), dumpOf(*parsed(model)));
-  const LibTarnCmData& cmData = *document.getLibTarnCmData();
-  ASSERT_EQ(cmData.getManagedObjectNumber(), model.objects.size());
-  std::vector<std::string> names;
-  for (const LibTarnManagedObject* object : cmData.getLibTarnManagedObjects()) {
-    const char* const name = object->getDistName().getText();
-    names.push_back(name ? name : "");
-  }
-  ASSERT_TRUE(std::is_sorted(names.begin(), names.end()));
-  for (const std::string& name : names) {
-    const auto it = model.find(name);
-    ASSERT_NE(it, model.objects.end());
-    const auto* object = cmData.getLibTarnManagedObject(name.c_str());
-    ASSERT_NE(object, nullptr);
-    ASSERT_EQ(object->getOperation().toString(), it->operation.value_or("auto"));
-    std::size_t parameters = 0;
-    std::size_t lists = 0;
-    for (const Child& child : it->children) {
-      if (child.tag == "p") {
-        ++parameters;
-        ASSERT_NE(object->getScalarParameter(child.key().c_str()), nullptr);
-      } else if (child.tag == "list") {
-        ++lists;
-        ASSERT_NE(object->getListParameter(child.key()), nullptr);
-      }
-    }
-    ASSERT_EQ(
-        std::distance(object->getScalarParameters().begin(), object->getScalarParameters().end()),
-        static_cast<std::ptrdiff_t>(parameters));
-    ASSERT_EQ(std::distance(object->getListParameters().begin(), object->getListParameters().end()),
-              static_cast<std::ptrdiff_t>(lists));
-  }
+void expectSame(const LibTarnDocument& document, const PlainElement& model) {
+  const PlainElement plain =
+      tarn_test::toPlain(*document.getItsTarnDomDocument()->getRootElement());
+  ASSERT_TRUE(plain == model) << render(plain) << "\nand not\n" << render(model);
+  ASSERT_EQ(tarn_test::brokenDocument(document), "");
 }
 
 struct Counts {
@@ -319,16 +194,16 @@ struct Counts {
 void mergeDocuments(unsigned seed, unsigned conflictOdds, Counts& counts) {
   CapturedLog log;
   Generator generator(seed);
-  Document sourceModel = generator.source();
+  PlainElement sourceModel = generator.source();
   const auto source = parsed(sourceModel);
   TarnMerge tarnMerge(*source);
   for (int round = 0; round < 4; ++round) {
-    Document deltaModel = generator.delta(sourceModel, conflictOdds);
+    PlainElement deltaModel = generator.delta(sourceModel, conflictOdds);
     const std::string before = source->getItsTarnDomDocument()->printDocument();
-    auto delta = std::make_unique<HeapDocument>(deltaModel.render());
+    auto delta = std::make_unique<HeapDocument>(render(deltaModel));
     log.clear();
     const bool done = tarnMerge.mergeDocument(delta->get());
-    ASSERT_EQ(done, merge(sourceModel, deltaModel)) << deltaModel.render();
+    ASSERT_EQ(done, tarn_test::mergePlain(sourceModel, deltaModel)) << render(deltaModel);
     ASSERT_EQ(log.messages("ERROR").size(), done ? 0U : 1U);
     ASSERT_NO_FATAL_FAILURE(expectSame(delta->get(), deltaModel));
     delta.reset();
@@ -356,19 +231,20 @@ TEST(RandomMergeTest, SingleObjectsMergeAsThePlainModelSays) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     CapturedLog log;
     Generator generator(seed);
-    Document sourceModel = generator.source();
+    PlainElement sourceModel = generator.source();
     const auto source = parsed(sourceModel);
-    Document deltaModel = generator.delta(sourceModel, 3);
-    auto delta = std::make_unique<HeapDocument>(deltaModel.render());
+    PlainElement deltaModel = generator.delta(sourceModel, 3);
+    auto delta = std::make_unique<HeapDocument>(render(deltaModel));
     log.clear();
     TarnMerge tarnMerge(*source);
-    for (const Object& object : deltaModel.objects) {
-      const bool isThere = sourceModel.find(object.key()) != sourceModel.objects.end();
-      const bool fits = !conflicts(object, isThere);
+    PlainElement& cmData = *sourceModel.firstChild("cmData");
+    for (const PlainElement& object : deltaModel.firstChild("cmData")->children) {
+      if (object.tag != "managedObject") continue;
+      const std::string name = object.attributeOr("distName");
       LibTarnManagedObject* const element =
-          delta->get().getLibTarnCmData()->getLibTarnManagedObject(object.key().c_str());
-      ASSERT_EQ(tarnMerge.mergeManagedObject(*element), fits);
-      if (fits) apply(sourceModel, object);
+          delta->get().getLibTarnCmData()->getLibTarnManagedObject(name.c_str());
+      ASSERT_EQ(tarnMerge.mergeManagedObject(*element),
+                tarn_test::mergePlainObject(cmData, object));
     }
     ASSERT_TRUE(log.lines().empty());
     ASSERT_NO_FATAL_FAILURE(expectSame(delta->get(), deltaModel));
