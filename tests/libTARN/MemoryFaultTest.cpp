@@ -362,6 +362,55 @@ TEST(MemoryFaultTest, PoolMayEndWithinEveryOperation) {
   }
 }
 
+// An object that gets another name or class leaves its place in the indexes for one where there may
+// be no room.
+TEST(MemoryFaultTest, ObjectKeepsNameAndClassWhenThereIsNoRoomForTheNewOnes) {
+  std::string text = "<tarn><cmData type='plan'>";
+  for (int i = 100; i < 500; ++i) {
+    const std::string number = std::to_string(i);
+    text += "<managedObject distName='A-" + number + "' class='C" + number + "'/>";
+  }
+  text += "<managedObject distName='B-1'/></cmData></tarn>";
+  unsigned oldNames = 0;
+  unsigned oldClasses = 0;
+  for (unsigned left = 0; left < 4096; left += 16) {
+    const auto side = loaded(Blocks::HEAP, text);
+    LibTarnDocument& document = side->get();
+    LibTarnCmData& cmData = *document.getLibTarnCmData();
+    cmData.getLibTarnManagedObjects();
+    cmData.getLibTarnManagedObjectsByClass("C300");
+    auto& named = *cmData.getLibTarnManagedObject("A-100");
+    auto& withoutClass = *cmData.getLibTarnManagedObject("B-1");
+    auto& mask = *document.getFactory().createLibTarnManagedObject("#", "B-1", "#");
+    auto& values = *document.getFactory().createLibTarnManagedObject("C300", "B-1", nullptr);
+    constexpr auto BLOCK = static_cast<unsigned>(rapidxml::memory_pool<char>::dynamic_pool_size);
+    document.getItsTarnDomDocument()->allocateMemory(BLOCK - left);
+    const auto fails = [&](const std::function<void()>& act) {
+      HeapFault fault(1, BLOCK);
+      try {
+        act();
+        return false;
+      } catch (const std::bad_alloc&) {
+        return true;
+      }
+    };
+    const bool renamed = !fails([&] { named.setDistName("A-300X"); });
+    ASSERT_STREQ(named.getDistName().getText(), renamed ? "A-300X" : "A-100");
+    ASSERT_EQ(cmData.getLibTarnManagedObject(renamed ? "A-300X" : "A-100"), &named);
+    oldNames += renamed ? 0 : 1;
+    const bool changed = !fails([&] { withoutClass.change(mask, values); });
+    if (changed) {
+      ASSERT_STREQ(withoutClass.getClass(), "C300");
+    } else {
+      ASSERT_EQ(withoutClass.getClass(), nullptr);
+    }
+    oldClasses += changed ? 0 : 1;
+    ASSERT_EQ(brokenDocument(document), "") << left;
+  }
+  EXPECT_GT(oldNames, 0U);
+  EXPECT_GT(oldClasses, 0U);
+}
+
 // What a map that fails comes to in a process of its own: 0 for all well, the assertion "memory".
 [[noreturn]] void failMapIn(const Work& work, std::size_t number) {
   Documents documents;

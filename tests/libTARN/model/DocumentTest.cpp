@@ -353,6 +353,16 @@ TEST_F(DocumentTest, CopiedCmDataIsIndexedByItsRebuild) {
              "LibTarnCmDataImp::clone(IDomDocument* document) shouldn't be called!");
 }
 
+TEST_F(DocumentTest, CmDataThatIsRemovedIsNoPartOfTheDocument) {
+  parse("<cmData type='plan'/><cmData type='actual'/>");
+  LibTarnCmData* const second = dynamic_cast<LibTarnCmData*>(cmData_->getNextSiblingElement());
+  cmData_->removeThisElement();
+  EXPECT_EQ(document_.getLibTarnCmData(), second);
+  cmData_->removeThisElement();
+  second->removeThisElement();
+  EXPECT_EQ(document_.getLibTarnCmData(), nullptr);
+}
+
 // header and log
 
 std::string logsOf(int count) {

@@ -285,11 +285,14 @@ TEST(IndexingParseTest, RememberedNamesAreTheSameToTheLastByte) {
   const std::size_t sizes[] = {1, 7, 8, 9, 15, 16, 17, 24, 31, 33};
   for (const std::size_t size : sizes) {
     for (std::size_t place = 0; place < size; ++place) {
+      // A further one that comes behind the usual name, and before the other one.
+      std::string between(size, 'n');
+      between[place] = 'o';
       std::string other(size, 'n');
-      other[place] = 'm';
+      other[place] = 'p';
       const auto object = [&](int number, const std::string& last) {
         return "<managedObject class='A' distName='A-" + std::to_string(number) +
-               "'><p name='z'>1</p><p name='b'/><p name='y'/><p name='" + last +
+               "'><p name='z'>1</p><p name='b'/><p name='" + between + "'>3</p><p name='" + last +
                "'>2</p></managedObject>";
       };
       const std::string same(size, 'n');
@@ -306,6 +309,7 @@ TEST(IndexingParseTest, RememberedNamesAreTheSameToTheLastByte) {
         ASSERT_NE(each.getScalarParameter(last.c_str()), nullptr);
         ASSERT_STREQ(each.getScalarParameter(last.c_str())->getValue(), "2");
         ASSERT_STREQ(each.getScalarParameter("z")->getValue(), "1");
+        ASSERT_STREQ(each.getScalarParameter(between.c_str())->getValue(), "3");
         ASSERT_EQ(each.getScalarParameter((i == 3 ? same : other).c_str()), nullptr);
       }
     }
