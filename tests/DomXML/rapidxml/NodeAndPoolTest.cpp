@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "rapidxml/rapidxml.hpp"
@@ -251,6 +252,24 @@ TEST_F(PoolTest, AllocatorMayOnlyBeSetBeforeTheFirstAllocation) {
   pool.allocate_string(nullptr, 1);
   EXPECT_DEATH(pool.set_allocator(&countingAllocate, &countingRelease),
                "m_begin == m_static_memory && m_ptr == align\\(m_begin\\)");
+}
+
+// What a growing allocator was told, and gave, one call after the other.
+std::vector<std::pair<void*, void*>> newestAndNext;
+
+TEST_F(PoolTest, GrowingAllocatorIsToldTheNewestBlock) {
+  newestAndNext.clear();
+  const auto growing = [](std::size_t size, void* newest) {
+    newestAndNext.emplace_back(newest, countingAllocate(size));
+    return newestAndNext.back().second;
+  };
+  memory_pool<char> pool;
+  pool.set_growing_allocator(growing, &countingRelease);
+  for (int i = 0; i < 3; ++i) pool.allocate_string(nullptr, 200000);
+  ASSERT_EQ(newestAndNext.size(), 3U);
+  EXPECT_EQ(newestAndNext[0].first, nullptr);
+  EXPECT_EQ(newestAndNext[1].first, newestAndNext[0].second);
+  EXPECT_EQ(newestAndNext[2].first, newestAndNext[1].second);
 }
 
 TEST_F(PoolTest, AllocatorThatWasSetLastIsTheOne) {
