@@ -111,6 +111,35 @@ TEST(EntryTreeTest, RandomAddsAndErasesAgreeWithASet) {
     }
     tree.clear();
     expectSame(tree, {});
+    // It is as good as new.
+    model.clear();
+    for (int i = 0; i < 300; ++i) {
+      const auto number = static_cast<std::intptr_t>(random() % range);
+      ASSERT_EQ(tree.add({number}), model.insert(number).second);
+    }
+    expectSame(tree, model);
+  }
+}
+
+TEST(EntryTreeTest, SortedEntriesAreTakenWhereTheyLie) {
+  for (const std::size_t count : {0, 1, 63, 64, 65, 127, 128, 129, 5000}) {
+    SCOPED_TRACE(count);
+    LimitedPool pool;
+    Tree tree(&pool);
+    std::vector<Number> numbers(count);
+    std::set<std::intptr_t> model;
+    for (std::size_t i = 0; i < count; ++i) {
+      numbers[i].value = static_cast<std::intptr_t>(2 * i);
+      model.insert(numbers[i].value);
+    }
+    tree.takeSorted(numbers.data(), count);
+    expectSame(tree, model);
+    for (std::intptr_t number = -1; number < 2 * static_cast<std::intptr_t>(count); number += 7) {
+      ASSERT_EQ(tree.add({number}), model.insert(number).second);
+    }
+    ASSERT_TRUE(tree.add({1000000}));
+    model.insert(1000000);
+    expectSame(tree, model);
   }
 }
 
