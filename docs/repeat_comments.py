@@ -2,12 +2,14 @@
 """Filter for Doxygen: repeats a comment for each declaration that it is for.
 
 In the headers a comment is for all declarations that follow it, up to a blank line, another comment
-or the end of the class; Doxygen takes it for the first one only."""
+or the end of the class; Doxygen takes it for the first one only. Destructors and what is deleted
+speak for themselves."""
 
 import re
 import sys
 
 NO_DECLARATION = re.compile(r"\s*(#|}|(public|protected|private):|namespace |extern |using namespace )")
+NO_COMMENT = re.compile(r"= delete;|^\s*(virtual )?~")
 
 
 def filtered(lines):
@@ -24,7 +26,7 @@ def filtered(lines):
                 comment, pending = pending, []
             elif not stripped or stripped.startswith("//") or NO_DECLARATION.match(line):
                 comment = []
-            elif comment:
+            elif comment and not NO_COMMENT.search(line):
                 yield from comment
             if stripped and not stripped.startswith("//") and not NO_DECLARATION.match(line):
                 start_depth = depth

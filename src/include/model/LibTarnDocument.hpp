@@ -27,6 +27,7 @@ class TarnDomDocument;
 /// used by different threads.
 class TARN_API LibTarnDocument {
  public:
+  /// Its memory comes from maps; without any the process ends (assertion "memory").
   LibTarnDocument();
   /// Takes over `document`, made with `new`, which brings its own name validator and index factory.
   explicit LibTarnDocument(TarnDomDocument* document);
