@@ -4,7 +4,6 @@
 #include "../walk_indexes.hpp"
 #include "libtarn.hpp"
 #include "model/DistinguishedNameValidator.hpp"
-#include "support/LateIndexFactory.hpp"
 
 namespace bench {
 
@@ -27,9 +26,7 @@ class TarnState {
       document_.emplace();
       return;
     }
-    auto* const domDocument = new TarnDomDocument(&validator_, &indexFactory_);
-    indexFactory_.useFor(*domDocument);
-    document_.emplace(domDocument);
+    document_.emplace(new TarnDomDocument(nullptr, nullptr));
   }
 
   LibTarnDocument& document() { return *document_; }
@@ -38,8 +35,6 @@ class TarnState {
 
  private:
   std::vector<char> text_;
-  DistinguishedNameValidator validator_;
-  tarn_test::LateIndexFactory indexFactory_;
   std::optional<LibTarnDocument> document_;
 };
 

@@ -2,20 +2,17 @@
 //
 // Usage: own_memory DOCUMENT
 //
-// A document that is made with the host's own parts takes its blocks from the heap (one that is not
-// maps memory). So a host that counts its heap counts its documents.
+// A document around a TarnDomDocument of the host's making takes its blocks from the heap, and any
+// other one maps memory. So a host that counts its heap counts its documents.
 
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
 #include <new>
 
-#include "DocumentIndexes.hpp"
 #include "files.hpp"
 #include "libtarn.hpp"
-#include "model/DistinguishedNameValidator.hpp"
 
-using libtarn::model::DistinguishedNameValidator;
 using libtarn::model::LibTarnDocument;
 using libtarn::model::TarnDomDocument;
 
@@ -34,12 +31,7 @@ bool load(const char* path, std::size_t bytes) {
   const std::size_t before = budget;
   budget = bytes;
   try {
-    DistinguishedNameValidator names;
-    // Indexes are to be in the document's memory, too.
-    DocumentIndexes indexes;
-    auto* const domDocument = new TarnDomDocument(&names, &indexes);
-    LibTarnDocument document(domDocument);
-    indexes.useMemoryOf(*domDocument);
+    LibTarnDocument document(new TarnDomDocument(nullptr, nullptr));
     if (document.parse(std::move(text), true) != 0) return false;
     std::cout << bytes / 1024 << " KiB are enough; the document takes "
               << (document.getMemorySize() < 12 * textSize ? "less" : "more")

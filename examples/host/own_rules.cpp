@@ -7,10 +7,10 @@
 #include <cstring>
 #include <deque>
 
-#include "DocumentIndexes.hpp"
 #include "files.hpp"
 #include "libtarn.hpp"
 #include "model/DistinguishedNameValidator.hpp"
+#include "model/indexation/TarnIndexFactory.hpp"
 
 using libtarn::model::DistinguishedNameValidator;
 using libtarn::model::IDistinguishedNameValidator;
@@ -76,10 +76,11 @@ class VectorIndex : public indexation::ITarnUniqueIndex<Scalar> {
   mutable indexation::EntryRun<Entry> run_{};
 };
 
-// Indexes must live as long as their document: this factory owns its own ones, and leaves those of
-// lists and objects to the library.
-class IndexFactory : public DocumentIndexes {
+// Indexes must live as long as their document: this factory owns its own ones. Those of lists and
+// objects are the library's, in the memory that is handed in.
+class IndexFactory : public indexation::TarnIndexFactory {
  public:
+  using TarnIndexFactory::TarnIndexFactory;
   indexation::ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const override {
     return &scalarIndexes_.emplace_back();
   }
@@ -93,12 +94,11 @@ class IndexFactory : public DocumentIndexes {
 
 int main(int argc, char** argv) {
   if (argc != 2) return 64;
-  // Both stay the host's, and outlive the document.
+  // All of it stays the host's, and outlives the document.
   FlatNames names;
-  IndexFactory indexes;
-  auto* const domDocument = new TarnDomDocument(&names, &indexes);
-  indexes.useMemoryOf(*domDocument);
-  LibTarnDocument document(domDocument);
+  libDomXml::DomDocument memory(false);
+  IndexFactory indexes(memory);
+  LibTarnDocument document(new TarnDomDocument(&names, &indexes));
 
   if (document.parse(readText(argv[1]), false) != 0) return 1;
   const auto* const site = document.getLibTarnCmData()->getLibTarnManagedObject("NET-1/SITE-7");

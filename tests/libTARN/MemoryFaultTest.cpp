@@ -14,7 +14,6 @@
 #include "libtarn.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/HeapCount.hpp"
-#include "support/LateIndexFactory.hpp"
 #include "support/MapFault.hpp"
 #include "support/consistency.hpp"
 
@@ -58,16 +57,12 @@ class Side {
       document_.emplace();
       return;
     }
-    auto* const document = new TarnDomDocument(&validator_, &indexFactory_);
-    indexFactory_.useFor(*document);
-    document_.emplace(document);
+    document_.emplace(new TarnDomDocument(nullptr, nullptr));
   }
 
   LibTarnDocument& get() { return *document_; }
 
  private:
-  DistinguishedNameValidator validator_;
-  tarn_test::LateIndexFactory indexFactory_;
   std::optional<LibTarnDocument> document_;
 };
 

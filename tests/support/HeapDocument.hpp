@@ -5,7 +5,6 @@
 #include <string>
 
 #include "libtarn.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
 
 namespace tarn_test {
 
@@ -14,17 +13,13 @@ namespace tarn_test {
 class HeapDocument {
  public:
   explicit HeapDocument(const std::string& text)
-      : indexFactory_(indexPool_),
-        document_(new libtarn::model::TarnDomDocument(&validator_, &indexFactory_)) {
+      : document_(new libtarn::model::TarnDomDocument(nullptr, nullptr)) {
     EXPECT_EQ(document_.parse(text.c_str(), false), 0) << text;
   }
 
   libtarn::model::LibTarnDocument& get() { return document_; }
 
  private:
-  libtarn::model::DistinguishedNameValidator validator_;
-  libDomXml::DomDocument indexPool_{false};
-  libtarn::model::indexation::TarnIndexFactory indexFactory_;
   libtarn::model::LibTarnDocument document_;
 };
 

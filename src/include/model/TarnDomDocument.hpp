@@ -27,7 +27,7 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   /// Pool blocks from memory maps, own name validator and index factory.
   TarnDomDocument();
   /// Pool blocks from the heap. Validator and index factory stay the caller's and must outlive the
-  /// document.
+  /// document; for null the document has its own, in its pool.
   TarnDomDocument(IDistinguishedNameValidator* validator,
                   indexation::ITarnIndexFactory* indexFactory);
   ~TarnDomDocument() override;

@@ -40,7 +40,8 @@ class TARN_API TarnFactory {
  public:
   /// With a DistinguishedNameValidator and a TarnIndexFactory of its own in `pool`.
   explicit TarnFactory(libDomXml::IMemoryPool& pool);
-  /// Validator and index factory stay the caller's and must outlive what is built.
+  /// Validator and index factory stay the caller's and must outlive what is built; null for one as
+  /// above.
   TarnFactory(libDomXml::IMemoryPool& pool, const model::IDistinguishedNameValidator* validator,
               const model::indexation::ITarnIndexFactory* indexFactory);
 

@@ -36,13 +36,14 @@ Type* constructIn(libDomXml::IMemoryPool& pool, Arguments&&... arguments) {
 
 }  // namespace
 
-TarnFactory::TarnFactory(libDomXml::IMemoryPool& pool)
-    : TarnFactory(pool, constructIn<DistinguishedNameValidator>(pool),
-                  constructIn<indexation::TarnIndexFactory>(pool, pool)) {}
+TarnFactory::TarnFactory(libDomXml::IMemoryPool& pool) : TarnFactory(pool, nullptr, nullptr) {}
 
 TarnFactory::TarnFactory(libDomXml::IMemoryPool& pool, const IDistinguishedNameValidator* validator,
                          const indexation::ITarnIndexFactory* indexFactory)
-    : pool_(pool), distNameValidator_(validator), indexFactory_(indexFactory) {}
+    : pool_(pool),
+      distNameValidator_(validator ? validator : constructIn<DistinguishedNameValidator>(pool)),
+      indexFactory_(indexFactory ? indexFactory
+                                 : constructIn<indexation::TarnIndexFactory>(pool, pool)) {}
 
 LibTarnCmData* TarnFactory::createLibTarnCmData(LibTarnCmData::Type type) {
   auto* const cmData = static_cast<LibTarnCmDataImp*>(allocateTarnCmDataNode());

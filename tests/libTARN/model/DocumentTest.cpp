@@ -215,6 +215,20 @@ TEST_F(DocumentTest, OwnPartsOfAHostAreUsed) {
   EXPECT_EQ(log_.messages("ERROR"), Names{"Validation failed: Invalid distinguished name: 'A-1'"});
 }
 
+TEST_F(DocumentTest, PartsThatAHostDoesNotBringAreTheDocumentsOwn) {
+  LibTarnDocument document(new TarnDomDocument(nullptr, nullptr));
+  EXPECT_EQ(document.getFactory().createLibTarnManagedObject("C", "no name", nullptr), nullptr);
+  EXPECT_EQ(document.parse("<tarn xmlns='tarn21.xsd' version=''><cmData type='plan'><header/>"
+                           "<managedObject class='C' distName='A-1'><p name='x'>1</p>"
+                           "</managedObject></cmData></tarn>",
+                           true),
+            0);
+  const LibTarnManagedObject* const object =
+      document.getLibTarnCmData()->getLibTarnManagedObject("A-1");
+  ASSERT_NE(object, nullptr);
+  EXPECT_STREQ(object->getScalarParameter("x")->getValue(), "1");
+}
+
 // cmData
 
 TEST_F(DocumentTest, TypeIsReadAtRebuildAndKeptInStep) {
