@@ -3,7 +3,6 @@
 #include "../Work.hpp"
 #include "../walk_indexes.hpp"
 #include "libtarn.hpp"
-#include "model/DistinguishedNameValidator.hpp"
 
 namespace bench {
 
