@@ -7,7 +7,7 @@
 #include "Assertion.hpp"
 #include "IMemoryPool.hpp"
 #include "TarnApi.hpp"
-#include "rapidxml/rapidxml.hpp"
+#include "rapidxml/nodes.hpp"
 
 namespace libDomXml {
 

@@ -176,6 +176,8 @@ struct Accepted {
   std::string value;
 };
 
+void PrintTo(const Accepted& difference, std::ostream* out) { *out << difference.what; }
+
 class AcceptedTest : public testing::TestWithParam<Accepted> {};
 
 TEST_P(AcceptedTest, IsTakenByTheCoreAlone) {
@@ -219,6 +221,8 @@ struct Different {
   std::string core;
   std::string others;
 };
+
+void PrintTo(const Different& difference, std::ostream* out) { *out << difference.what; }
 
 class DifferentTest : public testing::TestWithParam<Different> {};
 

@@ -3,11 +3,13 @@
 #include <string>
 
 #include "TarnApi.hpp"
-#include "model/DistinguishedName.hpp"
 #include "model/exceptions/ModelException.hpp"
 
 namespace libtarn {
 namespace model {
+
+class DistinguishedName;
+
 namespace exceptions {
 
 /// A second child under a key that is unique.

@@ -2,6 +2,8 @@
 
 #include <sstream>
 
+#include "model/DistinguishedName.hpp"
+
 namespace libtarn {
 namespace model {
 namespace exceptions {

@@ -5,6 +5,7 @@
 #include <string>
 #include <type_traits>
 
+#include "model/DistinguishedName.hpp"
 #include "model/exceptions/DuplicateElementException.hpp"
 #include "model/exceptions/InvalidAttributeValueException.hpp"
 #include "model/exceptions/InvalidChildCountException.hpp"
