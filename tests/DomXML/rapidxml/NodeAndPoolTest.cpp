@@ -281,6 +281,13 @@ TEST_F(PoolTest, AllocatorThatWasSetLastIsTheOne) {
   pool.set_growing_allocator(growing, &countingRelease);
   pool.allocate_string(nullptr, 2000);
   EXPECT_EQ(blockSizes.size(), 1U);
+
+  // Neither of them: the heap.
+  memory_pool<char> other;
+  other.set_growing_allocator(growing, &countingRelease);
+  other.set_allocator(nullptr, nullptr);
+  other.allocate_string(nullptr, 2000);
+  EXPECT_EQ(blockSizes.size(), 1U);
 }
 
 TEST_F(PoolTest, AllocatorThatGivesNothingIsAnAssertion) {
