@@ -106,6 +106,20 @@ TEST_F(IndexMemoryTest, EntriesAddedInOrderTakeLittleMoreThanTheirOwnSize) {
   EXPECT_LT(pool.usedBytes(), own + own / 8);
 }
 
+TEST_F(IndexMemoryTest, PlaceOfARemovedObjectIsUsedAgain) {
+  ArrayPool pool(1U << 20);
+  ObjectIndex& index = *TarnIndexFactory(pool).createUniqueAndNonUniqueMultiIndex();
+  for (int i = 0; i < 100; ++i) index.add(object("C", "A-" + std::to_string(i)));
+  LibTarnManagedObject* const moving = object("C", "B-1");
+  index.add(moving);
+  const std::size_t filled = pool.usedBytes();
+  for (int i = 0; i < 1000; ++i) {
+    ASSERT_TRUE(index.remove(moving));
+    ASSERT_TRUE(index.add(moving));
+  }
+  EXPECT_EQ(pool.usedBytes(), filled);
+}
+
 TEST_F(IndexMemoryTest, NameIndexIsUnchangedByAnAddThatGetsNoMemory) {
   LimitedPool pool;
   ITarnUniqueIndex<Scalar>& index = *TarnIndexFactory(pool).createUniqueScalarNameTarnIndex();
