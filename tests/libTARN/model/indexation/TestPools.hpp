@@ -8,13 +8,14 @@
 
 namespace tarn_test {
 
-/// Gives so many blocks and then none.
+/// Gives so many blocks and then none. Each is on the heap by itself, so that the address sanitizer
+/// sees where it ends.
 class LimitedPool : public libDomXml::IMemoryPool {
  public:
   void* allocateMemory(unsigned int size) override {
     if (left_ == 0) return nullptr;
     --left_;
-    blocks_.emplace_back(new void*[size / sizeof(void*) + 1]);
+    blocks_.emplace_back(new void*[(size + sizeof(void*) - 1) / sizeof(void*)]);
     return blocks_.back().get();
   }
   void limit(std::size_t left) { left_ = left; }
