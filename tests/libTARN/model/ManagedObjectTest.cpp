@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -482,6 +483,25 @@ TEST_F(ManagedObjectTest, PoolOfAHostServesAFactory) {
       tarn_test::dump(dynamic_cast<LibTarnManagedObjectImp&>(*object)),
       "managedObject(class=C distName=A-1){p(name=x)\"1\" p(name=y)\"2\" list(name=l){item}}");
   EXPECT_EQ(tarn_test::dump(*source.clone(factoryOverPool)), tarn_test::dump(source));
+}
+
+// More than one array holds once it changes.
+TEST_F(ManagedObjectTest, ManyParsedParametersAreRemovedOneByOne) {
+  constexpr int COUNT = 150;
+  std::string text = "<managedObject>";
+  for (int i = 0; i < COUNT; ++i) text += "<p name='" + std::to_string(i) + "'/>";
+  LibTarnManagedObjectImp& object = parsed(text + "</managedObject>");
+  std::set<std::string> left;
+  for (int i = 0; i < COUNT; ++i) left.insert(std::to_string(i));
+  for (int i = 0; i < COUNT; ++i) {
+    const std::string name = std::to_string(i * 77 % COUNT);
+    ASSERT_EQ(object.removeScalarParameter(name), 0);
+    ASSERT_EQ(object.removeScalarParameter(name), 2);
+    left.erase(name);
+    ASSERT_FALSE(object.hasScalarParameter(name));
+    ASSERT_EQ(namesOf(object.getScalarParameters()), Names(left.begin(), left.end()));
+  }
+  EXPECT_EQ(object.getFirstChildElement("p"), nullptr);
 }
 
 TEST_F(ManagedObjectTest, ForbiddenCopiesAreLoggedAndGiveNothing) {

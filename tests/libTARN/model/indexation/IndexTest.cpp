@@ -67,6 +67,26 @@ TEST_F(IndexTest, CollectionIsInByteOrderWithMissingNamesFirst) {
   EXPECT_EQ(index.size(), 5U);
 }
 
+TEST_F(IndexTest, EntriesAddedAllAtOnceCountFromTheirConditionOn) {
+  ITarnUniqueIndex<Scalar>& index = *factory_.createUniqueScalarNameTarnIndex();
+  Scalar* const a = scalar("a");
+  Scalar* const b = scalar("b");
+  const ParameterEntry<Scalar> entries[] = {{b->getName(), b}, {a->getName(), a}};
+  bool condition = false;
+  EXPECT_TRUE(index.addOnceTrue(condition, entries, 2, false));
+  EXPECT_EQ(index.find("a"), nullptr);
+  EXPECT_EQ(index.size(), 0U);
+  condition = true;
+  EXPECT_EQ(index.find("a"), a);
+  EXPECT_EQ(index.size(), 2U);
+  // An index that was given entries takes no others at once.
+  Scalar* const c = scalar("c");
+  const ParameterEntry<Scalar> further[] = {{c->getName(), c}};
+  EXPECT_FALSE(index.addOnceTrue(condition, further, 1, true));
+  EXPECT_EQ(index.find("c"), nullptr);
+  EXPECT_EQ(index.find("b"), b);
+}
+
 TEST_F(IndexTest, ListsAreFoundByName) {
   ITarnUniqueIndex<List>& index = *factory_.createUniqueIndexForList();
   List* const list = document_.getFactory().createList("l");
