@@ -434,6 +434,13 @@ TEST(IndexingParseTest, NamesThatCrowdTheHashTablesAreFoundAllTheSame) {
   for (const std::string& name : parameters) {
     ASSERT_NE(object.getScalarParameter(name.c_str()), nullptr) << name;
   }
+  // By class, and in a check, each of them comes up.
+  const auto ofClass = data.getLibTarnManagedObjectsByClass("A");
+  EXPECT_EQ(static_cast<std::size_t>(std::distance(ofClass.begin(), ofClass.end())),
+            objects.size());
+  dynamic_cast<TarnDomElement&>(*data.getLibTarnManagedObject(objects[7].c_str()))
+      .removeAttribute("class");
+  EXPECT_EQ(document.validate(), 2);
   EXPECT_EQ(data.removeLibTarnManagedObject(objects[5].c_str()), 0);
   EXPECT_EQ(data.getLibTarnManagedObject(objects[5].c_str()), nullptr);
   EXPECT_EQ(data.removeLibTarnManagedObject(objects[5].c_str()), 2);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <random>
 #include <string>
@@ -10,6 +11,7 @@
 #include "model/indexation/CharComparePredicate.hpp"
 #include "model/indexation/TarnAllocator.hpp"
 #include "model/indexation/TarnIndexFactory.hpp"
+#include "model/indexation/textHash.hpp"
 
 namespace {
 
@@ -34,6 +36,7 @@ class IndexTest : public ::testing::Test {
 };
 
 using Names = std::vector<std::string>;
+using ObjectIndex = ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>;
 
 TEST_F(IndexTest, SecondScalarOfANameIsRefusedAndTheFirstStays) {
   ITarnUniqueIndex<Scalar>& index = *factory_.createUniqueScalarNameTarnIndex();
@@ -129,15 +132,64 @@ TEST_F(IndexTest, ObjectsOfAClassAreInTheOrderOfInsertion) {
   EXPECT_EQ(names(index.getNonUniqueCollection("C")), (Names{"Z-3"}));
 }
 
-TEST_F(IndexTest, ViewsAgreeAfterAClassWasChangedBehindTheIndex) {
-  auto& index = *factory_.createUniqueAndNonUniqueMultiIndex();
-  LibTarnManagedObject* const changed = object("C", "A-1");
-  index.add(changed);
+TEST_F(IndexTest, ObjectsAddedAllAtOnceComeBeforeLaterOnesOfTheirClass) {
+  for (const bool viewFirst : {false, true}) {
+    ObjectIndex& index = *factory_.createUniqueAndNonUniqueMultiIndex();
+    // An index that was emptied takes objects all at once, and shows nothing of what it held.
+    LibTarnManagedObject* const gone = object("C", "A-9");
+    index.add(gone);
+    EXPECT_EQ(names(index.getCollection()), Names{"A-9"});
+    EXPECT_EQ(names(index.getNonUniqueCollection("C")), Names{"A-9"});
+    index.remove(gone);
+    std::vector<HashedObject> objects;
+    for (const char* const name : {"A-3", "A-1", "A-2"}) {
+      LibTarnManagedObject* const made = object("C", name);
+      const char* const key = made->getDistName().getText();
+      objects.push_back({key, made, textHash(key, std::strlen(key))});
+    }
+    ASSERT_TRUE(index.addAll(objects.data(), objects.size()));
+    EXPECT_FALSE(index.addAll(objects.data(), 1));
+    EXPECT_EQ(names(index.getCollection()), (Names{"A-1", "A-2", "A-3"}));
+    if (viewFirst) {
+      EXPECT_EQ(names(index.getNonUniqueCollection("C")), (Names{"A-3", "A-1", "A-2"}));
+    }
+    EXPECT_TRUE(index.add(object("C", "A-0")));
+    EXPECT_TRUE(index.add(object("C", "A-4")));
+    EXPECT_EQ(names(index.getNonUniqueCollection("C")), (Names{"A-3", "A-1", "A-2", "A-0", "A-4"}));
+  }
+}
+
+TEST_F(IndexTest, ClearedIndexIsAsGoodAsNew) {
+  ObjectIndex& index = *factory_.createUniqueAndNonUniqueMultiIndex();
+  LibTarnManagedObject* const first = object("C", "A-1");
+  index.add(first);
   index.add(object("C", "A-2"));
-  EXPECT_EQ(names(index.getNonUniqueCollection("C")).size(), 2U);
-  dynamic_cast<TarnDomElement*>(changed)->setAttribute("class", "D");
-  EXPECT_TRUE(index.remove(changed));
-  EXPECT_EQ(names(index.getNonUniqueCollection("C")), (Names{"A-2"}));
+  EXPECT_EQ(names(index.getCollection()), (Names{"A-1", "A-2"}));
+  EXPECT_EQ(names(index.getNonUniqueCollection("C")), (Names{"A-1", "A-2"}));
+  index.clear();
+  EXPECT_EQ(index.findUniqueElement("A-1"), nullptr);
+  EXPECT_TRUE(index.getNonUniqueCollection("C").empty());
+  EXPECT_TRUE(index.add(object("C", "A-2")));
+  EXPECT_TRUE(index.add(first));
+  EXPECT_EQ(names(index.getCollection()), (Names{"A-1", "A-2"}));
+  EXPECT_EQ(names(index.getNonUniqueCollection("C")), (Names{"A-2", "A-1"}));
+}
+
+TEST_F(IndexTest, ViewsAgreeAfterAClassWasChangedBehindTheIndex) {
+  for (std::size_t changed = 0; changed < 4; ++changed) {
+    ObjectIndex& index = *factory_.createUniqueAndNonUniqueMultiIndex();
+    Names left{"A-1", "A-2", "A-3", "A-4"};
+    std::vector<LibTarnManagedObject*> objects;
+    for (const std::string& name : left) {
+      objects.push_back(object("C", name.c_str()));
+      index.add(objects.back());
+    }
+    EXPECT_EQ(names(index.getNonUniqueCollection("C")), left);
+    dynamic_cast<TarnDomElement&>(*objects[changed]).setAttribute("class", "D");
+    EXPECT_TRUE(index.remove(objects[changed]));
+    left.erase(left.begin() + static_cast<std::ptrdiff_t>(changed));
+    EXPECT_EQ(names(index.getNonUniqueCollection("C")), left);
+  }
 }
 
 TEST_F(IndexTest, RandomObjectsAgreeWithPlainContainers) {
