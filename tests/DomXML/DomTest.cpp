@@ -188,6 +188,17 @@ TEST_P(DomTest, EqualAttributeValueDoesNotGrowThePool) {
   EXPECT_GT(growth(), nothing);
 }
 
+TEST_P(DomTest, NullNameOfAnAttributeIsAnEmptyOne) {
+  DomElement* const e = make("e", "v");
+  e->setAttribute("a", "1");
+  libDomXml::DomAttribute& attribute = *e->getFirstAttribute("a");
+  attribute.setTagName(nullptr);
+  EXPECT_STREQ(attribute.getTagName(), "");
+  attribute.setValue(nullptr);
+  EXPECT_STREQ(attribute.getValue(), "");
+  EXPECT_STREQ(e->getAttribute(""), "");
+}
+
 TEST_P(DomTest, TextsMayBeTheElementsOwn) {
   DomElement* const e = make("e", "value");
   e->setAttribute("a", "text");

@@ -25,6 +25,14 @@ TEST(PrinterTest, EmptyElementIsStartTagAndEndTag) {
   EXPECT_EQ(printed("<p name='x'/>"), "<p name=\"x\"></p>\n\n");
 }
 
+TEST(PrinterTest, NamesOfEveryLength) {
+  for (std::size_t size = 1; size < 40; ++size) {
+    const std::string name(size, 'n');
+    EXPECT_EQ(printed("<" + name + " " + name + "='x'/>"),
+              "<" + name + " " + name + "=\"x\"></" + name + ">\n\n");
+  }
+}
+
 TEST(PrinterTest, ElementsAreIndentedBySpacesAndOtherNodesByTabs) {
   EXPECT_EQ(printed("<a><b><c><d>x</d></c></b></a>"),
             "<a>\n <b>\n  <c>\n   <d>x</d>\n  </c>\n </b>\n</a>\n\n");

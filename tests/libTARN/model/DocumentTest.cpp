@@ -16,6 +16,7 @@
 #include "model/LibTarnDocumentInternal.hpp"
 #include "model/LibTarnHeaderImp.hpp"
 #include "model/LogImp.hpp"
+#include "model/ScalarImp.hpp"
 #include "model/indexation/TarnIndexFactory.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/treeDump.hpp"
@@ -365,6 +366,52 @@ TEST_F(DocumentTest, CopiedCmDataIsIndexedByItsRebuild) {
   EXPECT_EQ(cmData_->clone(dom), nullptr);
   expectLine(log_.lines().at(0), "ERROR", "clone",
              "LibTarnCmDataImp::clone(IDomDocument* document) shouldn't be called!");
+}
+
+TEST_F(DocumentTest, NameThatGoesOnBehindATagIsUnknown) {
+  for (const char* const tag :
+       {"tarn", "cmData", "header", "log", "managedObject", "p", "list", "item", "extension"}) {
+    const std::string name = std::string(tag) + "X";
+    EXPECT_EQ(document_.parse(("<" + name + "/>").c_str(), false), 1) << name;
+    EXPECT_EQ(document_.getDiagnostic().message, "unknown TARN object");
+  }
+}
+
+TEST_F(DocumentTest, EveryElementGivesItsFirstChildOfATag) {
+  parse(
+      "<cmData type='plan'><header><log/><log/></header><managedObject distName='A-1'>"
+      "<list name='l'><item><p name='a'/></item></list><extension name='e'><p "
+      "name='b'/></extension>"
+      "<p name='c'/></managedObject></cmData>");
+  const auto tagOf = [](IElement* element) {
+    return element ? dynamic_cast<TarnDomElement&>(*element).getTagName() : "none";
+  };
+  LibTarnHeader& header = *cmData_->getLibTarnHeader();
+  LibTarnManagedObject& object = *cmData_->getLibTarnManagedObject("A-1");
+  List& list = *object.getListParameter("l");
+  Structure& item = *list.getStructuredValues();
+  EXPECT_STREQ(tagOf(cmData_->getFirstChildElement(nullptr)), "header");
+  EXPECT_STREQ(tagOf(header.getFirstChildElement("log")), "log");
+  EXPECT_STREQ(tagOf(header.getFirstChildElement("p")), "none");
+  EXPECT_STREQ(tagOf(header.getLogs()->getFirstChildElement(nullptr)), "none");
+  EXPECT_STREQ(tagOf(object.getFirstChildElement(nullptr)), "list");
+  EXPECT_STREQ(tagOf(object.getFirstChildElement("p")), "p");
+  EXPECT_STREQ(tagOf(list.getFirstChildElement("item")), "item");
+  EXPECT_STREQ(tagOf(list.getFirstChildElement("p")), "none");
+  EXPECT_STREQ(tagOf(item.getFirstChildElement("p")), "p");
+  EXPECT_STREQ(tagOf(object.getExtensions()->getFirstChildElement("p")), "p");
+  EXPECT_STREQ(tagOf(object.getExtensions()->getFirstChildElement("item")), "none");
+  EXPECT_STREQ(tagOf(item.getComponent("a")->getFirstChildElement(nullptr)), "none");
+}
+
+// A host may put elements of the model below an element that is none.
+TEST_F(DocumentTest, CopyOfAPlainElementHasCopiesOfItsElementsOfTheModel) {
+  auto* const plain = dynamic_cast<libDomXml::DomElement*>(
+      document_.getItsTarnDomDocument()->createDomElement("box", nullptr));
+  plain->addChild(dynamic_cast<TarnDomElement*>(factory().createScalar("x", "1")));
+  const auto* const copy = dynamic_cast<libDomXml::DomElement*>(plain->clone());
+  EXPECT_EQ(tarn_test::dump(*copy), "box{p(name=x)\"1\"}");
+  EXPECT_NE(dynamic_cast<ScalarImp*>(copy->getFirstChild("p")), nullptr);
 }
 
 TEST_F(DocumentTest, CmDataThatIsRemovedIsNoPartOfTheDocument) {
