@@ -121,6 +121,32 @@ TEST(EntryTreeTest, RandomAddsAndErasesAgreeWithASet) {
   }
 }
 
+// Whole leaves go from the ends or from the middle, and others come in their place.
+TEST(EntryTreeTest, LeavesThatGoAreReplaced) {
+  constexpr std::intptr_t COUNT = 3000;
+  const std::intptr_t ranges[][2] = {{0, 1000}, {1000, 2000}, {2000, COUNT}, {0, COUNT}, {64, 192}};
+  for (const auto& [from, to] : ranges) {
+    SCOPED_TRACE(from);
+    LimitedPool pool;
+    Tree tree(&pool);
+    std::set<std::intptr_t> model;
+    const auto add = [&](std::intptr_t number) {
+      ASSERT_EQ(tree.add({number}), model.insert(number).second);
+    };
+    for (std::intptr_t i = 0; i < COUNT; ++i) add(i);
+    for (int round = 0; round < 3; ++round) {
+      for (std::intptr_t i = from; i < to; ++i) {
+        ASSERT_EQ(tree.erase({i}), model.erase(i) == 1);
+      }
+      expectSame(tree, model);
+      // Downwards, then upwards beyond both ends.
+      for (std::intptr_t i = to; i > from - 500; i -= 2) add(i);
+      for (std::intptr_t i = from - 500; i < to + 500; ++i) add(i);
+      expectSame(tree, model);
+    }
+  }
+}
+
 TEST(EntryTreeTest, SortedEntriesAreTakenWhereTheyLie) {
   for (const std::size_t count : {0, 1, 63, 64, 65, 127, 128, 129, 5000}) {
     SCOPED_TRACE(count);
