@@ -166,6 +166,12 @@ TEST(EntryTreeTest, SortedEntriesAreTakenWhereTheyLie) {
     ASSERT_TRUE(tree.add({1000000}));
     model.insert(1000000);
     expectSame(tree, model);
+    // From the front on.
+    while (!model.empty()) {
+      ASSERT_TRUE(tree.erase({*model.begin()}));
+      model.erase(model.begin());
+    }
+    expectSame(tree, model);
   }
 }
 

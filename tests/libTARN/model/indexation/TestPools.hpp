@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -15,7 +16,10 @@ class LimitedPool : public libDomXml::IMemoryPool {
   void* allocateMemory(unsigned int size) override {
     if (left_ == 0) return nullptr;
     --left_;
-    blocks_.emplace_back(new void*[(size + sizeof(void*) - 1) / sizeof(void*)]);
+    const std::size_t words = (size + sizeof(void*) - 1) / sizeof(void*);
+    blocks_.emplace_back(new void*[words]);
+    // Nothing may count on memory that is zero.
+    std::memset(blocks_.back().get(), 0xA5, words * sizeof(void*));
     return blocks_.back().get();
   }
   void limit(std::size_t left) { left_ = left; }
