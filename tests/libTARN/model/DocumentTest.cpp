@@ -14,9 +14,13 @@
 #include "model/LibTarnCmDataImp.hpp"
 #include "model/LibTarnDocumentDeclaration.hpp"
 #include "model/LibTarnDocumentInternal.hpp"
+#include "model/LibTarnExtensionImp.hpp"
 #include "model/LibTarnHeaderImp.hpp"
+#include "model/LibTarnManagedObjectImp.hpp"
+#include "model/ListImp.hpp"
 #include "model/LogImp.hpp"
 #include "model/ScalarImp.hpp"
+#include "model/StructureImp.hpp"
 #include "model/indexation/TarnIndexFactory.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/treeDump.hpp"
@@ -402,6 +406,28 @@ TEST_F(DocumentTest, EveryElementGivesItsFirstChildOfATag) {
   EXPECT_STREQ(tagOf(object.getExtensions()->getFirstChildElement("p")), "p");
   EXPECT_STREQ(tagOf(object.getExtensions()->getFirstChildElement("item")), "none");
   EXPECT_STREQ(tagOf(item.getComponent("a")->getFirstChildElement(nullptr)), "none");
+}
+
+TEST_F(DocumentTest, PartsOfAnObjectAreCopiedAndRemovedByThemselves) {
+  parse(
+      "<cmData type='plan'><managedObject distName='A-1'><list name='l'><item><p name='a'/></item>"
+      "<item><p name='b'/></item></list><list name='m'/><extension name='e'><p name='c'/>"
+      "</extension></managedObject></cmData>");
+  LibTarnManagedObject& object = *cmData_->getLibTarnManagedObject("A-1");
+  auto& list = dynamic_cast<ListImp&>(*object.getListParameter("l"));
+  auto& item = dynamic_cast<StructureImp&>(*list.getStructuredValues());
+  const auto& extension = dynamic_cast<LibTarnExtensionImp&>(*object.getExtensions());
+  EXPECT_EQ(tarn_test::dump(*item.clone()), "item{p(name=a)}");
+  EXPECT_EQ(tarn_test::dump(*item.clone(factory())), "item{p(name=a)}");
+  EXPECT_EQ(tarn_test::dump(*extension.clone()), "extension(name=e){p(name=c)}");
+  EXPECT_EQ(item.nextSibling("item"), dynamic_cast<TarnDomElement*>(item.getNextSiblingElement()));
+  EXPECT_EQ(item.nextSibling("p"), nullptr);
+  item.removeThisElement();
+  EXPECT_EQ(tarn_test::dump(list), "list(name=l){item{p(name=b)}}");
+  EXPECT_STREQ(list.nextSibling(nullptr)->getAttribute("name"), "m");
+  list.removeThisElement();
+  EXPECT_EQ(tarn_test::dump(dynamic_cast<LibTarnManagedObjectImp&>(object)),
+            "managedObject(distName=A-1){list(name=m) extension(name=e){p(name=c)}}");
 }
 
 // A host may put elements of the model below an element that is none.

@@ -504,6 +504,13 @@ TEST_F(ManagedObjectTest, ManyParsedParametersAreRemovedOneByOne) {
   EXPECT_EQ(object.getFirstChildElement("p"), nullptr);
 }
 
+TEST_F(ManagedObjectTest, ClassOfAnObjectThatIsInNoDocumentChanges) {
+  LibTarnManagedObjectImp& object = own();
+  EXPECT_TRUE(object.change(parsed("<managedObject class='#' version='#' distName='_-_'/>"),
+                            parsed("<managedObject class='D' version='#' distName='_-_'/>")));
+  EXPECT_STREQ(object.getClass(), "D");
+}
+
 TEST_F(ManagedObjectTest, ForbiddenCopiesAreLoggedAndGiveNothing) {
   libDomXml::IDomDocument* const dom = document_.getItsTarnDomDocument();
   EXPECT_EQ(own().clone(dom), nullptr);
