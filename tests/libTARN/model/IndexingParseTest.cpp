@@ -438,8 +438,15 @@ TEST(IndexingParseTest, NamesThatCrowdTheHashTablesAreFoundAllTheSame) {
   const auto ofClass = data.getLibTarnManagedObjectsByClass("A");
   EXPECT_EQ(static_cast<std::size_t>(std::distance(ofClass.begin(), ofClass.end())),
             objects.size());
-  dynamic_cast<TarnDomElement&>(*data.getLibTarnManagedObject(objects[7].c_str()))
-      .removeAttribute("class");
+  auto& wrong = dynamic_cast<TarnDomElement&>(*data.getLibTarnManagedObject(objects[7].c_str()));
+  wrong.removeAttribute("class");
+  EXPECT_EQ(document.validate(), 2);
+  wrong.setAttribute("class", "A");
+  EXPECT_EQ(document.validate(), 0);
+  // Also one that is found by the index alone.
+  LibTarnManagedObject& unlinked = *data.getLibTarnManagedObject(objects[8].c_str());
+  unlinked.removeThisElement();
+  dynamic_cast<TarnDomElement&>(unlinked).removeAttribute("class");
   EXPECT_EQ(document.validate(), 2);
   EXPECT_EQ(data.removeLibTarnManagedObject(objects[5].c_str()), 0);
   EXPECT_EQ(data.getLibTarnManagedObject(objects[5].c_str()), nullptr);
