@@ -148,7 +148,8 @@ TEST(EntryTreeTest, LeavesThatGoAreReplaced) {
 }
 
 TEST(EntryTreeTest, SortedEntriesAreTakenWhereTheyLie) {
-  for (const std::size_t count : {0, 1, 63, 64, 65, 127, 128, 129, 5000}) {
+  const std::size_t counts[] = {0, 1, 63, 64, 65, 127, 128, 129, 5000};
+  for (const std::size_t count : counts) {
     SCOPED_TRACE(count);
     LimitedPool pool;
     Tree tree(&pool);
