@@ -29,7 +29,8 @@ class TARN_API LibTarnDocument {
  public:
   /// Its memory comes from maps; without any the process ends (assertion "memory").
   LibTarnDocument();
-  /// Takes over `document`, made with `new`, which brings its own name validator and index factory.
+  /// Takes over `document`, made with `new`: for a name validator or an index factory of the
+  /// host's, or for memory from the heap.
   explicit LibTarnDocument(TarnDomDocument* document);
   LibTarnDocument(const LibTarnDocument&) = delete;
   LibTarnDocument& operator=(const LibTarnDocument&) = delete;
