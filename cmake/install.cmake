@@ -49,7 +49,8 @@ if(TARN_COMMAND)
       COMMAND ${TARN_SCDOC} < ${PROJECT_SOURCE_DIR}/docs/man/tarn.1.scd > ${manual}
       DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/tarn.1.scd
       VERBATIM)
-    add_custom_target(tarn_manual ALL DEPENDS ${manual})
+    add_custom_target(tarn_manual DEPENDS ${manual})
+    add_dependencies(tarn_command tarn_manual)
     install(FILES ${manual} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
   endif()
 endif()
