@@ -35,6 +35,7 @@ class TARN_API IXMLFactory {
   /// zero-terminated source with its terminator.
   virtual Ch* allocate_string(const Ch* source, std::size_t size) = 0;
 };
+
 /// Bump allocator of one document. Everything taken from it goes when the pool is destroyed, and no
 /// destructor of what was built in it runs.
 ///
