@@ -8,6 +8,8 @@ set(CMAKE_CXX_COMPILER i686-linux-gnu-g++)
 set(i686_libraries /usr/i686-linux-gnu/lib)
 # Inode numbers of the host's file systems need not fit 32 bits.
 set(CMAKE_CXX_FLAGS_INIT "-D_FILE_OFFSET_BITS=64")
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-Wl,-rpath,${i686_libraries}")
+# The older kind of run path holds for the libraries of libraries, too: libm of libstdc++.
+set(i686_run_path "-Wl,--disable-new-dtags,-rpath,${i686_libraries}")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "${i686_run_path}")
 set(CMAKE_EXE_LINKER_FLAGS_INIT
-  "-Wl,-rpath,${i686_libraries} -Wl,--dynamic-linker=${i686_libraries}/ld-linux.so.2")
+  "${i686_run_path} -Wl,--dynamic-linker=${i686_libraries}/ld-linux.so.2")
