@@ -24,8 +24,9 @@ class TARN_API DomElement : public IDomElement, public rapidxml::xml_node<char> 
   static void operator delete(void* /*memory*/) {}
   static void* operator new(std::size_t /*size*/, void* place) { return place; }
 
-  /// Keeps the node kind; `clone(pool)` makes an element whatever the kind is. Does not recurse on
-  /// the depth of the tree.
+  /// Keeps the node kind, and asks children of derived classes for their own clone(); `clone(pool)`
+  /// makes an element whatever kind and class it is of, and its children. What is no derived class
+  /// is copied without recursion on the depth of the tree.
   IDomElement* clone() const override;
   IDomElement* clone(IMemoryPool* pool) const override;
 

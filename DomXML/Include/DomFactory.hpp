@@ -37,6 +37,10 @@ class TARN_API DomFactory {
   DomAttribute* allocateAttribute(const char* name, const char* value, std::size_t nameSize,
                                   std::size_t valueSize);
 
+  /// Gives `target`, which lives in this pool, copies of the texts of `source`, each up to a zero
+  /// that it may hold, and ended by one. Unset texts become "".
+  void copyTexts(const rapidxml::xml_base<char>& source, rapidxml::xml_base<char>& target);
+
   /// The pool.
   IMemoryPool* getMemoryPool() const { return pool_; }
 
@@ -49,8 +53,8 @@ class TARN_API DomFactory {
   }
 
  private:
-  void copyTexts(rapidxml::xml_base<char>& record, const char* name, const char* value,
-                 std::size_t nameSize, std::size_t valueSize);
+  void setTexts(rapidxml::xml_base<char>& record, const char* name, const char* value,
+                std::size_t nameSize, std::size_t valueSize);
 
   IMemoryPool* pool_;
 };

@@ -2,4 +2,4 @@
 
 /// Stands before what hosts may use of the shared library: everything else in it is hidden, so that
 /// it is free to change, and calls within the library need no detour.
-#define TARN_API [[gnu::visibility("default")]]
+#define TARN_API __attribute__((visibility("default")))

@@ -65,7 +65,9 @@ int DomDocument::parse(const char* text, boost::shared_ptr<IStripper> stripper) 
     std::memcpy(copy.get(), text, length);
   }
   copy[length] = '\0';
-  return parse(std::move(copy));
+  leaveText();
+  buffer_ = std::move(copy);
+  return parseBuffer();
 }
 
 int DomDocument::parseBuffer() {
@@ -196,7 +198,7 @@ void DomDocument::addChild(IDomElement* child) {
 
 bool DomDocument::removeChild(IDomElement* child) {
   rapidxml::xml_node<char>* const element = dynamic_cast<DomElement*>(child);
-  if (element != first_node()) return false;
+  if (element != first_node() || (child && !element)) return false;
   remove_node(element);
   return true;
 }

@@ -25,7 +25,10 @@ const DomAttribute* toAttribute(const rapidxml::xml_attribute<char>* attribute) 
 
 DomElement* copyWithoutChildren(const DomElement& source, IMemoryPool* pool,
                                 rapidxml::node_type type) {
-  return DomFactory(pool).allocateNode(type, source.getTagName(), source.getValue(), 0, 0);
+  DomFactory factory(pool);
+  DomElement* const copy = factory.allocateNode(type, nullptr, nullptr, 0, 0);
+  factory.copyTexts(source, *copy);
+  return copy;
 }
 
 }  // namespace
@@ -111,7 +114,7 @@ void DomElement::addAttribute(DomAttribute* newDomAttribute) {
   TARN_ASSERT(newDomAttribute, "attribute && !attribute->parent()");
   TARN_ASSERT(domFactory_.getMemoryPool() == newDomAttribute->getDomFactory()->getMemoryPool(),
               "domFactory_.getMemoryPool() == newDomAttribute->getDomFactory()->getMemoryPool()");
-  if (first_attribute(newDomAttribute->getTagName())) return;
+  if (first_attribute(newDomAttribute->name(), newDomAttribute->name_size())) return;
   append_attribute(newDomAttribute);
 }
 

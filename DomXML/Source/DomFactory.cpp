@@ -22,19 +22,37 @@ DomElement* DomFactory::allocateNode(rapidxml::node_type type, const char* name,
                                      std::size_t nameSize, std::size_t valueSize) {
   auto* const element = new (allocateObject(sizeof(DomElement))) DomElement(pool_);
   element->type(type);
-  copyTexts(*element, name, value, nameSize, valueSize);
+  setTexts(*element, name, value, nameSize, valueSize);
   return element;
 }
 
 DomAttribute* DomFactory::allocateAttribute(const char* name, const char* value,
                                             std::size_t nameSize, std::size_t valueSize) {
   auto* const attribute = new (allocateObject(sizeof(DomAttribute))) DomAttribute(pool_);
-  copyTexts(*attribute, name, value, nameSize, valueSize);
+  setTexts(*attribute, name, value, nameSize, valueSize);
   return attribute;
 }
 
-void DomFactory::copyTexts(rapidxml::xml_base<char>& record, const char* name, const char* value,
-                           std::size_t nameSize, std::size_t valueSize) {
+void DomFactory::copyTexts(const rapidxml::xml_base<char>& source,
+                           rapidxml::xml_base<char>& target) {
+  // A text that came with its size may have no end.
+  const auto copy = [this](const char* text, std::size_t& size) {
+    size = strnlen(text, size);
+    char* const result = static_cast<char*>(allocateObject(size + 1));
+    std::memcpy(result, text, size);
+    result[size] = '\0';
+    return result;
+  };
+  std::size_t size = source.name_size();
+  const char* const name = copy(source.name(), size);
+  target.name(name, size);
+  size = source.value_size();
+  const char* const value = copy(source.value(), size);
+  target.value(value, size);
+}
+
+void DomFactory::setTexts(rapidxml::xml_base<char>& record, const char* name, const char* value,
+                          std::size_t nameSize, std::size_t valueSize) {
   if (name) {
     record.name(allocateString(name, nameSize), nameSize ? nameSize : std::strlen(name));
   }

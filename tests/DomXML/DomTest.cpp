@@ -5,6 +5,7 @@
 
 #include "DomDocument.hpp"
 #include "rapidxml/rapidxml_print.hpp"
+#include "support/HeapCount.hpp"
 #include "support/SmallStack.hpp"
 #include "support/treeDump.hpp"
 
@@ -93,6 +94,7 @@ TEST_P(DomTest, DocumentTakesOneRootAndIgnoresFurtherOnes) {
   EXPECT_TRUE(document_->removeChild(a));
   EXPECT_EQ(a->getParent(), nullptr);
   EXPECT_FALSE(document_->removeChild(a));
+  EXPECT_FALSE(document_->removeChild(document_.get()));
   EXPECT_DEATH(document_->removeChild(nullptr), "where && where->parent\\(\\) == this");
 }
 
@@ -320,6 +322,53 @@ TEST_P(DomTest, FactoryCopiesTextsByTheirSizes) {
   }
   IMemoryPool nothing;
   EXPECT_DEATH(DomFactory(&nothing).allocateAttribute("a", "b", 0, 0), "assertion failed: memory");
+}
+
+// Neither is a text with a size ended by a zero, nor do these sizes end where one is.
+TEST_P(DomTest, TextsWithSizesAreCopiedAndComparedByThem) {
+  DomFactory factory(document_.get());
+  DomElement* const element =
+      factory.allocateNode(rapidxml::node_element, "elementX", "textX", 7, 4);
+  DomAttribute* const attribute = factory.allocateAttribute("nameX", "valueX", 4, 5);
+  element->addAttribute(attribute);
+  element->addAttribute(factory.allocateAttribute("nameY", "other", 4, 5));
+  element->addAttribute(factory.allocateAttribute("name", "other", 0, 0));
+  EXPECT_EQ(tarn_test::dump(*element), "element(name=value)\"text\"");
+  const std::unique_ptr<DomDocument> other(DomDocument::createDomDocument(GetParam()));
+  for (const auto* copy : {static_cast<DomElement*>(element->clone()),
+                           static_cast<DomElement*>(element->clone(other.get()))}) {
+    EXPECT_STREQ(copy->getTagName(), "element");
+    EXPECT_STREQ(copy->getValue(), "text");
+    EXPECT_STREQ(copy->getAttribute("name"), "value");
+    EXPECT_EQ(tarn_test::dump(*copy), "element(name=value)\"text\"");
+  }
+  const char* const before = attribute->getValue();
+  attribute->setValue("value");
+  attribute->setTagName("name");
+  EXPECT_EQ(attribute->getValue(), before);
+  attribute->setValue("valueX");
+  EXPECT_STREQ(element->getAttribute("name"), "valueX");
+}
+
+// One text at a time, when the next one is given as a text to be copied.
+TEST(DomDocumentTest, TextOfAnEarlierParseGoesBeforeTheNextParse) {
+  struct Counting : DomDocument {
+    Counting() : DomDocument(true) {}
+    int rapidParse(char* text) override {
+      blocks = tarn_test::heapBlocks();
+      return DomDocument::rapidParse(text);
+    }
+    std::size_t blocks = 0;
+  };
+  Counting document;
+  const boost::shared_ptr<IStripper> none;
+  EXPECT_EQ(document.parse("<a/>", none), 0);
+  const std::size_t first = document.blocks;
+  EXPECT_EQ(document.parse("<b/>", none), 0);
+  EXPECT_EQ(document.blocks, first);
+  // The text may be of the one that goes.
+  EXPECT_EQ(document.parse("<a>text</a>", none), 0);
+  EXPECT_EQ(document.parse(document.getFirstChild("a")->getValue(), none), 1);
 }
 
 TEST_P(DomTest, AMillionNestedElementsAreCopiedOnASmallStack) {

@@ -5,6 +5,11 @@
 #include <stdexcept>
 
 #include "libtarn.hpp"
+#include "model/LibTarnHeaderImp.hpp"
+#include "model/LibTarnManagedObjectImp.hpp"
+#include "model/indexation/TarnMapIndex.hpp"
+#include "model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "model/validation/Validator.hpp"
 
 void libtarn::util::Logger::print(Level level, const char* /*location*/, const char* /*function*/,
                                   const char* message) {
@@ -34,6 +39,24 @@ bool throwsModelException(LibTarnDocument& document) {
   return false;
 }
 
+// Rules and indexes that hosts use by themselves.
+bool hasPartsOfItsOwn(LibTarnDocument& document) {
+  using namespace libtarn::model;
+  const validation::Validator validator;
+  const IElement& cmData = *document.getLibTarnCmData();
+  validator.validateChildCount<LibTarnHeaderImp>(cmData, 1, 1);
+  validator.validateAtLeastOneChild<LibTarnManagedObjectImp>(cmData);
+  indexation::TarnMapIndex<Scalar, indexation::ScalarNameExtractor> scalars(
+      *document.getItsTarnDomDocument());
+  indexation::TarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject,
+                                               indexation::ManagedObjectDistNameExtractor,
+                                               indexation::ManagedObjectClassNameExtractor>
+      objects(*document.getItsTarnDomDocument());
+  return scalars.add(document.getFactory().createScalar("x", "1")) && scalars.find("x") &&
+         objects.add(document.getLibTarnCmData()->getLibTarnManagedObject("A-1")) &&
+         objects.size() == 1;
+}
+
 int main() {
   LibTarnDocument document;
   const int code = document.parse(
@@ -49,6 +72,7 @@ int main() {
   std::cout << object->getDistName() << ": " << object->getOperation().toString() << '\n';
   IElement* const element = object;
   if (!dynamic_cast<LibTarnManagedObject*>(element)) return 3;
+  if (!hasPartsOfItsOwn(document)) return 6;
   if (!throwsModelException(document)) return 4;
   return document.parse("<tarn", false) == 1 ? 0 : 5;
 }

@@ -194,10 +194,10 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
   char* m_ptr;    // first free byte of it
   char* m_end;    // one past its last byte
   char m_static_memory[static_pool_size];
-  std::size_t m_block_bytes = 0;
   alloc_func* m_alloc_func = nullptr;
-  alloc_next_func* m_alloc_next_func = nullptr;
   free_func* m_free_func = nullptr;
+  alloc_next_func* m_alloc_next_func = nullptr;
+  std::size_t m_block_bytes = 0;
 };
 
 }  // namespace rapidxml

@@ -249,8 +249,8 @@ class parser {
   Ch* parse_quoted(Ch* const value, xml_attribute<Ch>* attribute) {
     Ch* cursor = value;
     Ch* const value_end = expand<Class>(cursor);
-    attribute->value(value, token_size(value, value_end));
     if (*cursor != Ch(Quote)) throw parse_error("expected ' or \"", cursor);
+    attribute->value(value, token_size(value, value_end));
     *value_end = Ch('\0');
     return cursor + 1;
   }

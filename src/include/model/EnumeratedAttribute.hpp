@@ -39,20 +39,18 @@ class TARN_API EnumeratedAttribute {
   util::Enum<T> toEnum(const char* string) const {
     TARN_ASSERT(0 != element_, "0 != element");
     TARN_ASSERT(0 != string, "0 != string");
-    const auto& constants = util::Enum<T>::getStringToEnum();
-    const auto it = constants.find(std::string_view(string));
-    if (it == constants.end()) {
+    const util::Enum<T>* const constant = find(string);
+    if (!constant) {
       exceptions::InvalidAttributeValueException::throwException(element_->getTagName(), name_,
                                                                  string);
     }
-    return *it->second;
+    return *constant;
   }
 
   /// Whether initialize() would read a value.
   bool isKnown() const {
     const char* const value = element_->getAttribute(name_);
-    const auto& constants = util::Enum<T>::getStringToEnum();
-    return value && constants.find(std::string_view(value)) != constants.end();
+    return value && find(value);
   }
 
   /// Writes the constant's text into the attribute and keeps the value.
@@ -75,6 +73,14 @@ class TARN_API EnumeratedAttribute {
   const util::Enum<T>& getValue() const { return *cached_; }
 
  private:
+  // Constants are few, and the text may be long: it is not copied for a look-up in the map.
+  static const util::Enum<T>* find(std::string_view text) {
+    for (const auto& [constantText, constant] : util::Enum<T>::getStringToEnum()) {
+      if (text == constantText) return constant;
+    }
+    return nullptr;
+  }
+
   libDomXml::IDomElement* element_;
   const char* name_;
   std::optional<util::Enum<T>> cached_;

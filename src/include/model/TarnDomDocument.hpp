@@ -32,7 +32,7 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
                   indexation::ITarnIndexFactory* indexFactory);
   ~TarnDomDocument() override;
 
-  /// A declaration of version and encoding, which becomes the document's.
+  /// A new declaration of version and encoding, detached. The document keeps the one that it has.
   LibTarnDocumentDeclaration* createDocumentDeclaration();
   /// The root, null until it has been set.
   LibTarnDocumentInternal* getRootElement() const { return root_; }
@@ -41,7 +41,8 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   /// The factory for new elements of this document.
   util::TarnFactory& getFactory() { return factory_; }
 
-  /// The node that the parser asks for, of the class that the coming tag has.
+  /// The node that the parser asks for, of the class that the coming tag has. For a declaration the
+  /// one that the document has, without attributes and detached.
   TarnDomElement* allocate_node(rapidxml::node_type type, const char* name, const char* value,
                                 std::size_t nameSize, std::size_t valueSize) override;
   /// Empty, detached nodes.
@@ -100,6 +101,7 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   const char* textStart_ = nullptr;  // of the last parse; its text may be gone
   char* parsePosition_ = nullptr;
   LibTarnDocumentInternal* root_ = nullptr;
+  bool isParsing_ = false;
   bool beforeTopLevelNode_ = false;  // set until the first node behind a top-level "<" is made
   std::list<std::vector<char>> keptTexts_;
 };

@@ -8,13 +8,14 @@
 namespace libtarn {
 namespace model {
 
-/// Keeps the children of one class unique by an attribute, by searching them.
+/// Keeps the children of one class unique by what their getId() says, by searching them.
 ///
-/// Owns nothing: it works on the parent passed to each call. An absent attribute counts as "".
-/// Every operation walks the children. Instantiated for identifiers of type std::string.
+/// Owns nothing: it works on the parent passed to each call. Every operation walks the children.
+/// Instantiated for identifiers of type std::string.
 template <class Parent, class Child, class Id>
 class TARN_API UniqueContainer {
  public:
+  /// The attribute that messages name as the identifier.
   explicit UniqueContainer(const char* idAttributeName) : idAttributeName_(idAttributeName) {}
 
   bool has(const Parent& parent, const Id& id) const { return find(parent, id) != nullptr; }
@@ -45,9 +46,7 @@ class TARN_API UniqueContainer {
  private:
   Child* find(const Parent& parent, const Id& id) const {
     Child* child = firstTypedChild<Child>(parent);
-    while (child && id != child->getAttribute(idAttributeName_, "")) {
-      child = nextTypedSibling(*child);
-    }
+    while (child && id != child->getId()) child = nextTypedSibling(*child);
     return child;
   }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <map>
 #include <string>
 
@@ -49,14 +48,12 @@ class TARN_API Enum {
   static int count;
 
   /// The constants of the set by their texts, and the texts by ordinal.
-  static std::map<std::string, const Enum*, std::less<>>& getStringToEnum() {
-    return tables().stringToEnum;
-  }
+  static std::map<std::string, const Enum*>& getStringToEnum() { return tables().stringToEnum; }
   static std::map<int, std::string>& getOrdinalToString() { return tables().ordinalToString; }
 
  private:
   struct Tables {
-    std::map<std::string, const Enum*, std::less<>> stringToEnum;
+    std::map<std::string, const Enum*> stringToEnum;
     std::map<int, std::string> ordinalToString;
   };
 

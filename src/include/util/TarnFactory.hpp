@@ -60,7 +60,7 @@ class TARN_API TarnFactory {
       const model::LibTarnManagedObject::Operation& operation, const char* version);
   /// A null name or value is left out.
   model::Scalar* createScalar(const char* name, const char* value);
-  /// An empty list, item or extension; a null name is left out.
+  /// An empty list, item or extension; a null name counts as "".
   model::List* createList(const char* name);
   model::Structure* createStructure();
   model::LibTarnExtension* createLibTarnExtension(const char* name);

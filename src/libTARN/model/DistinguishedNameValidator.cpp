@@ -46,7 +46,8 @@ bool DistinguishedNameValidator::isValid(const char* distName) const {
 
 bool DistinguishedNameValidator::isSegmentValid(const std::string& dn, unsigned int start,
                                                 unsigned int end) const {
-  return isSegment(dn, start, static_cast<std::size_t>(end) + 1);
+  // An empty segment at the start ends at the number before 0.
+  return isSegment(dn, start, end + 1);
 }
 
 }  // namespace model

@@ -1,6 +1,7 @@
 #include "model/LibTarnCmDataImp.hpp"
 
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 #include "../util/LogLocation.hpp"
@@ -86,8 +87,8 @@ void LibTarnCmDataImp::dispatchToChildren(validation::Validator& validator) cons
   }
 }
 
-// Objects lie in memory as they stand in the text. A host may have unlinked some without telling
-// the index; those count, too.
+// Objects lie in memory as they stand in the text. A host may have unlinked some, or changed their
+// tags, without telling the index; those count, too.
 void LibTarnCmDataImp::dispatchToObjectsAsTheyLie(validation::Validator& validator) const {
   for (auto* object = firstTypedChild<LibTarnManagedObjectImp>(*this); object;
        object = nextTypedSibling(*object)) {
@@ -95,7 +96,8 @@ void LibTarnCmDataImp::dispatchToObjectsAsTheyLie(validation::Validator& validat
   }
   managedObjectIndex_->forEach([this, &validator](const LibTarnManagedObject* indexed) {
     const auto& object = implementation<LibTarnManagedObjectImp>(*indexed);
-    if (object.parent() != this) object.accept(validator);
+    const std::string_view tag(object.name(), object.name_size());
+    if (object.parent() != this || tag != LibTarnManagedObject::TAG_NAME) object.accept(validator);
   });
 }
 

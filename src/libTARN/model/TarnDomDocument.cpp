@@ -65,7 +65,8 @@ bool TarnDomDocument::isTopLevelNode() { return std::exchange(beforeTopLevelNode
 
 // A document has one declaration: a further one in the text fills it anew and moves it to the end.
 TarnDomElement* TarnDomDocument::reuseDeclaration() {
-  if (!isTopLevelNode()) throw rapidxml::parse_error("unknown TARN object", parsePosition_);
+  if (isParsing_ && !isTopLevelNode())
+    throw rapidxml::parse_error("unknown TARN object", parsePosition_);
   if (declaration_->parent()) remove_node(declaration_);
   declaration_->remove_all_attributes();
   return static_cast<TarnDomElement*>(declaration_);
@@ -227,9 +228,12 @@ void TarnDomDocument::parseDoc(char* text, IndexingParse* indexing) {
   textStart_ = text;
   parsePosition_ = text;
   Events events{{}, *this, indexing};
+  isParsing_ = true;
   try {
     parse_telling<33>(parsePosition_, events);
+    isParsing_ = false;
   } catch (...) {
+    isParsing_ = false;
     // A fault may have come before the parser ended the texts of those two, which stay.
     moveTextsIntoPool();
     throw;

@@ -144,6 +144,23 @@ TEST(DiagnosticTest, ValidateVisitsTheIndexedObjectsInTheOrderOfTheirNames) {
   EXPECT_EQ(document.validate(), 0);
 }
 
+TEST(DiagnosticTest, ValidateVisitsAnIndexedObjectOfAnotherTag) {
+  CapturedLog log;
+  LibTarnDocument document;
+  ASSERT_EQ(document.parse("<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='actual'><header/>"
+                           "<managedObject class='C' distName='A-1'/></cmData></tarn>",
+                           true),
+            0);
+  auto* const object =
+      dynamic_cast<TarnDomElement*>(document.getLibTarnCmData()->getLibTarnManagedObject("A-1"));
+  object->removeAttribute("class");
+  object->setTagName("x");
+  EXPECT_EQ(document.validate(), 2);
+  expectDiagnostic(document, 2,
+                   "The 'tarn > cmData > managedObject:A-1 > ' element has no attribute 'class'",
+                   0);
+}
+
 TEST(DiagnosticTest, ValidateOfDocumentWithoutCmDataFails) {
   CapturedLog log;
   LibTarnDocument document;

@@ -79,6 +79,8 @@ TEST(DistinguishedNameValidatorTest, SegmentRangesAreInclusive) {
   EXPECT_FALSE(validator.isSegmentValid(name, 0, 0));
   EXPECT_FALSE(validator.isSegmentValid("AB-1/CD", 5, 6));
   EXPECT_FALSE(validator.isSegmentValid("", 0, 0));
+  // The last index of a segment of no characters is the one before the first.
+  EXPECT_FALSE(validator.isSegmentValid("/ROOT-1", 0, 0U - 1));
 }
 
 TEST(DistinguishedNameValidatorTest, VeryLongNamesAreJudged) {

@@ -147,6 +147,38 @@ TEST(HostileTextTest, RootAndDeclarationHaveTheirTextsAfterAFaultInTheirTags) {
   }
 }
 
+TEST(HostileTextTest, ValueWithoutAnEndIsNotTaken) {
+  CapturedLog log;
+  LibTarnDocument document;
+  EXPECT_EQ(document.parse("<?xml version='1.0", false), 1);
+  EXPECT_STREQ(document.getItsTarnDomDocument()->getDocumentDeclaration()->getAttribute("version"),
+               "");
+  EXPECT_EQ(document.parse("<tarn version=\"9 >\n<cmData/>", false), 1);
+  EXPECT_STREQ(document.getVersion(), "");
+  EXPECT_EQ(tarn_test::brokenDocument(document), "");
+}
+
+// The parser's calls are one thing, those of a host another.
+TEST(HostileTextTest, HostGetsTheDeclarationAtAnyTime) {
+  CapturedLog log;
+  LibTarnDocument document;
+  TarnDomDocument& tree = *document.getItsTarnDomDocument();
+  const auto declaration = [&tree] {
+    return tree.allocate_node(rapidxml::node_declaration, nullptr, nullptr, 0, 0);
+  };
+  TarnDomElement* const first = declaration();
+  EXPECT_EQ(first, tree.getDocumentDeclaration());
+  EXPECT_FALSE(first->hasAttributes());
+  for (const char* const text :
+       {"<tarn/>", "<tarn/><!-- c -->", "<?xml version='1'?><tarn>", "<"}) {
+    document.parse(text, false);
+    EXPECT_EQ(declaration(), first) << text;
+    EXPECT_EQ(declaration(), first) << text;
+    EXPECT_FALSE(first->hasAttributes());
+    EXPECT_EQ(document.parse("<tarn><?xml version='1'?></tarn>", false), 1);
+  }
+}
+
 TEST(HostileTextTest, SecondRootAtTopLevelIsTheSameObjectAtTheEnd) {
   LibTarnDocument document;
   ASSERT_EQ(document.parse("<tarn version='1'><cmData type='plan'/></tarn><p/>"

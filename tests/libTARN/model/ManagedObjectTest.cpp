@@ -178,6 +178,16 @@ TEST_F(ManagedObjectTest, ContainerTellsMissesAndDuplicates) {
             "The 'extension' element already contains a 'p' element with 'name=x'");
 }
 
+// Children are told apart by their identifiers; the attribute's name is only told.
+TEST_F(ManagedObjectTest, ContainerOfAnotherAttributeComparesIdentifiersToo) {
+  auto& extension = dynamic_cast<LibTarnExtensionImp&>(*factory().createLibTarnExtension("e"));
+  const UniqueContainer<LibTarnExtensionImp, ScalarImp, std::string> container("id");
+  container.add(extension, dynamic_cast<ScalarImp&>(scalar("x")));
+  EXPECT_TRUE(container.has(extension, "x"));
+  EXPECT_THROW(container.add(extension, dynamic_cast<ScalarImp&>(scalar("x"))),
+               exceptions::DuplicateElementException);
+}
+
 TEST_F(ManagedObjectTest, OperationIsKeptInStepWithItsAttribute) {
   LibTarnManagedObjectImp& object = own();
   EXPECT_TRUE(object.getOperation() == Operation::AUTO);

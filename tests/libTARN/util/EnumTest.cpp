@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <map>
+#include <string>
+#include <type_traits>
+
 #include "model/LibTarnCmData.hpp"
 #include "model/LibTarnManagedObject.hpp"
 #include "util/Enum.hpp"
@@ -11,6 +15,10 @@ using libtarn::model::LibTarnCmData;
 using libtarn::model::LibTarnManagedObject;
 using libtarn::util::Enum;
 using libtarn::util::Logger;
+
+static_assert(std::is_same_v<decltype(Enum<LibTarnCmData::Type>::getStringToEnum()),
+                             std::map<std::string, const Enum<LibTarnCmData::Type>*>&>,
+              "hosts hold the table by this type");
 
 template <class T>
 void expectConstant(const Enum<T>& constant, int ordinal, const char* text) {

@@ -10,7 +10,7 @@ namespace indexation {
 
 /// Byte order of zero-terminated texts. Null counts as "".
 struct TARN_API CharComparePredicate {
-  /// Whether `a` comes before `b`, byte by byte; neither is null.
+  /// Whether `a` comes before `b`, byte by byte.
   bool operator()(const char* a, const char* b) const { return compare(a, b) < 0; }
 
   /// Negative, zero or positive as `a` comes before, equals or comes after `b`.

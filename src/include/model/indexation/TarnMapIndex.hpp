@@ -45,8 +45,8 @@ class TARN_API TarnMapIndex : public ITarnUniqueIndex<T> {
   NamedEntries<T>* entries_ = nullptr;  // made by the first add: many elements have none
 };
 
-extern template class TarnMapIndex<Scalar, ScalarNameExtractor>;
-extern template class TarnMapIndex<List, ListNameExtractor>;
+extern template class TARN_API TarnMapIndex<Scalar, ScalarNameExtractor>;
+extern template class TARN_API TarnMapIndex<List, ListNameExtractor>;
 
 }  // namespace indexation
 }  // namespace model

@@ -58,7 +58,7 @@ class TARN_API TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUnique
   std::size_t nextSerial_ = 0;
 };
 
-extern template class TarnUniqueAndNonUniqueMultiIndex<
+extern template class TARN_API TarnUniqueAndNonUniqueMultiIndex<
     LibTarnManagedObject, ManagedObjectDistNameExtractor, ManagedObjectClassNameExtractor>;
 
 }  // namespace indexation

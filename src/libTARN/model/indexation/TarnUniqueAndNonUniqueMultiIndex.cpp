@@ -3,6 +3,7 @@
 #include <limits>
 #include <new>
 
+#include "../patternText.hpp"
 #include "EntryTree.hpp"
 #include "ObjectTable.hpp"
 #include "model/indexation/CharComparePredicate.hpp"
@@ -131,7 +132,7 @@ TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::findEn
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 T* TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::findUniqueElement(
     const char* key) const {
-  const ManagedObjectEntry* const entry = findEntry(key);
+  const ManagedObjectEntry* const entry = findEntry(textOrEmpty(key));
   return entry ? entry->object : nullptr;
 }
 

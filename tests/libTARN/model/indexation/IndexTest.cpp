@@ -108,6 +108,11 @@ TEST_F(IndexTest, ManagedObjectsAreInByteOrderOfTheirNames) {
   EXPECT_EQ(names(index.getCollection()), (Names{"A-1/B-10", "A-1/B-2"}));
   EXPECT_EQ(index.size(), 2U);
   EXPECT_EQ(index.findUniqueElement("A-1"), nullptr);
+  EXPECT_EQ(index.findUniqueElement(nullptr), nullptr);
+  auto* const nameless =
+      dynamic_cast<LibTarnManagedObject*>(document_.getFactory().allocateTarnManagedObjectNode());
+  EXPECT_TRUE(index.add(nameless));
+  EXPECT_EQ(index.findUniqueElement(nullptr), nameless);
 }
 
 TEST_F(IndexTest, ObjectsOfAClassAreInTheOrderOfInsertion) {
