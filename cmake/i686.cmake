@@ -11,5 +11,6 @@ set(CMAKE_CXX_FLAGS_INIT "-D_FILE_OFFSET_BITS=64")
 # The older kind of run path holds for the libraries of libraries, too: libm of libstdc++.
 set(i686_run_path "-Wl,--disable-new-dtags,-rpath,${i686_libraries}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${i686_run_path}")
+set(CMAKE_MODULE_LINKER_FLAGS_INIT "${i686_run_path}")
 set(CMAKE_EXE_LINKER_FLAGS_INIT
   "${i686_run_path} -Wl,--dynamic-linker=${i686_libraries}/ld-linux.so.2")
