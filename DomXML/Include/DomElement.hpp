@@ -25,8 +25,8 @@ class TARN_API DomElement : public IDomElement, public rapidxml::xml_node<char> 
   static void* operator new(std::size_t /*size*/, void* place) { return place; }
 
   /// Keeps the node kind, and asks children of derived classes for their own clone(); `clone(pool)`
-  /// makes an element whatever kind and class it is of, and its children. What is no derived class
-  /// is copied without recursion on the depth of the tree.
+  /// makes plain elements, whatever the kinds and classes of this one and its children. Neither
+  /// recurses on the depth of the tree, but for what the clone() of a derived class does.
   IDomElement* clone() const override;
   IDomElement* clone(IMemoryPool* pool) const override;
 
