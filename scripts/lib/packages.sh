@@ -2,7 +2,7 @@
 
 BUILD_PACKAGES=(g++ cmake ninja-build python3 libboost-dev libgtest-dev googletest
   libcli11-dev libfmt-dev nlohmann-json3-dev zlib1g-dev scdoc)
-TEST_PACKAGES=(clang clang-format clang-tidy g++-i686-linux-gnu
+TEST_PACKAGES=(clang clang-format clang-tidy libclang-rt-dev g++-i686-linux-gnu
   chromium chromium-driver python3-selenium valgrind patch libxml2-dev libxml2-utils libexpat1-dev
   pkgconf make abigail-tools xz-utils doxygen)
 ALL_PACKAGES=(g++-arm-linux-gnueabihf g++-powerpc-linux-gnu qemu-user locales gcovr
