@@ -324,30 +324,31 @@ TEST_P(DomTest, FactoryCopiesTextsByTheirSizes) {
   EXPECT_DEATH(DomFactory(&nothing).allocateAttribute("a", "b", 0, 0), "assertion failed: memory");
 }
 
-// Neither is a text with a size ended by a zero, nor do these sizes end where one is.
+// Nothing ends a text that came with a size: those of eight characters leave no gap before the next
+// thing in the pool.
 TEST_P(DomTest, TextsWithSizesAreCopiedAndComparedByThem) {
   DomFactory factory(document_.get());
   DomElement* const element =
-      factory.allocateNode(rapidxml::node_element, "elementX", "textX", 7, 4);
-  DomAttribute* const attribute = factory.allocateAttribute("nameX", "valueX", 4, 5);
+      factory.allocateNode(rapidxml::node_element, "elementsX", "contentsX", 8, 8);
+  DomAttribute* const attribute = factory.allocateAttribute("propertyX", "quantityX", 8, 8);
   element->addAttribute(attribute);
-  element->addAttribute(factory.allocateAttribute("nameY", "other", 4, 5));
-  element->addAttribute(factory.allocateAttribute("name", "other", 0, 0));
-  EXPECT_EQ(tarn_test::dump(*element), "element(name=value)\"text\"");
+  element->addAttribute(factory.allocateAttribute("propertyY", "other", 8, 0));
+  element->addAttribute(factory.allocateAttribute("property", "other", 0, 0));
+  EXPECT_EQ(tarn_test::dump(*element), "elements(property=quantity)\"contents\"");
   const std::unique_ptr<DomDocument> other(DomDocument::createDomDocument(GetParam()));
   for (const auto* copy : {static_cast<DomElement*>(element->clone()),
                            static_cast<DomElement*>(element->clone(other.get()))}) {
-    EXPECT_STREQ(copy->getTagName(), "element");
-    EXPECT_STREQ(copy->getValue(), "text");
-    EXPECT_STREQ(copy->getAttribute("name"), "value");
-    EXPECT_EQ(tarn_test::dump(*copy), "element(name=value)\"text\"");
+    EXPECT_STREQ(copy->getTagName(), "elements");
+    EXPECT_STREQ(copy->getValue(), "contents");
+    EXPECT_STREQ(copy->getAttribute("property"), "quantity");
+    EXPECT_EQ(tarn_test::dump(*copy), "elements(property=quantity)\"contents\"");
   }
   const char* const before = attribute->getValue();
-  attribute->setValue("value");
-  attribute->setTagName("name");
+  attribute->setValue("quantity");
+  attribute->setTagName("property");
   EXPECT_EQ(attribute->getValue(), before);
-  attribute->setValue("valueX");
-  EXPECT_STREQ(element->getAttribute("name"), "valueX");
+  attribute->setValue("quantityX");
+  EXPECT_STREQ(element->getAttribute("property"), "quantityX");
 }
 
 // One text at a time, when the next one is given as a text to be copied.
