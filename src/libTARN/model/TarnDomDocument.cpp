@@ -65,8 +65,9 @@ bool TarnDomDocument::isTopLevelNode() { return std::exchange(beforeTopLevelNode
 
 // A document has one declaration: a further one in the text fills it anew and moves it to the end.
 TarnDomElement* TarnDomDocument::reuseDeclaration() {
-  if (isParsing_ && !isTopLevelNode())
+  if (isParsing_ && !isTopLevelNode()) {
     throw rapidxml::parse_error("unknown TARN object", parsePosition_);
+  }
   if (declaration_->parent()) remove_node(declaration_);
   declaration_->remove_all_attributes();
   return static_cast<TarnDomElement*>(declaration_);
