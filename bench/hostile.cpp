@@ -102,6 +102,17 @@ std::string crowding(std::size_t number) {
   return digits(number);
 }
 
+// How many slots a table of so many names has, and the slot of a name in it.
+std::size_t slotsFor(std::size_t count) {
+  std::size_t slots = 16;
+  while (slots / 3 * 2 < count) slots *= 2;
+  return slots;
+}
+
+std::size_t slotOf(const std::string& name, std::size_t slots) {
+  return libtarn::model::indexation::textHash(name.data(), name.size()) & (slots - 1);
+}
+
 std::string object(const std::string& name, const std::string& content) {
   return "<managedObject class='C' distName='" + name + "'>" + content + "</managedObject>";
 }
@@ -109,7 +120,42 @@ std::string object(const std::string& name, const std::string& content) {
 struct Shape {
   const char* name;
   std::function<std::string(std::size_t bytes)> make;
+  /// What the text is merged into beside itself; an empty document when there is no such function.
+  std::function<std::string(std::size_t bytes)> makeSource = nullptr;
 };
+
+// Objects that fill the slots of a table one behind the other, each in the slot of its hash, ...
+constexpr std::size_t BYTES_OF_OBJECT = 64;
+
+std::string objectsInARow(std::size_t bytes) {
+  const std::size_t count = bytes / BYTES_OF_OBJECT;
+  std::vector<std::string> names(count);
+  std::size_t missing = count;
+  for (std::uint32_t number = 0; missing > 0; ++number) {
+    std::string name = "A-" + std::to_string(number);
+    const std::size_t slot = slotOf(name, slotsFor(count));
+    if (slot >= count || !names[slot].empty()) continue;
+    names[slot] = std::move(name);
+    --missing;
+  }
+  std::string text;
+  for (const std::string& name : names) text += object(name, "");
+  return text;
+}
+
+// ... and as many others whose search begins at the start of that row.
+std::string objectsBeforeTheRow(std::size_t bytes) {
+  const std::size_t count = bytes / BYTES_OF_OBJECT;
+  std::string text;
+  std::size_t made = 0;
+  for (std::uint32_t number = 0; made < count; ++number) {
+    const std::string name = "B-" + std::to_string(number);
+    if (slotOf(name, slotsFor(count)) >= count / 64 + 1) continue;
+    text += object(name, "");
+    ++made;
+  }
+  return text;
+}
 
 const std::string OPEN = "<managedObject class='C' distName='A-1'>";
 const std::string CLOSE = "</managedObject>";
@@ -185,6 +231,9 @@ const Shape SHAPES[] = {
            [](std::size_t i) { return object(std::string(200, 'A') + "-" + shuffled(i), ""); },
            ""));
      }},
+    {"objects looked for along a row of slots",
+     [](std::size_t bytes) { return whole(HEADER + objectsBeforeTheRow(bytes)); },
+     [](std::size_t bytes) { return whole(HEADER + objectsInARow(bytes)); }},
     {"a duplicate at the end",
      [](std::size_t bytes) {
        return whole(repeat(
@@ -286,14 +335,23 @@ const Shape SHAPES[] = {
      }},
 };
 
-std::vector<char> textOf(const Shape& shape, std::size_t bytes) {
+/// What is measured: the text of a shape, and what it is merged into.
+struct Texts {
+  std::vector<char> text;
+  std::string source;
+};
+
+Texts textsOf(const Shape& shape, std::size_t bytes) {
   const std::string text = shape.make(bytes);
-  std::vector<char> result(text.begin(), text.end());
-  result.push_back('\0');
-  return result;
+  Texts texts;
+  texts.text.assign(text.begin(), text.end());
+  texts.text.push_back('\0');
+  texts.source = shape.makeSource ? shape.makeSource(bytes) : whole(HEADER);
+  return texts;
 }
 
-void run(std::vector<char> text, const std::string& phase) {
+void run(const Texts& texts, const std::string& phase) {
+  const std::vector<char>& text = texts.text;
   std::vector<char> copy = text;
   LibTarnDocument document;
   measured_load(document, copy);
@@ -304,14 +362,13 @@ void run(std::vector<char> text, const std::string& phase) {
   delta.parse(text, false);
   // Into the same, and into one that has none of the objects.
   measured_merge(document, delta);
-  LibTarnDocument empty;
-  std::string header = whole(HEADER);
-  empty.parse(header.c_str(), false);
+  LibTarnDocument source;
+  source.parse(texts.source.c_str(), false);
   if (const LibTarnCmData* const cmData = delta.getLibTarnCmData()) {
     // The first merge has made updates of them.
     for (LibTarnManagedObject* each : cmData->getLibTarnManagedObjects()) each->clearOperation();
   }
-  measured_merge(empty, delta);
+  measured_merge(source, delta);
 }
 
 template <class Work>
@@ -323,7 +380,8 @@ double nanoseconds(Work work) {
 
 // Medians of a few rounds: nanoseconds for each byte of text, of what is printed for print, and
 // bytes of memory for each byte of text.
-void tellTimes(const std::vector<char>& text) {
+void tellTimes(const Texts& texts) {
+  const std::vector<char>& text = texts.text;
   std::vector<double> times[3];
   double memory = 0;
   const auto size = static_cast<double>(text.size());
@@ -337,9 +395,9 @@ void tellTimes(const std::vector<char>& text) {
     times[1].push_back(print / static_cast<double>(std::max(printed.size(), text.size())));
     LibTarnDocument delta;
     delta.parse(text, false);
-    LibTarnDocument empty;
-    empty.parse(whole(HEADER).c_str(), false);
-    times[2].push_back(nanoseconds([&] { measured_merge(empty, delta); }) / size);
+    LibTarnDocument source;
+    source.parse(texts.source.c_str(), false);
+    times[2].push_back(nanoseconds([&] { measured_merge(source, delta); }) / size);
   }
   for (std::vector<double>& each : times) {
     std::nth_element(each.begin(), each.begin() + 2, each.end());
@@ -361,11 +419,11 @@ int main(int argc, char** argv) {
   }
   for (const Shape& shape : SHAPES) {
     if (std::strcmp(shape.name, argv[1]) != 0) continue;
-    std::vector<char> text = textOf(shape, std::strtoul(argv[2], nullptr, 10));
+    const Texts texts = textsOf(shape, std::strtoul(argv[2], nullptr, 10));
     if (std::strcmp(argv[3], "times") == 0) {
-      tellTimes(text);
+      tellTimes(texts);
     } else {
-      run(std::move(text), argv[3]);
+      run(texts, argv[3]);
     }
     return 0;
   }

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """How load, print and merge grow on documents made to be slow.
 
-Usage: bench/hostile.py BUILD [--times]
+Usage: bench/hostile.py BUILD [--times] [--only REGEX]
 
 Counts instructions under callgrind for each shape that `hostile --list` tells, at a size and at
 four times that size. More than 4 * 1.25 as many for any of them is worse than n log n, and the exit
 status is 1. With --times a table of nanoseconds for each byte at 4 MiB is written instead, beside an
-ordinary document's.
+ordinary document's. --only takes the shapes whose names it finds.
 """
 
 import argparse
@@ -73,10 +73,14 @@ def main():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("build", type=Path)
     parser.add_argument("--times", action="store_true", help="measure times and memory")
+    parser.add_argument("--only", default="", metavar="REGEX", help="the shapes to take")
     arguments = parser.parse_args()
     program = str(arguments.build / "bin" / "hostile")
     shapes = subprocess.run([program, "--list"], check=True, capture_output=True,
                             text=True).stdout.splitlines()
+    shapes = [shape for shape in shapes if re.search(arguments.only, shape)]
+    if not shapes:
+        parser.error(f"no shape is like {arguments.only}")
     return (tell_times if arguments.times else hold)(program, shapes)
 
 

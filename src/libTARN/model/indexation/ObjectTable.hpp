@@ -8,9 +8,11 @@
 // marks, so that the table does not age. When the slots grow, the hashes that they hold do for
 // placing them anew, without a look at the names.
 //
-// The names come from documents, and whoever writes one can make as many of one hash as they like.
-// An insertion that meets too many slots therefore says that the table is crowded, and the index
-// gives it up for a tree.
+// The names come from documents, and whoever writes one knows the hash: they can make as many names
+// of one hash as they like, and names that fill the slots in a row. So no walk along the slots is
+// longer than MOST_PROBES. An insertion that would place an entry further from the slot of its hash
+// says that the table is crowded, and the index gives it up for a tree. A search ends at that
+// distance, since no entry is further away: growing and removing bring entries only closer.
 
 #include <array>
 #include <cstddef>
@@ -64,16 +66,15 @@ class ObjectTable {
   const ManagedObjectEntry* find(const char* key) const {
     if (!slots_) return nullptr;
     const std::size_t position = positionOf(key);
-    const Slot& slot = slots_[position];
-    return slot.number == 0 ? nullptr : &entryAt(slot.number);
+    return position == NOWHERE ? nullptr : &entryAt(slots_[position].number);
   }
 
   /// False when there is no entry of that key.
   bool erase(const char* key) {
     if (!slots_) return false;
     const std::size_t position = positionOf(key);
+    if (position == NOWHERE) return false;
     const std::uint32_t number = slots_[position].number;
-    if (number == 0) return false;
     closeGap(position);
     ManagedObjectEntry& entry = entryAt(number);
     entry.object = nullptr;
@@ -97,6 +98,7 @@ class ObjectTable {
   static constexpr std::size_t MOST_PROBES = 128;
   static constexpr std::size_t MOST_SAME_HASHES = 8;
   static constexpr std::size_t AHEAD = 8;
+  static constexpr std::size_t NOWHERE = static_cast<std::size_t>(-1);
   static constexpr std::uint32_t FIRST_CHUNK = 8;  // entries, a power of two
   static constexpr std::size_t MOST_CHUNKS = 29;   // hold 2^32 entries
 
@@ -128,14 +130,16 @@ class ObjectTable {
     return slot.hash == hash && std::strcmp(entryAt(slot.number).key, key) == 0;
   }
 
-  // The slot of the key, or the empty one where the search for it ends.
+  // The slot of the key, or NOWHERE.
   std::size_t positionOf(const char* key) const {
     const std::uint32_t hash = hashOf(key);
     std::size_t position = hash & mask_;
-    while (slots_[position].number != 0 && !holds(slots_[position], hash, key)) {
+    for (std::size_t probes = 0; slots_[position].number != 0; ++probes) {
+      if (holds(slots_[position], hash, key)) return position;
+      if (probes == MOST_PROBES) break;
       position = (position + 1) & mask_;
     }
-    return position;
+    return NOWHERE;
   }
 
   // How many entries are too many for so many slots.
@@ -148,26 +152,36 @@ class ObjectTable {
     mask_ = newCapacity - 1;
   }
 
+  // From an empty slot on, so that no row of slots is begun in its middle: then each entry finds a
+  // place that is no further from the slot of its hash than before, since those that stood before
+  // it have found theirs.
   void growSlots() {
     const Slot* const old = slots_;
     const std::size_t oldCapacity = capacity();
     makeSlots(2 * oldCapacity);
-    for (std::size_t i = 0; i < oldCapacity; ++i) {
-      if (old[i].number == 0) continue;
-      std::size_t position = old[i].hash & mask_;
+    std::size_t start = 0;
+    while (old[start].number != 0) ++start;
+    for (std::size_t i = 1; i < oldCapacity; ++i) {
+      const Slot& slot = old[(start + i) & (oldCapacity - 1)];
+      if (slot.number == 0) continue;
+      std::size_t position = slot.hash & mask_;
       while (slots_[position].number != 0) position = (position + 1) & mask_;
-      slots_[position] = old[i];
+      slots_[position] = slot;
     }
   }
 
-  // Moves back what was placed behind its own position because of the slot that goes.
+  // Moves back what was placed behind its own position because of the slot that goes. What stands
+  // too far behind the gap belongs behind it. How often an entry can be moved back is bounded by
+  // the probes that placed it.
   void closeGap(std::size_t gap) {
-    for (std::size_t next = (gap + 1) & mask_; slots_[next].number != 0;
-         next = (next + 1) & mask_) {
+    std::size_t next = (gap + 1) & mask_;
+    while (slots_[next].number != 0 && ((next - gap) & mask_) <= MOST_PROBES) {
       const std::size_t home = slots_[next].hash & mask_;
-      if (((next - home) & mask_) < ((next - gap) & mask_)) continue;
-      slots_[gap] = slots_[next];
-      gap = next;
+      if (((next - home) & mask_) >= ((next - gap) & mask_)) {
+        slots_[gap] = slots_[next];
+        gap = next;
+      }
+      next = (next + 1) & mask_;
     }
     slots_[gap].number = 0;
   }
