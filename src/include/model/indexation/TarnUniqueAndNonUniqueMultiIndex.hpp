@@ -11,8 +11,8 @@ namespace model {
 namespace indexation {
 
 class ObjectTable;
-template <class Entry, class Order>
-class EntryTree;
+template <class Order>
+class ObjectView;
 struct UniqueKeyOrder;
 struct SharedKeyOrder;
 
@@ -40,8 +40,8 @@ class TARN_API TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUnique
   bool addAll(const HashedObject* objects, std::size_t count) override;
 
  private:
-  using UniqueView = EntryTree<ManagedObjectEntry, UniqueKeyOrder>;
-  using SharedView = EntryTree<ManagedObjectEntry, SharedKeyOrder>;
+  using UniqueView = ObjectView<UniqueKeyOrder>;
+  using SharedView = ObjectView<SharedKeyOrder>;
 
   const ManagedObjectEntry* findEntry(const char* key) const;
   bool addUnique(const ManagedObjectEntry& entry);

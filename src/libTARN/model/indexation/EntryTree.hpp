@@ -65,10 +65,21 @@ class EntryTree {
   }
 
   /// The first entry that is not less than `key`.
-  typename TarnCollection<Entry>::iterator lowerBound(const Entry& key) const {
+  EntryPlace<Entry> lowerBound(const Entry& key) const {
     if (!root_) return {};
-    const Leaf* const leaf = descend(key, nullptr);
-    return iterator(lowerBound(leaf, key), leaf);
+    const EntryRun<Entry>* run = descend(key, nullptr);
+    const Entry* entry = lowerBound(static_cast<const Leaf*>(run), key);
+    while (run && entry == run->end) {
+      run = run->next;
+      entry = run ? run->begin : nullptr;
+    }
+    return {entry, run, entry && Order::compare(*entry, key) == 0};
+  }
+
+  /// The first entry.
+  EntryPlace<Entry> first() const {
+    if (size_ == 0) return {};
+    return {first_->begin, first_, true};
   }
 
   /// False, with nothing changed, when an equal entry is there.
@@ -126,8 +137,6 @@ class EntryTree {
  private:
   static_assert(std::is_trivially_destructible_v<Entry>,
                 "entries are dropped without being destroyed");
-
-  using iterator = typename TarnCollection<Entry>::iterator;
 
   struct Leaf : EntryRun<Entry> {
     Leaf* previous;

@@ -27,62 +27,101 @@ constexpr std::size_t FIRST_CAPACITY = 4;
 
 }  // namespace
 
-// One array, which is all that most elements need, or a tree.
+// One array, which is all that most elements need, or a tree. An array that was too small is left
+// to the walks that are in it: its run has no entries and leads to that of the larger one.
 //
-//   | run: begin, end | condition | tree | capacity, sorted | entry, entry, ...        |
+//   | changes | capacity, sorted | run: begin, end, next | condition | tree | entry, entry, ... |
 template <class T>
-struct NamedEntries {
+struct NamedEntries : EntrySource<ParameterEntry<T>>, EntryRun<ParameterEntry<T>> {
   using Entry = ParameterEntry<T>;
   using Order = NameOrder<Entry>;
   using Tree = EntryTree<Entry, Order>;
 
+  static constexpr std::size_t MOST_ENTRIES = std::numeric_limits<std::int32_t>::max();
+
   static NamedEntries* make(libDomXml::IMemoryPool* pool, std::size_t capacity) {
     const std::size_t size = sizeof(NamedEntries) + capacity * sizeof(Entry);
     auto* const made = new (TarnAllocator<unsigned char>(pool).allocate(size)) NamedEntries;
-    made->run = {made->array(), made->array(), nullptr};
-    made->capacity = static_cast<std::uint32_t>(capacity);
+    made->begin = made->array();
+    made->end = made->array();
+    made->next = nullptr;
+    made->capacity = static_cast<std::uint32_t>(capacity) & MOST_ENTRIES;
+    made->sorted = 1;
     return made;
   }
 
   Entry* array() { return reinterpret_cast<Entry*>(this + 1); }
-  std::size_t count() const { return static_cast<std::size_t>(run.end - run.begin); }
+  std::size_t count() const { return static_cast<std::size_t>(this->end - this->begin); }
   bool isFull() const { return count() == capacity; }
 
   // Where the entry is or would be; told at once for one that comes behind all others.
   std::size_t indexFor(const Entry& key) {
     const Order before;
-    if (count() == 0 || before(run.end[-1], key)) return count();
-    return static_cast<std::size_t>(std::lower_bound(run.begin, run.end, key, before) - run.begin);
+    if (count() == 0 || before(this->end[-1], key)) return count();
+    const Entry* const position = std::lower_bound(this->begin, this->end, key, before);
+    return static_cast<std::size_t>(position - this->begin);
   }
   bool isAt(std::size_t index, const Entry& key) const {
-    return index < count() && Order::compare(run.begin[index], key) == 0;
+    return index < count() && Order::compare(this->begin[index], key) == 0;
   }
 
   void insert(std::size_t index, const Entry& entry) {
     std::copy_backward(array() + index, array() + count(), array() + count() + 1);
     array()[index] = entry;
-    ++run.end;
+    ++this->end;
+    ++this->changes;
   }
 
   void erase(std::size_t index) {
     std::copy(array() + index + 1, array() + count(), array() + index);
-    --run.end;
+    --this->end;
+    ++this->changes;
   }
 
   NamedEntries* larger(libDomXml::IMemoryPool* pool) {
     NamedEntries* const made = make(pool, std::min(2 * count(), LARGEST_ARRAY));
-    made->run.end = std::copy(run.begin, run.end, made->array());
+    made->end = std::copy(this->begin, this->end, made->array());
+    this->begin = this->end;
+    this->next = made;
+    ++this->changes;
     return made;
+  }
+
+  // Where the entries of this array are now.
+  const NamedEntries& latest() const {
+    const NamedEntries* entries = this;
+    while (entries->next) entries = static_cast<const NamedEntries*>(entries->next);
+    return *entries;
   }
 
   void sort() {
     if (sorted) return;
     std::sort(array(), array() + count(), Order());
-    sorted = true;
+    sorted = 1;
   }
 
   TarnCollection<Entry> collection() const {
-    return tree ? tree->collection() : TarnCollection<Entry>(run);
+    if (tree) return TarnCollection<Entry>(followed(tree->first()));
+    if (count() == 0) return {};
+    return TarnCollection<Entry>(followed({this->begin, this}));
+  }
+
+  // The walk must not outlive a change.
+  TarnCollection<Entry> unordered() const {
+    return tree ? tree->collection() : TarnCollection<Entry>(*this);
+  }
+
+  EntryPlace<Entry> place(const Entry& key) {
+    if (tree) return followed(tree->lowerBound(key));
+    sort();
+    const std::size_t index = indexFor(key);
+    if (index == count()) return followed({});
+    return followed({this->begin + index, this, isAt(index, key)});
+  }
+
+  EntryPlace<Entry> followed(EntryPlace<Entry> place) const {
+    place.source = this;
+    return place;
   }
 
   // The array becomes leaves of the tree.
@@ -90,14 +129,49 @@ struct NamedEntries {
     auto* const made = new (TarnAllocator<Tree>(pool).allocate(1)) Tree(pool);
     made->takeSorted(array(), count());
     tree = made;
+    ++this->changes;
   }
 
-  EntryRun<Entry> run;
+  bool addToTree(const Entry& entry) {
+    const bool added = tree->add(entry);
+    if (added) ++this->changes;
+    return added;
+  }
+
+  bool eraseFromTree(const Entry& key) {
+    const bool erased = tree->erase(key);
+    if (erased) ++this->changes;
+    return erased;
+  }
+
+  std::uint32_t capacity : 31;
+  std::uint32_t sorted : 1;
   const bool* condition = nullptr;  // null: the entries are there without one
   Tree* tree = nullptr;             // instead of the array
-  std::uint32_t capacity = 0;
-  bool sorted = true;
 };
+
+namespace {
+
+template <class T>
+EntryPlace<ParameterEntry<T>> placeInArrayOrTree(const EntrySource<ParameterEntry<T>>& source,
+                                                 const ParameterEntry<T>& entry) {
+  const auto& entries = static_cast<const NamedEntries<T>&>(source).latest();
+  return const_cast<NamedEntries<T>&>(entries).place(entry);
+}
+
+}  // namespace
+
+template <>
+EntryPlace<ParameterEntry<Scalar>> placeOf(const EntrySource<ParameterEntry<Scalar>>& source,
+                                           const ParameterEntry<Scalar>& entry) {
+  return placeInArrayOrTree(source, entry);
+}
+
+template <>
+EntryPlace<ParameterEntry<List>> placeOf(const EntrySource<ParameterEntry<List>>& source,
+                                         const ParameterEntry<List>& entry) {
+  return placeInArrayOrTree(source, entry);
+}
 
 template <class T, class Extractor>
 NamedEntries<T>* TarnMapIndex<T, Extractor>::current() const {
@@ -115,12 +189,12 @@ NamedEntries<T>* TarnMapIndex<T, Extractor>::ordered() const {
 template <class T, class Extractor>
 bool TarnMapIndex<T, Extractor>::addOnceTrue(const bool& condition, const Entry* entries,
                                              std::size_t count, bool sorted) {
-  if (entries_ || count > std::numeric_limits<std::uint32_t>::max()) return false;
+  if (entries_ || count > NamedEntries<T>::MOST_ENTRIES) return false;
   if (count == 0) return true;
   NamedEntries<T>* const made = NamedEntries<T>::make(pool_, count);
-  made->run.end = std::copy(entries, entries + count, made->array());
+  made->end = std::copy(entries, entries + count, made->array());
   made->condition = &condition;
-  made->sorted = sorted;
+  made->sorted = sorted ? 1 : 0;
   entries_ = made;
   return true;
 }
@@ -134,7 +208,7 @@ bool TarnMapIndex<T, Extractor>::add(T* element) {
     entries_->insert(0, entry);
     return true;
   }
-  if (entries->tree) return entries->tree->add(entry);
+  if (entries->tree) return entries->addToTree(entry);
   const std::size_t index = entries->indexFor(entry);
   if (entries->isAt(index, entry)) return false;
   if (!entries->isFull()) {
@@ -144,7 +218,7 @@ bool TarnMapIndex<T, Extractor>::add(T* element) {
     entries_->insert(index, entry);
   } else {
     entries->turnIntoTree(pool_);
-    entries->tree->add(entry);
+    entries->addToTree(entry);
   }
   return true;
 }
@@ -159,7 +233,7 @@ bool TarnMapIndex<T, Extractor>::remove(const char* name) {
   NamedEntries<T>* const entries = ordered();
   if (!entries) return false;
   if (!entries->tree && entries->count() > LARGEST_ARRAY) entries->turnIntoTree(pool_);
-  if (entries->tree) return entries->tree->erase({name, nullptr});
+  if (entries->tree) return entries->eraseFromTree({name, nullptr});
   const std::size_t index = entries->indexFor({name, nullptr});
   if (!entries->isAt(index, {name, nullptr})) return false;
   entries->erase(index);
@@ -175,7 +249,7 @@ T* TarnMapIndex<T, Extractor>::find(const char* name) const {
     return entry ? entry->second : nullptr;
   }
   const std::size_t index = entries->indexFor({name, nullptr});
-  return entries->isAt(index, {name, nullptr}) ? entries->run.begin[index].second : nullptr;
+  return entries->isAt(index, {name, nullptr}) ? entries->begin[index].second : nullptr;
 }
 
 template <class T, class Extractor>
@@ -187,7 +261,7 @@ TarnCollection<ParameterEntry<T>> TarnMapIndex<T, Extractor>::getCollection() co
 template <class T, class Extractor>
 TarnCollection<ParameterEntry<T>> TarnMapIndex<T, Extractor>::getUnordered() const {
   const NamedEntries<T>* const entries = current();
-  return entries ? entries->collection() : TarnCollection<Entry>();
+  return entries ? entries->unordered() : TarnCollection<Entry>();
 }
 
 template <class T, class Extractor>

@@ -1,11 +1,10 @@
 #include "model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
 
-#include <limits>
 #include <new>
 
 #include "../patternText.hpp"
-#include "EntryTree.hpp"
 #include "ObjectTable.hpp"
+#include "ObjectView.hpp"
 #include "model/indexation/CharComparePredicate.hpp"
 #include "sortByKey.hpp"
 
@@ -27,6 +26,12 @@ struct SharedKeyOrder {
     return a.serial < b.serial ? -1 : 1;
   }
 };
+
+template <>
+EntryPlace<ManagedObjectEntry> placeOf(const EntrySource<ManagedObjectEntry>& source,
+                                       const ManagedObjectEntry& entry) {
+  return static_cast<const FollowedView&>(source).place(entry);
+}
 
 namespace {
 
@@ -141,11 +146,15 @@ ManagedObjectCollection
 TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getNonUniqueCollection(
     const char* key) const {
   if (size_ == 0) return {};
-  // No serial reaches the largest number.
-  const auto first = sharedView().lowerBound({key, nullptr, 0});
-  const auto last =
-      sharedView().lowerBound({key, nullptr, std::numeric_limits<std::size_t>::max()});
-  return {first, last};
+  const EntryPlace<ManagedObjectEntry> first = sharedView().place({key, nullptr, 0});
+  if (!first.entry) return {};
+  // With the key of an entry, which lives as long as the index. What comes into the class from now
+  // on is behind the end: a walk that gives objects another place among those of the class ends.
+  RangeEnd<ManagedObjectEntry> end;
+  end.bound = {first.entry->key, nullptr, nextSerial_};
+  return CharComparePredicate::compare(first.entry->key, key) == 0
+             ? ManagedObjectCollection(first, end)
+             : ManagedObjectCollection();
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
@@ -161,6 +170,9 @@ std::size_t TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtrac
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::clear() {
+  // Walks that are in the views end.
+  if (uniqueView_) uniqueView_->clear();
+  if (sharedView_) sharedView_->clear();
   table_ = nullptr;
   uniqueView_ = nullptr;
   sharedView_ = nullptr;
@@ -173,7 +185,7 @@ void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::f
   if (table_) {
     table_->forEach([&visit](const ManagedObjectEntry& entry) { visit(entry.object); });
   } else if (uniqueView_) {
-    for (T* const element : uniqueView_->collection()) visit(element);
+    for (T* const element : uniqueView_->unfollowed()) visit(element);
   }
 }
 
@@ -196,7 +208,7 @@ TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::shared
         take({NonUniqueExtractor()(entry.object), entry.object, entry.serial});
       };
       if (table_) return table_->forEach(takeByClass);
-      const ManagedObjectCollection collection = uniqueView_->collection();
+      const ManagedObjectCollection collection = uniqueView_->unfollowed();
       // The entries, whereas a range-for gives the objects.
       for (auto entry = collection.begin(); entry != collection.end(); ++entry) {
         takeByClass(*entry.operator->());
@@ -211,7 +223,7 @@ void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::e
     const ManagedObjectEntry& entry) {
   if (sharedView_->erase({NonUniqueExtractor()(entry.object), nullptr, entry.serial})) return;
   // The class was changed behind the index: it stands under its earlier key.
-  const ManagedObjectCollection collection = sharedView_->collection();
+  const ManagedObjectCollection collection = sharedView_->unfollowed();
   auto stale = collection.begin();
   while (stale != collection.end() && stale->serial != entry.serial) ++stale;
   if (stale != collection.end()) sharedView_->erase(ManagedObjectEntry(*stale.operator->()));

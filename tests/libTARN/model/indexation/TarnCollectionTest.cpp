@@ -3,6 +3,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "libtarn.hpp"
@@ -128,46 +129,225 @@ TEST(IndexInterfaceTest, IndexOfAHostAndOfTheLibraryGiveTheSameAnswers) {
   }
 }
 
-// What a host must not do; it may get wrong entries but neither leaves the index nor hangs.
-TEST(IndexInterfaceTest, WalkThatRemovesWhatItMeetsEnds) {
-  LibTarnDocument document;
-  for (const int count : {1, 2, 3, 5, 64, 65, 129, 1000}) {
-    SCOPED_TRACE(count);
-    const TarnIndexFactory factory(*document.getItsTarnDomDocument());
-    auto& index = *factory.createUniqueAndNonUniqueMultiIndex();
+// Walks during which the index changes: each step goes to what follows in the index as it is then.
+
+using ObjectIndex = ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>;
+
+class ChangingIndexTest : public ::testing::Test {
+ protected:
+  LibTarnManagedObject* object(const std::string& className, const std::string& name) {
+    return document_.getFactory().createLibTarnManagedObject(className.c_str(), name.c_str(),
+                                                             nullptr);
+  }
+  Scalar* scalar(const std::string& name) {
+    return document_.getFactory().createScalar(name.c_str(), nullptr);
+  }
+  // As many of each of three classes; one walk of the middle one is tested.
+  ObjectIndex& indexOfThreeClasses(int count) {
+    ObjectIndex& index = *factory_.createUniqueAndNonUniqueMultiIndex();
     for (int i = 0; i < count; ++i) {
-      const std::string name = "A-" + std::to_string(i);
-      index.add(document.getFactory().createLibTarnManagedObject("C", name.c_str(), nullptr));
+      for (const char* const className : {"A", "B", "C"}) {
+        index.add(object(className, className + std::to_string(i) + "-1"));
+      }
     }
-    std::size_t met = 0;
-    for (LibTarnManagedObject* const element : index.getCollection()) {
+    return index;
+  }
+
+  LibTarnDocument document_;
+  TarnIndexFactory factory_{*document_.getItsTarnDomDocument()};
+};
+
+constexpr int COUNTS[] = {1, 2, 3, 4, 5, 64, 65, 129, 200, 1000};
+
+TEST_F(ChangingIndexTest, ClassWalkThatStepsAndThenRemovesMeetsItsClassOnly) {
+  for (const int count : COUNTS) {
+    SCOPED_TRACE(count);
+    ObjectIndex& index = indexOfThreeClasses(count);
+    const ManagedObjectCollection ofClass = index.getNonUniqueCollection("B");
+    int met = 0;
+    for (auto it = ofClass.begin(); it != ofClass.end();) {
+      LibTarnManagedObject* const current = *it;
+      ++it;
+      ASSERT_STREQ(current->getClass(), "B");
+      ASSERT_TRUE(index.remove(current));
       ++met;
-      index.remove(element);
-      if (met % 3 == 0) index.add(element);
     }
-    EXPECT_LE(met, 2U * static_cast<std::size_t>(count));
+    EXPECT_EQ(met, count);
+    EXPECT_EQ(index.size(), 2U * static_cast<std::size_t>(count));
   }
 }
 
-TEST(IndexInterfaceTest, WalkEndsWhenTheRestWasRemovedMeanwhile) {
-  LibTarnDocument document;
-  const TarnIndexFactory factory(*document.getItsTarnDomDocument());
-  ITarnUniqueIndex<Scalar>& index = *factory.createUniqueScalarNameTarnIndex();
-  std::vector<Scalar*> scalars;
-  for (int i = 1000; i < 2000; ++i) {
-    scalars.push_back(document.getFactory().createScalar(std::to_string(i).c_str(), nullptr));
-    index.add(scalars.back());
+TEST_F(ChangingIndexTest, RangeForMayRemoveWhatItMeets) {
+  for (const int count : COUNTS) {
+    SCOPED_TRACE(count);
+    ObjectIndex& index = indexOfThreeClasses(count);
+    int met = 0;
+    for (LibTarnManagedObject* const each : index.getNonUniqueCollection("B")) {
+      ASSERT_STREQ(each->getClass(), "B");
+      ASSERT_TRUE(index.remove(each));
+      ++met;
+    }
+    EXPECT_EQ(met, count);
+    for (LibTarnManagedObject* const each : index.getCollection()) {
+      ASSERT_TRUE(index.remove(each));
+      ++met;
+    }
+    EXPECT_EQ(met, 3 * count);
+    EXPECT_EQ(index.size(), 0U);
+
+    ITarnUniqueIndex<Scalar>& scalars = *factory_.createUniqueScalarNameTarnIndex();
+    for (int i = 0; i < count; ++i) scalars.add(scalar(std::to_string(i)));
+    met = 0;
+    for (const auto& entry : scalars.getCollection()) {
+      ASSERT_TRUE(scalars.remove(entry.first));
+      ++met;
+    }
+    EXPECT_EQ(met, count);
+    EXPECT_EQ(scalars.size(), 0U);
   }
-  const ScalarCollection all = index.getCollection();
+}
+
+TEST_F(ChangingIndexTest, ClassWalkThatAddsToItsClassEnds) {
+  ObjectIndex& index = indexOfThreeClasses(100);
+  int met = 0;
+  for (LibTarnManagedObject* const each : index.getNonUniqueCollection("B")) {
+    ASSERT_STREQ(each->getClass(), "B");
+    // Again, behind all others of the class; and another class right behind this one.
+    ASSERT_TRUE(index.remove(each));
+    ASSERT_TRUE(index.add(each));
+    index.add(object("B" + std::to_string(met), "D-" + std::to_string(met)));
+    ++met;
+  }
+  EXPECT_EQ(met, 100);
+  EXPECT_EQ(index.size(), 400U);
+}
+
+TEST_F(ChangingIndexTest, WalkAtItsEndStaysThereWhateverIsAdded) {
+  ObjectIndex& index = indexOfThreeClasses(3);
+  for (const ManagedObjectCollection& all :
+       {index.getNonUniqueCollection("B"), index.getNonUniqueCollection("C"),
+        index.getCollection()}) {
+    auto it = all.begin();
+    while (it != all.end()) ++it;
+    index.add(object("B1", "Y-" + std::to_string(index.size())));
+    index.add(object("Z", "Z-" + std::to_string(index.size())));
+    index.remove(*index.getCollection().begin());
+    EXPECT_EQ(it, all.end());
+  }
+}
+
+TEST_F(ChangingIndexTest, WalkInAnIndexThatIsClearedEnds) {
+  ObjectIndex& index = indexOfThreeClasses(100);
+  const ManagedObjectCollection all = index.getCollection();
+  const ManagedObjectCollection ofClass = index.getNonUniqueCollection("B");
   auto it = all.begin();
-  for (int i = 0; i < 10; ++i) ++it;
-  for (std::size_t i = 5; i < scalars.size(); ++i) index.remove(scalars[i]);
-  int steps = 0;
-  while (it != all.end() && steps < 2000) {
-    ++it;
-    ++steps;
-  }
+  auto itOfClass = ofClass.begin();
+  index.clear();
+  index.add(object("B", "B-1"));
   EXPECT_EQ(it, all.end());
+  EXPECT_EQ(itOfClass, ofClass.end());
+}
+
+// What a walk meets next must be what follows in a model that was changed in the same way.
+TEST_F(ChangingIndexTest, WalksOverParametersAgreeWithAMap) {
+  for (unsigned seed = 0; seed < 200; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    const unsigned names = 4U << seed % 8;
+    ITarnUniqueIndex<Scalar>& index = *factory_.createUniqueScalarNameTarnIndex();
+    std::map<std::string, Scalar*> model;
+    const auto change = [&] {
+      const std::string name = std::to_string(random() % names);
+      if (random() % 2 == 0) {
+        ASSERT_EQ(index.remove(name.c_str()), model.erase(name) == 1);
+      } else if (Scalar* const added = scalar(name); index.add(added)) {
+        ASSERT_TRUE(model.emplace(name, added).second);
+      }
+    };
+    for (unsigned i = 0; i < names; ++i) change();
+    for (int walk = 0; walk < 5; ++walk) {
+      const ScalarCollection all = index.getCollection();
+      auto expected = model.begin();
+      for (auto it = all.begin(); it != all.end(); ++it) {
+        ASSERT_NE(expected, model.end());
+        ASSERT_EQ(it->first, expected->first);
+        ASSERT_EQ(it->second, expected->second);
+        const std::string current = it->first;
+        for (unsigned changes = random() % 4; changes > 0; --changes) change();
+        expected = model.upper_bound(current);
+      }
+      ASSERT_EQ(expected, model.end());
+    }
+  }
+}
+
+TEST_F(ChangingIndexTest, WalksOverObjectsAgreeWithMaps) {
+  for (unsigned seed = 0; seed < 200; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    const unsigned names = 4U << seed % 9;
+    ObjectIndex& index = *factory_.createUniqueAndNonUniqueMultiIndex();
+    // By class and number of insertion, and by name.
+    std::map<std::pair<std::string, std::size_t>, LibTarnManagedObject*> byClass;
+    std::map<std::string, std::pair<std::string, std::size_t>> byName;
+    std::size_t serial = 0;
+    const auto change = [&] {
+      const std::string name = "A-" + std::to_string(random() % names);
+      if (random() % 2 == 0) {
+        LibTarnManagedObject* const found = index.findUniqueElement(name.c_str());
+        ASSERT_EQ(found != nullptr, byName.count(name) == 1);
+        if (!found) return;
+        ASSERT_TRUE(index.remove(found));
+        byClass.erase(byName[name]);
+        byName.erase(name);
+      } else {
+        const std::string className = "C" + std::to_string(random() % 3);
+        LibTarnManagedObject* const added = object(className, name);
+        if (!index.add(added)) return;
+        byClass.emplace(std::pair(className, serial), added);
+        byName.emplace(name, std::pair(className, serial++));
+      }
+    };
+    for (unsigned i = 0; i < names; ++i) change();
+    for (int walk = 0; walk < 4; ++walk) {
+      const std::string className = "C" + std::to_string(walk);
+      const std::pair<std::string, std::size_t> end(className, serial);
+      const ManagedObjectCollection ofClass = index.getNonUniqueCollection(className.c_str());
+      auto expected = byClass.lower_bound({className, 0});
+      for (auto it = ofClass.begin(); it != ofClass.end();) {
+        ASSERT_NE(expected, byClass.end());
+        ASSERT_EQ(*it, expected->second);
+        std::pair<std::string, std::size_t> current = expected->first;
+        // Changes come before or after the step.
+        const bool stepFirst = random() % 2 == 0;
+        if (stepFirst) {
+          ++it;
+          expected = byClass.upper_bound(current);
+          if (expected == byClass.lower_bound(end)) {
+            ASSERT_EQ(it, ofClass.end());
+            break;
+          }
+          current = expected->first;
+        }
+        for (unsigned changes = random() % 4; changes > 0; --changes) change();
+        expected = stepFirst ? byClass.lower_bound(current) : byClass.upper_bound(current);
+        if (!stepFirst) ++it;
+        if (expected == byClass.lower_bound(end)) {
+          ASSERT_EQ(it, ofClass.end());
+        }
+      }
+      const ManagedObjectCollection all = index.getCollection();
+      auto next = byName.begin();
+      for (LibTarnManagedObject* const each : all) {
+        ASSERT_NE(next, byName.end());
+        ASSERT_EQ(each->getDistName().getText(), next->first);
+        const std::string current = next->first;
+        for (unsigned changes = random() % 4; changes > 0; --changes) change();
+        next = byName.upper_bound(current);
+      }
+      ASSERT_EQ(next, byName.end());
+    }
+  }
 }
 
 }  // namespace

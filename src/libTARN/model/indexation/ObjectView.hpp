@@ -1,0 +1,72 @@
+#pragma once
+
+#include "EntryTree.hpp"
+#include "model/indexation/TarnCollection.hpp"
+
+namespace libtarn {
+namespace model {
+namespace indexation {
+
+/// Managed objects in one order, which walks can follow while it changes.
+class FollowedView : public EntrySource<ManagedObjectEntry> {
+ public:
+  /// The first entry that is not before `key`.
+  virtual EntryPlace<ManagedObjectEntry> place(const ManagedObjectEntry& key) const = 0;
+
+ protected:
+  ~FollowedView() = default;
+};
+
+/// An EntryTree that counts its changes. When the pool has no memory, std::bad_alloc is thrown and
+/// nothing has changed.
+template <class Order>
+class ObjectView final : public FollowedView {
+ public:
+  using Entry = ManagedObjectEntry;
+
+  explicit ObjectView(libDomXml::IMemoryPool* pool) : tree_(pool) {}
+
+  void takeSorted(Entry* entries, std::size_t count) { tree_.takeSorted(entries, count); }
+
+  bool add(const Entry& entry) {
+    const bool added = tree_.add(entry);
+    if (added) ++changes;
+    return added;
+  }
+
+  bool erase(const Entry& key) {
+    const bool erased = tree_.erase(key);
+    if (erased) ++changes;
+    return erased;
+  }
+
+  void clear() {
+    tree_.clear();
+    ++changes;
+  }
+
+  const Entry* find(const Entry& key) const { return tree_.find(key); }
+
+  EntryPlace<Entry> place(const Entry& key) const override {
+    return followed(tree_.lowerBound(key));
+  }
+
+  ManagedObjectCollection collection() const {
+    return ManagedObjectCollection(followed(tree_.first()));
+  }
+
+  /// The entries, for a walk during which nothing changes.
+  ManagedObjectCollection unfollowed() const { return tree_.collection(); }
+
+ private:
+  EntryPlace<Entry> followed(EntryPlace<Entry> place) const {
+    place.source = this;
+    return place;
+  }
+
+  EntryTree<Entry, Order> tree_;
+};
+
+}  // namespace indexation
+}  // namespace model
+}  // namespace libtarn
