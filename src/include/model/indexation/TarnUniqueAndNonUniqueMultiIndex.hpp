@@ -37,12 +37,14 @@ class TARN_API TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUnique
   std::size_t size() const override;
   void clear() override;
   void forEach(const std::function<void(T*)>& visit) const override;
+  void prepareAdd(const char* key) override;
   bool addAll(const HashedObject* objects, std::size_t count) override;
 
  private:
   using UniqueView = ObjectView<UniqueKeyOrder>;
   using SharedView = ObjectView<SharedKeyOrder>;
 
+  void makeTable();
   const ManagedObjectEntry* findEntry(const char* key) const;
   bool addUnique(const ManagedObjectEntry& entry);
   void eraseUnique(const char* key);

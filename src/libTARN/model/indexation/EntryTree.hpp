@@ -16,8 +16,10 @@
 // entry comes behind all others, left full and followed by a new one: entries that come in order
 // cost one comparison each and fill their leaves. An array of entries in order becomes a tree
 // without a comparison: its leaves are pieces of the array. Nothing is balanced on removal; a leaf
-// that becomes empty is taken out. Add, find and erase cost O(log n) comparisons. What a node
-// replaces is abandoned, since the pool takes nothing back.
+// that becomes empty is taken out and used again for the next new one, and so is an inner node
+// without children. So an entry that was erased can be added again without memory: what the way to
+// its place lost, and nothing else, may have to be put back. Add, find and erase cost O(log n)
+// comparisons. A leaf that a larger one replaces is abandoned, since the pool takes nothing back.
 //
 // Height: a level is added when the root is full, for which its children have been split many
 // times, each split after about fanout / 2 new nodes below it. Taking no more than fanout / 4 for
@@ -112,7 +114,10 @@ class EntryTree {
     if (count > 0) appendLeaf(root_ ? leafWith(entries, count) : leafOver(entries, count));
   }
 
-  /// False when no equal entry is there.
+  /// Takes from the pool what the next add() may need.
+  void prepareAdd() { prepareSpares(height_ + 1); }
+
+  /// False when no equal entry is there. Needs no memory, and neither does adding it again.
   bool erase(const Entry& key) {
     if (!root_) return false;
     Path path;
@@ -193,30 +198,64 @@ class EntryTree {
 
   // Nodes
 
+  // A spare one may be larger than asked for.
   Leaf* newLeaf(std::size_t capacity) {
+    if (!spareLeaves_) return leafFromPool(capacity);
+    Leaf* const leaf = spareLeaves_;
+    spareLeaves_ = nextOf(leaf);
+    leaf->next = nullptr;
+    leaf->previous = nullptr;
+    return leaf;
+  }
+
+  Leaf* leafFromPool(std::size_t capacity) {
     void* const memory = allocator_.allocate(sizeof(Leaf) + capacity * sizeof(Entry));
     auto* const leaf = new (memory) Leaf;
-    leaf->begin = reinterpret_cast<Entry*>(leaf + 1);
-    leaf->end = leaf->begin;
+    return initialized(leaf, reinterpret_cast<Entry*>(leaf + 1), 0, capacity);
+  }
+
+  Leaf* leafOver(Entry* entries, std::size_t count) {
+    auto* const leaf = new (allocator_.allocate(sizeof(Leaf))) Leaf;
+    return initialized(leaf, entries, count, count);
+  }
+
+  static Leaf* initialized(Leaf* leaf, Entry* entries, std::size_t count, std::size_t capacity) {
+    leaf->begin = entries;
+    leaf->end = entries + count;
     leaf->next = nullptr;
     leaf->previous = nullptr;
     leaf->capacity = capacity;
     return leaf;
   }
 
-  Leaf* leafOver(Entry* entries, std::size_t count) {
-    auto* const leaf = new (allocator_.allocate(sizeof(Leaf))) Leaf;
-    leaf->begin = entries;
-    leaf->end = entries + count;
-    leaf->next = nullptr;
-    leaf->previous = nullptr;
-    leaf->capacity = count;
-    return leaf;
+  // All leaves of a tree that has inner nodes are of one size.
+  void addSpare(Leaf* leaf) {
+    leaf->next = spareLeaves_;
+    spareLeaves_ = leaf;
   }
 
   Inner* newInner() {
-    void* const memory = allocator_.allocate(sizeof(Inner));
-    return new (memory) Inner;
+    if (!spareInners_) return innerFromPool();
+    Inner* const inner = spareInners_;
+    spareInners_ = nextSpare(inner);
+    inner->count = 0;
+    return inner;
+  }
+
+  Inner* innerFromPool() { return new (allocator_.allocate(sizeof(Inner))) Inner; }
+
+  // A leaf, and so many inner nodes.
+  void prepareSpares(std::size_t inners) {
+    if (!spareLeaves_) addSpare(leafFromPool(leaf_capacity));
+    for (const Inner* inner = spareInners_; inner && inners > 0; inner = nextSpare(inner)) --inners;
+    for (; inners > 0; --inners) addSpare(innerFromPool());
+  }
+
+  static Inner* nextSpare(const Inner* inner) { return static_cast<Inner*>(inner->children[0]); }
+
+  void addSpare(Inner* inner) {
+    inner->children[0] = spareInners_;
+    spareInners_ = inner;
   }
 
   // Only a leaf that is the whole tree is smaller than the others.
@@ -264,47 +303,48 @@ class EntryTree {
     Leaf* const larger = newLeaf(std::min(2 * leaf->capacity, leaf_capacity));
     std::copy(leaf->begin, leaf->end, larger->entries());
     larger->end += count(leaf);
+    leaf->end = leaf->begin;
     root_ = first_ = last_ = larger;
     return larger;
   }
 
   // The nodes that a split needs are taken from the pool before anything is changed.
   void split(Leaf* leaf, std::size_t index, const Entry& entry, const Path& path) {
+    prepareSpares(neededFor(path));
     Leaf* const right = newLeaf(leaf_capacity);
-    const SpareNodes spare = takeSpareNodes(path);
     splitLeaf(leaf, right, index, entry);
-    hangIn(right, path, spare);
+    hangIn(right, path);
   }
 
-  // The inner nodes that are needed to hang one more leaf in behind the one at the path's end.
-  struct SpareNodes {
-    std::size_t fullLevels = 0;
-    std::array<Inner*, max_height> nodes{};
-  };
-
-  SpareNodes takeSpareNodes(const Path& path) {
-    SpareNodes spare;
-    while (spare.fullLevels < height_ && path[spare.fullLevels].node->count == fanout) {
-      ++spare.fullLevels;
-    }
-    const std::size_t needed = spare.fullLevels + (spare.fullLevels == height_ ? 1 : 0);
-    for (std::size_t i = 0; i < needed; ++i) spare.nodes[i] = newInner();
-    return spare;
+  // How many levels from the leaves on up have no room, on the way to the leaf at the path's end.
+  std::size_t fullLevels(const Path& path) const {
+    std::size_t levels = 0;
+    while (levels < height_ && path[levels].node->count == fanout) ++levels;
+    return levels;
   }
 
-  void hangIn(Leaf* right, const Path& path, const SpareNodes& spare) {
+  // The inner nodes that it takes to hang one more leaf in behind that one.
+  std::size_t neededFor(const Path& path) const {
+    const std::size_t full = fullLevels(path);
+    return full == height_ ? full + 1 : full;
+  }
+
+  // The spare nodes are there.
+  void hangIn(Leaf* right, const Path& path) {
+    const std::size_t full = fullLevels(path);
     void* child = right;
     Entry first = *right->begin;
-    for (std::size_t level = 0; level < spare.fullLevels; ++level) {
-      first = splitInner(path[level], spare.nodes[level], child, first);
-      child = spare.nodes[level];
+    for (std::size_t level = 0; level < full; ++level) {
+      Inner* const inner = newInner();
+      first = splitInner(path[level], inner, child, first);
+      child = inner;
     }
-    if (spare.fullLevels < height_) {
-      const Step& step = path[spare.fullLevels];
+    if (full < height_) {
+      const Step& step = path[full];
       insertInto(step.node, step.index + 1, child, first);
       return;
     }
-    Inner* const root = spare.nodes[spare.fullLevels];
+    Inner* const root = newInner();
     insertInto(root, 0, root_, first);
     insertInto(root, 1, child, first);
     root_ = root;
@@ -315,9 +355,9 @@ class EntryTree {
   void appendLeaf(Leaf* leaf) {
     if (root_) {
       const Path path = pathToLast();
-      const SpareNodes spare = takeSpareNodes(path);
+      prepareSpares(neededFor(path));
       linkBehind(last_, leaf);
-      hangIn(leaf, path, spare);
+      hangIn(leaf, path);
     } else {
       root_ = first_ = last_ = leaf;
     }
@@ -396,6 +436,7 @@ class EntryTree {
     } else {
       last_ = leaf->previous;
     }
+    addSpare(leaf);
     removeChild(path);
     shrink();
   }
@@ -409,15 +450,17 @@ class EntryTree {
                 inner->children + index);
       std::copy(inner->firsts + index + 1, inner->firsts + inner->count, inner->firsts + index);
       if (--inner->count > 0) return;
+      if (level + 1 < height_) addSpare(inner);
     }
   }
 
   void shrink() {
     while (height_ > 0) {
-      const Inner* const root = static_cast<Inner*>(root_);
-      if (root->count == 0) return clear();
+      Inner* const root = static_cast<Inner*>(root_);
       if (root->count > 1) return;
-      root_ = root->children[0];
+      root_ = root->count == 0 ? nullptr : root->children[0];
+      addSpare(root);
+      if (!root_) return clear();
       --height_;
     }
   }
@@ -426,6 +469,8 @@ class EntryTree {
   void* root_ = nullptr;  // a Leaf at height 0, else an Inner
   Leaf* first_ = nullptr;
   Leaf* last_ = nullptr;
+  Leaf* spareLeaves_ = nullptr;
+  Inner* spareInners_ = nullptr;
   std::size_t height_ = 0;
   std::size_t size_ = 0;
 };

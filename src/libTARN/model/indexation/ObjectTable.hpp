@@ -47,6 +47,30 @@ class ObjectTable {
     return place(entry, hashOf(entry.key));
   }
 
+  /// Takes from the pool what the next add() may need.
+  void prepareAdd() {
+    if (!slots_) {
+      makeSlots(FIRST_CAPACITY);
+    } else if (size_ >= mostEntries(capacity())) {
+      growSlots();
+    }
+    if (free_ == 0) chunkOf(used_ + 1);
+  }
+
+  /// Whether the add() of an entry of that key, which is not there, would say CROWDED.
+  bool isCrowdedFor(const char* key) const {
+    if (!slots_) return false;
+    const std::uint32_t hash = hashOf(key);
+    std::size_t position = hash & mask_;
+    std::size_t sameHashes = 0;
+    for (std::size_t probes = 0; slots_[position].number != 0; ++probes) {
+      if (slots_[position].hash == hash) ++sameHashes;
+      if (probes == MOST_PROBES || sameHashes > MOST_SAME_HASHES) return true;
+      position = (position + 1) & mask_;
+    }
+    return false;
+  }
+
   /// Adds `count` entries, with serials from `serial` on, to a table that is empty. False when two
   /// are of one key, or when they crowd it; the table is of no use then.
   bool addAll(const HashedObject* objects, std::size_t count, std::size_t serial) {
@@ -212,13 +236,18 @@ class ObjectTable {
       entryAt(number) = entry;
       return number;
     }
-    const Place place = placeOf(used_ + 1);
-    if (!chunks_[place.chunk]) {
-      chunks_[place.chunk] = TarnAllocator<ManagedObjectEntry>(allocator_)
-                                 .allocate(std::size_t{FIRST_CHUNK} << place.chunk);
-    }
-    chunks_[place.chunk][place.index] = entry;
+    chunkOf(used_ + 1)[placeOf(used_ + 1).index] = entry;
     return ++used_;
+  }
+
+  // The chunk of that number, made when it is not there.
+  ManagedObjectEntry* chunkOf(std::uint32_t number) {
+    const std::size_t chunk = placeOf(number).chunk;
+    if (!chunks_[chunk]) {
+      chunks_[chunk] = TarnAllocator<ManagedObjectEntry>(allocator_)
+                           .allocate(std::size_t{FIRST_CHUNK} << chunk);
+    }
+    return chunks_[chunk];
   }
 
   TarnAllocator<Slot> allocator_;

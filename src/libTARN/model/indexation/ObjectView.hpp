@@ -28,6 +28,8 @@ class ObjectView final : public FollowedView {
 
   void takeSorted(Entry* entries, std::size_t count) { tree_.takeSorted(entries, count); }
 
+  void prepareAdd() { tree_.prepareAdd(); }
+
   bool add(const Entry& entry) {
     const bool added = tree_.add(entry);
     if (added) ++changes;

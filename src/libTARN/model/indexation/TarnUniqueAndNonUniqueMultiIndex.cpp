@@ -89,8 +89,7 @@ bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::a
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addUnique(
     const ManagedObjectEntry& entry) {
-  if (!table_ && !uniqueView_)
-    table_ = new (TarnAllocator<ObjectTable>(pool_).allocate(1)) ObjectTable(pool_);
+  if (!table_ && !uniqueView_) makeTable();
   if (!table_) return uniqueView_->add(entry);
   const ObjectTable::Added added = table_->add(entry);
   if (added == ObjectTable::Added::CROWDED) {
@@ -106,6 +105,24 @@ bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::a
     table_->erase(entry.key);
     throw;
   }
+}
+
+template <class T, class UniqueExtractor, class NonUniqueExtractor>
+void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::makeTable() {
+  table_ = new (TarnAllocator<ObjectTable>(pool_).allocate(1)) ObjectTable(pool_);
+}
+
+template <class T, class UniqueExtractor, class NonUniqueExtractor>
+void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::prepareAdd(
+    const char* key) {
+  if (!table_ && !uniqueView_) makeTable();
+  if (table_) table_->prepareAdd();
+  if (table_ && table_->isCrowdedFor(textOrEmpty(key))) {
+    uniqueView();
+    table_ = nullptr;
+  }
+  if (uniqueView_) uniqueView_->prepareAdd();
+  if (sharedView_) sharedView_->prepareAdd();
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>

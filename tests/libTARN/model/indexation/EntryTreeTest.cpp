@@ -223,4 +223,52 @@ TEST(EntryTreeTest, AddThatGetsNoMemoryChangesNothing) {
   }
 }
 
+// Of trees of any shape: grown at random, and thinned out so that leaves go with what is erased.
+TEST(EntryTreeTest, ErasedEntryIsAddedAgainWithoutMemory) {
+  for (unsigned seed = 0; seed < 30; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    LimitedPool pool;
+    Tree tree(&pool);
+    std::set<std::intptr_t> model;
+    const std::size_t most = std::size_t{1} << (3 + seed % 13);
+    for (int round = 0; round < 3; ++round) {
+      while (model.size() < most) {
+        const auto number = static_cast<std::intptr_t>(random() % (4 * most));
+        ASSERT_EQ(tree.add({number}), model.insert(number).second);
+      }
+      while (model.size() > most / 50 + 1) {
+        const auto number = *model.lower_bound(
+            std::min(*model.rbegin(), static_cast<std::intptr_t>(random() % (4 * most))));
+        pool.limit(0);
+        ASSERT_TRUE(tree.erase({number}));
+        ASSERT_NO_THROW(ASSERT_TRUE(tree.add({number})));
+        ASSERT_TRUE(tree.erase({number}));
+        pool.limit(static_cast<std::size_t>(-1));
+        model.erase(number);
+      }
+      expectSame(tree, model);
+    }
+  }
+}
+
+TEST(EntryTreeTest, PreparedAddNeedsNoMemoryWhateverIsErasedBefore) {
+  std::mt19937 random(1);
+  LimitedPool pool;
+  Tree tree(&pool);
+  std::set<std::intptr_t> model;
+  for (int step = 0; step < 60000; ++step) {
+    pool.limit(static_cast<std::size_t>(-1));
+    tree.prepareAdd();
+    pool.limit(0);
+    if (random() % 4 == 0 && !model.empty()) {
+      ASSERT_TRUE(tree.erase({*model.begin()}));
+      model.erase(model.begin());
+    }
+    const auto number = static_cast<std::intptr_t>(random() % 1000000);
+    ASSERT_NO_THROW(ASSERT_EQ(tree.add({number}), model.insert(number).second));
+  }
+  expectSame(tree, model);
+}
+
 }  // namespace
