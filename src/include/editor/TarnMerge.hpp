@@ -43,8 +43,9 @@ class TARN_API TarnMerge {
   /// log at level ERROR, when either document has no cmData, when `delta` is the source itself, or
   /// when an object conflicts: update or delete of a missing one, create of one that is there.
   /// Objects of the delta with "auto" carry "create" or "update" afterwards. Throws ModelException
-  /// for an object whose copy breaks a rule of the model; the source may then be partly changed.
-  /// Costs what the delta costs.
+  /// for an object whose copy breaks a rule of the model, and std::bad_alloc; source and delta are
+  /// then as they were. Copies have the tags of their classes, also of elements whose tags are only
+  /// the beginnings of those. Costs what the delta costs.
   bool mergeDocument(model::LibTarnDocument& delta);
   /// Applies one object, of any document, which stays as it is. Returns false, with nothing
   /// changed, when it conflicts or when the source has no cmData; only the latter is logged. Throws
@@ -53,7 +54,7 @@ class TARN_API TarnMerge {
 
   /// The first cmData of `document`, or null.
   model::LibTarnCmDataImp* getCmData(model::LibTarnDocument& document);
-  /// mergeDocument() for a delta's cmData.
+  /// mergeDocument() for a delta's cmData, which must not be the source's own.
   bool doMerge(model::LibTarnCmDataImp* delta);
   /// Calls `executor` for each object of `delta`, in byte order of their names.
   void goThroughAllDeltaMoWithExecutor(model::LibTarnCmDataImp* delta, MergeExecutor executor);
@@ -72,7 +73,9 @@ class TARN_API TarnMerge {
   /// Removes the source's object of that name.
   void doOperationDelete(const model::DistinguishedName& distName);
   /// Updates parameters, lists and extensions; the attributes of `source` stay. Nothing is done for
-  /// an update of an object with itself.
+  /// an update of an object with itself. This and the parts that follow change nothing when they
+  /// throw, as mergeDocument() does; the parts refuse an object as its own delta with an ERROR
+  /// line.
   void doOperationUpdate(model::LibTarnManagedObject* source,
                          const model::LibTarnManagedObject* delta);
   /// Gives parameters of `source` the values of the delta's and adds those that are missing.

@@ -67,6 +67,9 @@ class TARN_API EnumeratedAttribute {
     element_->removeAttribute(name_);
   }
 
+  /// Forgets the value and leaves the attribute as it is.
+  void forget() { cached_.reset(); }
+
   /// Whether a value has been read or written.
   bool hasValue() const { return cached_.has_value(); }
   /// The value, which must be there.

@@ -57,13 +57,15 @@ class TARN_API LibTarnCmData : public IElement {
   /// Null when there is none of that name.
   virtual LibTarnManagedObject* getLibTarnManagedObject(
       const DistinguishedName& distName) const = 0;
-  /// All objects in byte order of their names; good until objects are added, removed or renamed.
+  /// All objects in byte order of their names. Objects may be added, removed or renamed during a
+  /// walk; see TarnCollection.
   virtual indexation::ManagedObjectCollection getLibTarnManagedObjects() const = 0;
   /// Appends a detached object of this document; does nothing when its name is taken.
   virtual void addLibTarnManagedObject(LibTarnManagedObject& object) = 0;
   /// Returns 0, or 2 when no object has that name, or 1 when the object was indexed but no child.
   virtual std::uint8_t removeLibTarnManagedObject(const DistinguishedName& distName) = 0;
-  /// The objects of a class in the order in which they came into the index.
+  /// The objects of a class in the order in which they came into the index. A walk meets those only
+  /// that were of the class when it began.
   virtual indexation::ManagedObjectCollection getLibTarnManagedObjectsByClass(
       const std::string& className) const = 0;
   /// How many objects there are.

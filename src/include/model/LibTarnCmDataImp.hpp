@@ -24,6 +24,7 @@ class ITarnIndexFactory;
 struct IndexingParse;
 class LibTarnHeaderImp;
 class LibTarnManagedObjectImp;
+struct StagedAttributes;
 
 /// Node class of LibTarnCmData.
 class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
@@ -58,11 +59,18 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   void removeThisElement() override;
   std::size_t getManagedObjectNumber() const override;
 
-  /// Renames a child without checking the name, and keeps the index in step; what the index
-  /// refuses is logged at ERROR.
+  /// Renames a child without checking the name, and keeps the index in step. When another child has
+  /// the name, an ERROR line says so, and this one is in no index until it gets a name of its own
+  /// or the other one goes. When std::bad_alloc is thrown, nothing has changed.
   void setMoDistName(LibTarnManagedObjectImp& object, const char* distName);
-  /// Sets the class of a child and keeps the index in step.
-  void setMoClass(LibTarnManagedObjectImp& object, const char* className);
+  /// Sets the attributes of a child, its keys among them, as setMoDistName() says. Throws nothing
+  /// when prepareMoKeys() has been called for the same name before.
+  void setMoAttributes(LibTarnManagedObjectImp& object, StagedAttributes& attributes);
+  /// Takes the memory that it needs to give a child the name `distName`, or another class with the
+  /// name that it has.
+  void prepareMoKeys(const LibTarnManagedObjectImp& object, const char* distName);
+  /// Throws DuplicateElementException when two children have one name.
+  void checkNames() const;
   /// Unlinks every indexed object and empties the index.
   void removeAllLibTarnManagedObjects();
   /// Reads the type and takes the managed objects into the index, each with its own indexes.
@@ -85,8 +93,17 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
 
  private:
-  // For an object that is in no index. False when its name is taken.
-  bool setKeyAndIndex(LibTarnManagedObjectImp& object, const char* attribute, const char* value);
+  // A child that lost its name to another one. The pool keeps the records.
+  struct Unindexed {
+    LibTarnManagedObjectImp* object;  // null: the record is free
+    Unindexed* next;
+  };
+
+  bool isIndexed(const LibTarnManagedObjectImp& object) const;
+  void indexUnindexed(const char* distName);
+  void prepareUnindexed();
+  void rememberUnindexed(LibTarnManagedObjectImp& object);
+  void forgetUnindexed(const LibTarnManagedObjectImp& object);
   // A part of a row.
   struct Part {
     std::size_t begin = 0;
@@ -101,6 +118,7 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   const indexation::ITarnIndexFactory* indexFactory_;
   indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* managedObjectIndex_;
   util::TarnFactory& factory_;
+  Unindexed* unindexed_ = nullptr;
   bool allPlain_ = true;  // of the children parsed so far
   bool parsedInEffect_ = false;
   std::size_t parsedHeaders_ = 0;

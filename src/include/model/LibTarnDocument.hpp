@@ -50,8 +50,9 @@ class TARN_API LibTarnDocument {
   /// other one: parse() tells, and why. Takes little more memory than the text, and less time than
   /// that parse. Logs nothing.
   static bool isKnownToBeValid(std::vector<char> text);
-  /// Checks the rules of the format on the document as it is now. Returns 0, or 2 for a broken
-  /// rule; the first one goes to the log at level ERROR.
+  /// Checks the rules of the format on the document as it is now, and that no object was given the
+  /// name of another one. Returns 0, or 2 for a broken rule; the first one goes to the log at level
+  /// ERROR.
   int validate();
   /// What the last parse() or validate() found; success before the first. Good until the next one.
   const Diagnostic& getDiagnostic() const { return diagnostic_; }

@@ -48,6 +48,8 @@ class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement 
   /// which must not be asked for.
   bool check(std::vector<char>& text);
   void rebuildIndexersAndInitializeEnums();
+  /// Throws DuplicateElementException when two managed objects have one name.
+  void checkNames();
 
   /// The owning document.
   TarnDomDocument* getItsTarnDomDocument() const { return document_; }

@@ -11,6 +11,8 @@ class IDomDocument;
 namespace libtarn {
 namespace model {
 
+class UndoLog;
+
 /// Node class of LibTarnHeader.
 class TARN_API LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
  public:
@@ -36,9 +38,10 @@ class TARN_API LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
-  /// What addLog() of a copy of each entry of `header` comes to. Walks the entries of both once.
-  void addCopiesOfLogs(const LibTarnHeader& header);
-  /// Removes the oldest entries beyond MAX_LOG_COUNT.
+  /// Appends copies of the entries of `header`, of more than MAX_LOG_COUNT the newest. False when
+  /// there is none.
+  bool appendCopiesOfLogs(const LibTarnHeader& header, UndoLog& log);
+  /// Removes the oldest entries beyond MAX_LOG_COUNT. Needs no memory.
   void truncate();
 
  protected:

@@ -71,14 +71,16 @@ class TARN_API LibTarnManagedObject : public IElement {
   /// If this object matches `pattern`: takes over operation, class and version of `values`, puts
   /// the name of `values` in place of the pattern's name in this name, and replaces the parameters
   /// and lists that `values` has. False, with nothing changed, when it does not match. `values` may
-  /// be this object, which changes nothing.
+  /// be this object, which changes nothing. A name that the document's validator rejects is not
+  /// taken over. When an exception is thrown (ModelException for a list that breaks a rule of the
+  /// model, std::bad_alloc), nothing has changed.
   virtual bool change(const LibTarnManagedObject& pattern, const LibTarnManagedObject& values) = 0;
   /// Writes the attribute "version".
   virtual void setVersion(const std::string& version) = 0;
 
   /// Whether there is a `p` of that name.
   virtual bool hasScalarParameter(const std::string& name) const = 0;
-  /// All `p` in byte order of their names; good until parameters are added or removed.
+  /// All `p` in byte order of their names; see TarnCollection for edits during a walk.
   virtual indexation::ScalarCollection getScalarParameters() const = 0;
   /// Null when there is none of that name.
   virtual Scalar* getScalarParameter(const char* name) const = 0;
@@ -91,7 +93,7 @@ class TARN_API LibTarnManagedObject : public IElement {
   virtual std::uint8_t removeListParameter(const std::string& name) = 0;
   /// Null when there is none of that name.
   virtual List* getListParameter(const std::string& name) const = 0;
-  /// All lists in byte order of their names; good until lists are added or removed.
+  /// All lists in byte order of their names; see TarnCollection for edits during a walk.
   virtual indexation::ListCollection getListParameters() const = 0;
   /// Appends a detached list of this document; 1 when one of that name exists.
   virtual std::uint8_t addParameter(List& parameter) = 0;
@@ -108,8 +110,10 @@ class TARN_API LibTarnManagedObject : public IElement {
   /// The first extension of that name, or null.
   virtual LibTarnExtension* getExtension(const std::string& name) const = 0;
   /// Renames the object, in its document's index as well. Returns 1, with nothing changed, for a
-  /// name that the document's validator rejects. When another object has the name already, this one
-  /// is no longer found by it (an ERROR line says so).
+  /// name that the document's validator rejects. Returns 0 also when another object has the name
+  /// already, so a host asks hasLibTarnManagedObject() first: this object is then found by no name
+  /// (an ERROR line says so) and LibTarnDocument::validate() returns 2, until it gets a name of its
+  /// own or the other object is removed or renamed.
   virtual std::uint8_t setDistName(const char* distName) = 0;
 };
 

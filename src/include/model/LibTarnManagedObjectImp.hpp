@@ -24,6 +24,8 @@ class ITarnIndexFactory;
 
 class IDistinguishedNameValidator;
 struct IndexingParse;
+struct StagedAttributes;
+class UndoLog;
 
 /// Node class of LibTarnManagedObject.
 class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnManagedObject {
@@ -88,8 +90,16 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
   /// Whether the rules of the format for the object itself, without what is in it, are followed.
   bool followsOwnRules() const;
   bool hasOperation() const;
+  /// The attribute "operation", or null.
+  rapidxml::xml_attribute<char>* findOperationAttribute() const;
   /// Reads the operation, which must be there and known.
   void initializeOperation() { operation_.initialize(); }
+  /// Reads the operation after the attribute was given another text; one that is unknown counts as
+  /// none.
+  void readOperationAgain();
+  /// Puts a detached parameter of this document in place of the one of its name, as the last child.
+  void putParameter(Scalar& parameter, UndoLog& log);
+  void putParameter(List& parameter, UndoLog& log);
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
@@ -107,11 +117,11 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
   bool matchesLists(const LibTarnManagedObject& pattern) const;
   bool hasMatch(const List& pattern) const;
 
-  void changeAttributes(const LibTarnManagedObject& values);
-  void changeClass(const char* className);
-  void changeDistName(const char* pattern, const char* replacement);
-  void replaceScalars(const LibTarnManagedObject& values);
-  void replaceLists(const LibTarnManagedObject& values);
+  void stageAttributes(const LibTarnManagedObject& pattern, const LibTarnManagedObject& values,
+                       StagedAttributes& attributes);
+  std::string changedDistName(const char* pattern, const char* replacement) const;
+  void replaceScalars(const LibTarnManagedObject& values, UndoLog& log);
+  void replaceLists(const LibTarnManagedObject& values, UndoLog& log);
 
   const IDistinguishedNameValidator* distNameValidator_;
   const indexation::ITarnIndexFactory* indexFactory_;

@@ -3,14 +3,18 @@
 // source. Each object costs one look-up by name in each pass and what its own content costs:
 // nothing walks the source. Extensions, which have no index, are walked within one object.
 //
-// Everything that the source gets is a copy in its pool, made by its factory.
+// Everything that the source gets is a copy in its pool, made by its factory. A copy may break a
+// rule of the model, and memory may end: so every change is written down, and whatever is thrown,
+// all of them are taken back. Deleted objects go at the end, when nothing can fail any more.
 
 #include "editor/TarnMerge.hpp"
 
 #include <map>
 #include <sstream>
 #include <string_view>
+#include <vector>
 
+#include "../model/UndoLog.hpp"
 #include "../model/patternText.hpp"
 #include "../util/LogLocation.hpp"
 #include "Assertion.hpp"
@@ -36,7 +40,8 @@ using model::LibTarnDocument;
 using model::LibTarnExtension;
 using model::LibTarnHeader;
 using model::LibTarnManagedObject;
-using model::Scalar;
+using model::LibTarnManagedObjectImp;
+using model::UndoLog;
 using Operation = LibTarnManagedObject::Operation;
 
 namespace {
@@ -47,6 +52,8 @@ constexpr const char* NO_DELTA_LOCATION = "src/libTARN/editor/TarnMerge.cpp:49";
 constexpr const char* CONFLICT_LOCATION = "src/libTARN/editor/TarnMerge.cpp:64";
 constexpr const char* NO_SOURCE_FOR_OBJECT_LOCATION = "src/libTARN/editor/TarnMerge.cpp:266";
 
+constexpr const char* SAME_DOCUMENT_MESSAGE = "Source and delta are the same document";
+constexpr const char* SAME_OBJECT_MESSAGE = "Source and delta are the same object";
 constexpr const char* NO_SOURCE_MESSAGE = "Source document doesn't have cmData node";
 
 void logError(const char* location, const char* function, const char* message) {
@@ -67,6 +74,126 @@ Imp& copyInto(util::TarnFactory& factory, const Interface& element) {
   return *model::implementation<Imp>(element).clone(factory);
 }
 
+void updateScalars(util::TarnFactory& factory, LibTarnManagedObjectImp& source,
+                   const LibTarnManagedObject& delta, UndoLog& log) {
+  for (const auto& [name, parameter] : delta.getScalarParameters()) {
+    if (model::Scalar* const current = source.getScalarParameter(name)) {
+      log.setValue(*current, parameter->getValue());
+    } else {
+      source.putParameter(copyInto<model::ScalarImp>(factory, *parameter), log);
+    }
+  }
+}
+
+void updateLists(util::TarnFactory& factory, LibTarnManagedObjectImp& source,
+                 const LibTarnManagedObject& delta, UndoLog& log) {
+  for (const auto& entry : delta.getListParameters()) {
+    source.putParameter(copyInto<model::ListImp>(factory, *entry.second), log);
+  }
+}
+
+// Removing and adding one by one would walk the source's extensions again for each of the delta's,
+// and an earlier extension of a name would only be replaced by a later one.
+void updateExtensions(util::TarnFactory& factory, LibTarnManagedObjectImp& source,
+                      const LibTarnManagedObject& delta, UndoLog& log) {
+  std::map<std::string_view, const LibTarnExtension*> lastOfName;
+  for (auto* extension = delta.getExtensions(); extension;
+       extension = extension->getNextSiblingElement()) {
+    lastOfName[model::textOrEmpty(extension->getName())] = extension;
+  }
+  if (lastOfName.empty()) return;
+
+  LibTarnExtension* next = nullptr;
+  for (auto* extension = source.getExtensions(); extension; extension = next) {
+    next = extension->getNextSiblingElement();
+    if (lastOfName.count(model::textOrEmpty(extension->getName())) > 0) {
+      log.unlink(source, model::implementation<model::LibTarnExtensionImp>(*extension));
+    }
+  }
+  for (auto* extension = delta.getExtensions(); extension;
+       extension = extension->getNextSiblingElement()) {
+    if (lastOfName[model::textOrEmpty(extension->getName())] != extension) continue;
+    log.append(source, copyInto<model::LibTarnExtensionImp>(factory, *extension));
+  }
+}
+
+void update(util::TarnFactory& factory, LibTarnManagedObject& source,
+            const LibTarnManagedObject& delta, UndoLog& log) {
+  auto& target = model::implementation<LibTarnManagedObjectImp>(source);
+  updateScalars(factory, target, delta, log);
+  updateLists(factory, target, delta, log);
+  updateExtensions(factory, target, delta, log);
+}
+
+// What an object would be updated with would go with what it replaces.
+template <class Update>
+void updatePart(util::TarnFactory& factory, LibTarnManagedObject* source,
+                const LibTarnManagedObject* delta, const char* function, Update update) {
+  TARN_ASSERT(source && delta, "source && delta");
+  if (source == delta) return logError(TARN_LOG_LOCATION, function, SAME_OBJECT_MESSAGE);
+  UndoLog log;
+  update(factory, model::implementation<LibTarnManagedObjectImp>(*source), *delta, log);
+  log.keep();
+}
+
+/// Changes that one merge makes in a source: all of them, or none unless finish() is reached.
+class Changes {
+ public:
+  Changes(LibTarnCmDataImp& source, util::TarnFactory& factory)
+      : source_(source), factory_(factory) {}
+
+  /// `source` is the object of the delta's name, or null.
+  void apply(LibTarnManagedObject* source, LibTarnManagedObject& delta, Operation operation) {
+    if (operation == Operation::CREATE) {
+      log_.addObject(source_, copyInto<LibTarnManagedObjectImp>(factory_, delta));
+    } else if (operation == Operation::DELETE) {
+      deleted_.push_back(delta.getDistName());
+    } else {
+      TARN_ASSERT(source, "source && delta");
+      if (source != &delta) update(factory_, *source, delta, log_);
+    }
+  }
+
+  /// As above. The delta learns what its "auto" came to before it is copied, and so does the copy.
+  void applyAndTell(LibTarnManagedObject* source, LibTarnManagedObject& delta) {
+    Operation operation = delta.getOperation();
+    if (operation == Operation::AUTO) {
+      operation = explicitOperation(source);
+      log_.setOperation(model::implementation<LibTarnManagedObjectImp>(delta), operation);
+    }
+    apply(source, delta, operation);
+  }
+
+  /// Appends copies of the log entries, when source and delta have a header.
+  void addLogs(const LibTarnCmDataImp& delta) {
+    LibTarnHeader* const target = source_.getLibTarnHeader();
+    const LibTarnHeader* const header = delta.getLibTarnHeader();
+    if (!target || !header || header == target) return;
+    auto& element = model::implementation<model::LibTarnHeaderImp>(*target);
+    if (element.appendCopiesOfLogs(*header, log_)) header_ = &element;
+  }
+
+  /// What cannot fail.
+  void finish() {
+    for (const DistinguishedName& distName : deleted_) {
+      source_.removeLibTarnManagedObject(distName);
+    }
+    if (header_) header_->truncate();
+    log_.keep();
+  }
+
+  static Operation explicitOperation(const LibTarnManagedObject* source) {
+    return source ? Operation::UPDATE : Operation::CREATE;
+  }
+
+ private:
+  LibTarnCmDataImp& source_;
+  util::TarnFactory& factory_;
+  UndoLog log_;
+  std::vector<DistinguishedName> deleted_;
+  model::LibTarnHeaderImp* header_ = nullptr;
+};
+
 }  // namespace
 
 TarnMerge::TarnMerge(LibTarnDocument& source)
@@ -80,7 +207,7 @@ bool TarnMerge::mergeDocument(LibTarnDocument& delta) {
     return false;
   }
   if (delta.getItsTarnDomDocument() == domDocument_) {
-    logError(TARN_LOG_LOCATION, "mergeDocument", "Source and delta are the same document");
+    logError(TARN_LOG_LOCATION, "mergeDocument", SAME_DOCUMENT_MESSAGE);
     return false;
   }
   LibTarnCmDataImp* const deltaCmData = getCmData(delta);
@@ -97,14 +224,22 @@ LibTarnCmDataImp* TarnMerge::getCmData(LibTarnDocument& document) {
 }
 
 bool TarnMerge::doMerge(LibTarnCmDataImp* delta) {
+  if (delta == cmData_) {
+    logError(TARN_LOG_LOCATION, "doMerge", SAME_DOCUMENT_MESSAGE);
+    return false;
+  }
   try {
     goThroughAllDeltaMoWithExecutor(delta, &TarnMerge::checkForMergeConflicts);
-    goThroughAllDeltaMoWithExecutor(delta, &TarnMerge::mergeDocuments);
   } catch (const EditorException& conflict) {
     logError(CONFLICT_LOCATION, "doMerge", conflict.what());
     return false;
   }
-  addHeaders(delta);
+  Changes changes(*cmData_, factory_);
+  for (LibTarnManagedObject* object : delta->getLibTarnManagedObjects()) {
+    changes.applyAndTell(cmData_->getLibTarnManagedObject(object->getDistName()), *object);
+  }
+  changes.addLogs(*delta);
+  changes.finish();
   return true;
 }
 
@@ -128,21 +263,11 @@ void TarnMerge::checkForMergeConflicts(LibTarnManagedObject* source, LibTarnMana
   }
 }
 
-// The delta learns what its "auto" came to before it is copied, and so does the copy.
 void TarnMerge::mergeDocuments(LibTarnManagedObject* source, LibTarnManagedObject* delta,
-                               const DistinguishedName& distName) {
-  Operation operation = delta->getOperation();
-  if (operation == Operation::AUTO) {
-    operation = getExplicitOperationFromAutoOperation(source);
-    delta->setOperation(operation);
-  }
-  if (operation == Operation::CREATE) {
-    doOperationCreate(delta);
-  } else if (operation == Operation::DELETE) {
-    doOperationDelete(distName);
-  } else {
-    doOperationUpdate(source, delta);
-  }
+                               const DistinguishedName& /*distName*/) {
+  Changes changes(*cmData_, factory_);
+  changes.applyAndTell(source, *delta);
+  changes.finish();
 }
 
 bool TarnMerge::mergeManagedObject(LibTarnManagedObject& delta) {
@@ -150,29 +275,24 @@ bool TarnMerge::mergeManagedObject(LibTarnManagedObject& delta) {
     logError(NO_SOURCE_FOR_OBJECT_LOCATION, "mergeManagedObject", NO_SOURCE_MESSAGE);
     return false;
   }
-  const DistinguishedName distName = delta.getDistName();
-  LibTarnManagedObject* const source = cmData_->getLibTarnManagedObject(distName);
+  LibTarnManagedObject* const source = cmData_->getLibTarnManagedObject(delta.getDistName());
   Operation operation = delta.getOperation();
   if (operation == Operation::AUTO) operation = getExplicitOperationFromAutoOperation(source);
 
   const bool mustBeThere = operation != Operation::CREATE;
   if (mustBeThere != (source != nullptr)) return false;
-  if (operation == Operation::CREATE) {
-    doOperationCreate(&delta);
-  } else if (operation == Operation::DELETE) {
-    doOperationDelete(distName);
-  } else {
-    doOperationUpdate(source, &delta);
-  }
+  Changes changes(*cmData_, factory_);
+  changes.apply(source, delta, operation);
+  changes.finish();
   return true;
 }
 
 Operation TarnMerge::getExplicitOperationFromAutoOperation(const LibTarnManagedObject* source) {
-  return source ? Operation::UPDATE : Operation::CREATE;
+  return Changes::explicitOperation(source);
 }
 
 void TarnMerge::doOperationCreate(const LibTarnManagedObject* delta) {
-  cmData_->addLibTarnManagedObject(copyInto<model::LibTarnManagedObjectImp>(factory_, *delta));
+  cmData_->addLibTarnManagedObject(copyInto<LibTarnManagedObjectImp>(factory_, *delta));
 }
 
 void TarnMerge::doOperationDelete(const DistinguishedName& distName) {
@@ -182,59 +302,28 @@ void TarnMerge::doOperationDelete(const DistinguishedName& distName) {
 void TarnMerge::doOperationUpdate(LibTarnManagedObject* source, const LibTarnManagedObject* delta) {
   TARN_ASSERT(source && delta, "source && delta");
   if (source == delta) return;
-  updateScalars(source, delta);
-  updateLists(source, delta);
-  updateExtensions(source, delta);
+  UndoLog log;
+  update(factory_, *source, *delta, log);
+  log.keep();
 }
 
 void TarnMerge::updateScalars(LibTarnManagedObject* source, const LibTarnManagedObject* delta) {
-  for (const auto& [name, parameter] : delta->getScalarParameters()) {
-    if (Scalar* const current = source->getScalarParameter(name)) {
-      current->setValue(parameter->getValue());
-    } else {
-      source->addParameter(copyInto<model::ScalarImp>(factory_, *parameter));
-    }
-  }
+  updatePart(factory_, source, delta, "updateScalars", editor::updateScalars);
 }
 
 void TarnMerge::updateLists(LibTarnManagedObject* source, const LibTarnManagedObject* delta) {
-  for (const auto& [name, list] : delta->getListParameters()) {
-    source->removeListParameter(name);
-    source->addParameter(copyInto<model::ListImp>(factory_, *list));
-  }
+  updatePart(factory_, source, delta, "updateLists", editor::updateLists);
 }
 
-// Removing and adding one by one would walk the source's extensions again for each of the delta's,
-// and an earlier extension of a name would only be replaced by a later one.
 void TarnMerge::updateExtensions(LibTarnManagedObject* source, const LibTarnManagedObject* delta) {
-  std::map<std::string_view, const LibTarnExtension*> lastOfName;
-  for (auto* extension = delta->getExtensions(); extension;
-       extension = extension->getNextSiblingElement()) {
-    lastOfName[model::textOrEmpty(extension->getName())] = extension;
-  }
-  if (lastOfName.empty()) return;
-
-  LibTarnExtension* next = nullptr;
-  for (auto* extension = source->getExtensions(); extension; extension = next) {
-    next = extension->getNextSiblingElement();
-    if (lastOfName.count(model::textOrEmpty(extension->getName())) > 0) {
-      extension->removeThisElement();
-    }
-  }
-  auto& target = model::implementation<model::LibTarnManagedObjectImp>(*source);
-  for (auto* extension = delta->getExtensions(); extension;
-       extension = extension->getNextSiblingElement()) {
-    if (lastOfName[model::textOrEmpty(extension->getName())] != extension) continue;
-    target.addChild(&copyInto<model::LibTarnExtensionImp>(factory_, *extension));
-  }
+  updatePart(factory_, source, delta, "updateExtensions", editor::updateExtensions);
 }
 
 void TarnMerge::addHeaders(LibTarnCmDataImp* delta) {
   TARN_ASSERT(cmData_ && delta, "cmData && delta");
-  LibTarnHeader* const target = cmData_->getLibTarnHeader();
-  const LibTarnHeader* const header = delta->getLibTarnHeader();
-  if (!target || !header || header == target) return;
-  model::implementation<model::LibTarnHeaderImp>(*target).addCopiesOfLogs(*header);
+  Changes changes(*cmData_, factory_);
+  changes.addLogs(*delta);
+  changes.finish();
 }
 
 }  // namespace editor

@@ -7,6 +7,7 @@
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "IndexingParse.hpp"
+#include "StagedAttribute.hpp"
 #include "attributeNames.hpp"
 #include "indexChildren.hpp"
 #include "model/LibTarnHeaderImp.hpp"
@@ -156,55 +157,111 @@ void LibTarnCmDataImp::addLibTarnManagedObject(LibTarnManagedObject& object) {
 std::uint8_t LibTarnCmDataImp::removeLibTarnManagedObject(const DistinguishedName& distName) {
   LibTarnManagedObject* const object = getLibTarnManagedObject(distName);
   if (!object) return 2;
+  if (unindexed_) managedObjectIndex_->prepareAdd(distName.getText());
   const bool wasChild = removeChild(&implementation<LibTarnManagedObjectImp>(*object));
   managedObjectIndex_->remove(object);
+  indexUnindexed(textOrEmpty(distName.getText()));
   return wasChild ? 0 : 1;
 }
 
 std::size_t LibTarnCmDataImp::getManagedObjectNumber() const { return managedObjectIndex_->size(); }
 
 void LibTarnCmDataImp::setMoDistName(LibTarnManagedObjectImp& object, const char* distName) {
-  if (!managedObjectIndex_->remove(&object)) {
+  StagedAttributes attributes;
+  attributes.distName.emplace(object, DistinguishedName::ATTR_NAME, distName);
+  prepareMoKeys(object, distName);
+  setMoAttributes(object, attributes);
+}
+
+void LibTarnCmDataImp::prepareMoKeys(const LibTarnManagedObjectImp& object, const char* distName) {
+  managedObjectIndex_->prepareAdd(distName);
+  const LibTarnManagedObject* const holder = getLibTarnManagedObject(distName);
+  if (holder && holder != &object) prepareUnindexed();
+}
+
+// Name and class are keys of the index. What is not in it, since another object has its name, must
+// not be removed from it by that name.
+void LibTarnCmDataImp::setMoAttributes(LibTarnManagedObjectImp& object,
+                                       StagedAttributes& attributes) {
+  const bool isRenamed = attributes.distName.has_value();
+  const bool wasIndexed = isIndexed(object);
+  if (!wasIndexed && isRenamed) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "setMoDistName")
         << "There was no such object in the index, that shouldn't happen";
   }
-  if (!setKeyAndIndex(object, DistinguishedName::ATTR_NAME, distName)) {
+  if (!attributes.haveKeys() || (!wasIndexed && !isRenamed)) return attributes.set();
+
+  const char* const earlierName = nameOf(object).getText();
+  if (wasIndexed) managedObjectIndex_->remove(&object);
+  attributes.set();
+  bool isAdded = false;
+  try {
+    isAdded = managedObjectIndex_->add(&object);
+  } catch (...) {
+    // An index of the host's, which may not know how to prepare.
+    attributes.takeBack();
+    if (wasIndexed) managedObjectIndex_->add(&object);
+    throw;
+  }
+  forgetUnindexed(object);
+  if (!isAdded) rememberUnindexed(object);
+  if (wasIndexed) indexUnindexed(earlierName);
+  if (!isAdded) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "setMoDistName")
         << "Adding object to index failed, that shouldn't happen";
   }
 }
 
-// The class is a key of the index. An object that lost its name to another one is not in it.
-void LibTarnCmDataImp::setMoClass(LibTarnManagedObjectImp& object, const char* className) {
-  const bool isIndexed = getLibTarnManagedObject(nameOf(object)) == &object;
-  if (!isIndexed) return object.setAttribute(CLASS_ATTRIBUTE, className);
-  managedObjectIndex_->remove(&object);
-  setKeyAndIndex(object, CLASS_ATTRIBUTE, className);
+bool LibTarnCmDataImp::isIndexed(const LibTarnManagedObjectImp& object) const {
+  return getLibTarnManagedObject(nameOf(object)) == &object;
 }
 
-// Without memory the object is indexed as it was, for which its entry has just made room.
-bool LibTarnCmDataImp::setKeyAndIndex(LibTarnManagedObjectImp& object, const char* attribute,
-                                      const char* value) {
-  const rapidxml::xml_attribute<char>* const there = object.first_attribute(attribute);
-  char* const text = there ? there->value() : nullptr;
-  const std::size_t size = there ? there->value_size() : 0;
-  try {
-    object.setAttribute(attribute, value);
-    return managedObjectIndex_->add(&object);
-  } catch (...) {
-    if (there) {
-      object.first_attribute(attribute)->value(text, size);
-    } else {
-      object.removeAttribute(attribute);
-    }
-    managedObjectIndex_->add(&object);
-    throw;
+// The first child that lost that name gets it back.
+void LibTarnCmDataImp::indexUnindexed(const char* distName) {
+  for (Unindexed* each = unindexed_; each; each = each->next) {
+    if (!each->object || each->object->parent() != this) continue;
+    if (std::strcmp(nameOf(*each->object).getText(), distName) != 0) continue;
+    if (managedObjectIndex_->add(each->object)) each->object = nullptr;
+    return;
+  }
+}
+
+void LibTarnCmDataImp::prepareUnindexed() {
+  for (const Unindexed* each = unindexed_; each; each = each->next) {
+    if (!each->object) return;
+  }
+  unindexed_ = new (domFactory_.allocateObject(sizeof(Unindexed))) Unindexed{nullptr, unindexed_};
+}
+
+void LibTarnCmDataImp::rememberUnindexed(LibTarnManagedObjectImp& object) {
+  prepareUnindexed();
+  Unindexed* free = unindexed_;
+  while (free->object) free = free->next;
+  free->object = &object;
+}
+
+void LibTarnCmDataImp::forgetUnindexed(const LibTarnManagedObjectImp& object) {
+  for (Unindexed* each = unindexed_; each; each = each->next) {
+    if (each->object == &object) each->object = nullptr;
+  }
+}
+
+void LibTarnCmDataImp::checkNames() const {
+  for (const Unindexed* each = unindexed_; each; each = each->next) {
+    if (!each->object || each->object->parent() != this || isIndexed(*each->object)) continue;
+    throw exceptions::DuplicateElementException::instance(LibTarnManagedObject::TAG_NAME, TAG_NAME,
+                                                          DistinguishedName::ATTR_NAME,
+                                                          nameOf(*each->object));
   }
 }
 
 void LibTarnCmDataImp::removeAllLibTarnManagedObjects() {
   for (LibTarnManagedObject* object : getLibTarnManagedObjects()) {
     removeChild(&implementation<LibTarnManagedObjectImp>(*object));
+  }
+  for (Unindexed* each = unindexed_; each; each = each->next) {
+    if (each->object) removeChild(each->object);
+    each->object = nullptr;
   }
   managedObjectIndex_->clear();
 }

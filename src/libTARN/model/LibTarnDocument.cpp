@@ -77,6 +77,7 @@ int LibTarnDocument::validate() {
   diagnostic_ = Diagnostic();
   try {
     checkRules();
+    root_->checkNames();
   } catch (const exceptions::ModelException& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "validate")
         << "Validation failed: " << error.what();

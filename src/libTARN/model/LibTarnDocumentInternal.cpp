@@ -106,6 +106,10 @@ void LibTarnDocumentInternal::forEachCmData(Rebuild rebuild) {
   }
 }
 
+void LibTarnDocumentInternal::checkNames() {
+  forEachCmData([](const LibTarnCmDataImp& cmData) { cmData.checkNames(); });
+}
+
 void LibTarnDocumentInternal::tellRebuilt() {
   util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "rebuildIndexersAndInitializeEnums")
       << "Rebuilding indexers and initializing enums done.";

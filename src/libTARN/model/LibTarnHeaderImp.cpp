@@ -1,10 +1,10 @@
 #include "model/LibTarnHeaderImp.hpp"
 
 #include <deque>
-#include <vector>
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "UndoLog.hpp"
 #include "attributeNames.hpp"
 #include "model/LogImp.hpp"
 #include "model/TypedChildren.hpp"
@@ -65,30 +65,26 @@ void LibTarnHeaderImp::addLog(Log& log) {
   truncate();
 }
 
-// Of more entries than are kept only the newest are copied.
-void LibTarnHeaderImp::addCopiesOfLogs(const LibTarnHeader& header) {
+bool LibTarnHeaderImp::appendCopiesOfLogs(const LibTarnHeader& header, UndoLog& log) {
   std::deque<const LogImp*> newest;
-  for (const Log* log = header.getLogs(); log; log = log->getNextSiblingElement()) {
-    newest.push_back(&implementation<LogImp>(*log));
+  for (const Log* each = header.getLogs(); each; each = each->getNextSiblingElement()) {
+    newest.push_back(&implementation<LogImp>(*each));
     if (newest.size() > MAX_LOG_COUNT) newest.pop_front();
   }
-  for (const LogImp* log : newest) addChild(log->clone(factory_));
-  if (!newest.empty()) truncate();
+  for (const LogImp* each : newest) log.append(*this, *each->clone(factory_));
+  return !newest.empty();
 }
 
 void LibTarnHeaderImp::truncate() {
   std::size_t count = 0;
   for (const Log* log = getLogs(); log; log = log->getNextSiblingElement()) ++count;
-  if (count <= MAX_LOG_COUNT) return;
-
-  const std::size_t excess = count - MAX_LOG_COUNT;
-  std::vector<Log*> oldest;
-  oldest.reserve(excess);
-  for (Log* first = getLogs(); oldest.size() < excess; first = first->getNextSiblingElement()) {
+  Log* first = getLogs();
+  for (; count > MAX_LOG_COUNT; --count) {
     TARN_ASSERT(first, "!first.atEnd()");
-    oldest.push_back(first);
+    Log* const oldest = first;
+    first = first->getNextSiblingElement();
+    oldest->removeThisElement();
   }
-  for (Log* log : oldest) log->removeThisElement();
 }
 
 LibTarnHeaderImp* LibTarnHeaderImp::getNextSiblingElement() const {

@@ -1,12 +1,14 @@
 #include "model/LibTarnManagedObjectImp.hpp"
 
 #include <cstring>
+#include <optional>
 #include <string_view>
-#include <vector>
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "IndexingParse.hpp"
+#include "StagedAttribute.hpp"
+#include "UndoLog.hpp"
 #include "attributeNames.hpp"
 #include "indexChildren.hpp"
 #include "model/IDistinguishedNameValidator.hpp"
@@ -34,13 +36,6 @@ constexpr const char* ANY_DIST_NAME = "_-_";
 // What the interface does not tell: whether the element carries an operation.
 bool hasOperation(const LibTarnManagedObject& object) {
   return implementation<LibTarnManagedObjectImp>(object).hasOperation();
-}
-
-template <class Collection>
-std::vector<std::string> namesOf(const Collection& collection) {
-  std::vector<std::string> names;
-  for (const auto& entry : collection) names.push_back(entry.second->getId());
-  return names;
 }
 
 }  // namespace
@@ -292,58 +287,79 @@ bool LibTarnManagedObjectImp::hasMatch(const List& pattern) const {
 
 // Changing
 
+// What needs memory or may refuse comes first: the parameters, which are taken back when something
+// behind them throws, and the texts of the attributes. Setting the attributes then cannot fail.
 bool LibTarnManagedObjectImp::change(const LibTarnManagedObject& pattern,
                                      const LibTarnManagedObject& values) {
   if (!match(pattern)) return false;
   if (&values == this) return true;
-  changeAttributes(values);
-  const char* const newDistName = values.getDistName().getText();
-  if (newDistName && !isSameText(newDistName, ANY_DIST_NAME)) {
-    changeDistName(pattern.getDistName().getText(), newDistName);
+  UndoLog log;
+  replaceScalars(values, log);
+  replaceLists(values, log);
+  if (model::hasOperation(values)) log.setOperation(*this, values.getOperation());
+  StagedAttributes attributes;
+  stageAttributes(pattern, values, attributes);
+  auto* const cmData = dynamic_cast<LibTarnCmDataImp*>(getParent());
+  if (cmData && attributes.haveKeys()) {
+    cmData->prepareMoKeys(*this, attributes.distName
+                                     ? attributes.distName->text()
+                                     : textOrEmpty(getAttribute(DistinguishedName::ATTR_NAME)));
   }
-  replaceScalars(values);
-  replaceLists(values);
+  cmData ? cmData->setMoAttributes(*this, attributes) : attributes.set();
+  log.keep();
   return true;
 }
 
-void LibTarnManagedObjectImp::changeAttributes(const LibTarnManagedObject& values) {
-  if (model::hasOperation(values)) setOperation(values.getOperation());
-  if (values.getClass() && !isWildcard(values.getClass())) changeClass(values.getClass());
-  if (values.getVersion() && !isWildcard(values.getVersion())) setVersion(values.getVersion());
-}
-
-void LibTarnManagedObjectImp::changeClass(const char* className) {
-  if (auto* const cmData = dynamic_cast<LibTarnCmDataImp*>(getParent())) {
-    cmData->setMoClass(*this, className);
-  } else {
-    setAttribute(CLASS_ATTRIBUTE, className);
+void LibTarnManagedObjectImp::stageAttributes(const LibTarnManagedObject& pattern,
+                                              const LibTarnManagedObject& values,
+                                              StagedAttributes& attributes) {
+  const char* const className = values.getClass();
+  if (className && !isWildcard(className)) {
+    attributes.className.emplace(*this, CLASS_ATTRIBUTE, className);
   }
+  const char* const version = values.getVersion();
+  if (version && !isWildcard(version))
+    attributes.version.emplace(*this, VERSION_ATTRIBUTE, version);
+  const char* const replacement = values.getDistName().getText();
+  if (!replacement || isSameText(replacement, ANY_DIST_NAME)) return;
+  const std::string distName = changedDistName(pattern.getDistName().getText(), replacement);
+  if (!distNameValidator_->isValid(distName.c_str())) return;
+  attributes.distName.emplace(*this, DistinguishedName::ATTR_NAME, distName.c_str());
 }
 
-// Puts `replacement` in place of the first occurrence of `pattern` in the name.
-void LibTarnManagedObjectImp::changeDistName(const char* pattern, const char* replacement) {
+// With `replacement` in place of the first occurrence of `pattern`.
+std::string LibTarnManagedObjectImp::changedDistName(const char* pattern,
+                                                     const char* replacement) const {
   std::string distName = getAttribute(DistinguishedName::ATTR_NAME, "");
   const std::size_t position = pattern ? distName.find(pattern) : std::string::npos;
   if (position != std::string::npos) {
     distName.replace(position, std::strlen(pattern), replacement);
   }
-  setDistName(distName.c_str());
+  return distName;
 }
 
-void LibTarnManagedObjectImp::replaceScalars(const LibTarnManagedObject& values) {
-  for (const std::string& name : namesOf(values.getScalarParameters())) {
-    removeScalarParameter(name);
-  }
+void LibTarnManagedObjectImp::replaceScalars(const LibTarnManagedObject& values, UndoLog& log) {
   for (const auto& entry : values.getScalarParameters()) {
-    addParameter(*implementation<ScalarImp>(*entry.second).clone(factory_));
+    putParameter(*implementation<ScalarImp>(*entry.second).clone(factory_), log);
   }
 }
 
-void LibTarnManagedObjectImp::replaceLists(const LibTarnManagedObject& values) {
-  for (const std::string& name : namesOf(values.getListParameters())) removeListParameter(name);
+void LibTarnManagedObjectImp::replaceLists(const LibTarnManagedObject& values, UndoLog& log) {
   for (const auto& entry : values.getListParameters()) {
-    addParameter(*implementation<ListImp>(*entry.second).clone(factory_));
+    putParameter(*implementation<ListImp>(*entry.second).clone(factory_), log);
   }
+}
+
+void LibTarnManagedObjectImp::putParameter(Scalar& parameter, UndoLog& log) {
+  Scalar* const earlier = log.putIntoIndex(*scalarIndex_, parameter);
+  if (earlier) log.unlink(*this, implementation<ScalarImp>(*earlier));
+  log.append(*this, implementation<ScalarImp>(parameter));
+}
+
+void LibTarnManagedObjectImp::putParameter(List& parameter, UndoLog& log) {
+  List* const earlier = log.putIntoIndex(*listIndex_, parameter);
+  if (earlier) log.unlink(*this, implementation<ListImp>(*earlier));
+  log.append(*this, implementation<ListImp>(parameter));
 }
 
 // Tree
@@ -383,6 +399,18 @@ void LibTarnManagedObjectImp::rebuildIndexersAndInitializeEnum(RebuildIndexersMo
 
 bool LibTarnManagedObjectImp::hasOperation() const {
   return getLiteralAttribute(OPERATION_ATTRIBUTE) != nullptr;
+}
+
+rapidxml::xml_attribute<char>* LibTarnManagedObjectImp::findOperationAttribute() const {
+  return first_attribute(OPERATION_ATTRIBUTE, sizeof(OPERATION_ATTRIBUTE) - 1);
+}
+
+void LibTarnManagedObjectImp::readOperationAgain() {
+  if (operation_.isKnown()) {
+    operation_.initialize();
+  } else {
+    operation_.forget();
+  }
 }
 
 bool LibTarnManagedObjectImp::indexParsed(IndexingParse& parse, const bool& condition) {

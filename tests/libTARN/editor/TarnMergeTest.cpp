@@ -13,6 +13,7 @@
 #include "support/CapturedLog.hpp"
 #include "support/HeapCount.hpp"
 #include "support/HeapDocument.hpp"
+#include "support/consistency.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
@@ -20,6 +21,7 @@ namespace {
 using namespace libtarn::model;
 using libtarn::editor::TarnMerge;
 using libtarn::editor::exceptions::EditorException;
+using tarn_test::brokenDocument;
 using tarn_test::CapturedLog;
 using tarn_test::HeapDocument;
 using Operation = LibTarnManagedObject::Operation;
@@ -544,17 +546,37 @@ TEST(TarnMergeTest, StepsAreThereForHosts) {
   EXPECT_EQ(logTexts(*source), expectedLogs(0, 1));
 }
 
-TEST(TarnMergeTest, StepsOnTheSourcesOwnCmDataEndAndChangeNothing) {
+TEST(TarnMergeTest, SourceIsRefusedAsItsOwnDelta) {
   const auto source = parsed(cmData(
       object("A-1", "update", "<list name='l'/><extension name='e'/>") + object("A-2", "auto"),
       logs(0, 3)));
   TarnMerge merge(*source);
   CapturedLog log;
-  EXPECT_TRUE(merge.doMerge(merge.getCmData(*source)));
-  EXPECT_EQ(logTexts(*source), expectedLogs(0, 3));
+  const std::string before = dumpOf(*source);
+  EXPECT_FALSE(merge.doMerge(merge.getCmData(*source)));
+  EXPECT_EQ(log.messages("ERROR"), Strings{"Source and delta are the same document"});
+  EXPECT_EQ(dumpOf(*source), before);
+
+  LibTarnManagedObject& own = objectIn(*source, "A-1");
+  log.clear();
+  merge.updateScalars(&own, &own);
+  merge.updateLists(&own, &own);
+  merge.updateExtensions(&own, &own);
+  EXPECT_EQ(log.messages("ERROR"), Strings(3, "Source and delta are the same object"));
+  EXPECT_EQ(dumpOf(*source), before);
+  EXPECT_EQ(brokenDocument(*source), "");
+}
+
+// The copy of an abbreviated element is a whole one, which may break a rule that it did not.
+TEST(TarnMergeTest, CopiesHaveTheTagsOfTheirClasses) {
+  const auto source = parsed(cmData(""));
+  LibTarnDocument delta;
+  ASSERT_EQ(delta.parse(cmData(object("A-1", "create", "<e><p/></e>")).c_str(), true), 0);
+  EXPECT_TRUE(TarnMerge(*source).mergeDocument(delta));
   EXPECT_EQ(objectsOf(*source),
-            "managedObject(class=C distName=A-1 version=1 operation=update){list(name=l) "
-            "extension(name=e)} managedObject(class=C distName=A-2 version=1 operation=update)");
+            "managedObject(class=C distName=A-1 version=1 operation=create){extension{p}}");
+  CapturedLog log;
+  EXPECT_EQ(source->validate(), 2);
 }
 
 TEST(TarnMergeDeathTest, StepsNeedSourceAndDelta) {

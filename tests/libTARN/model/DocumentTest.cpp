@@ -23,6 +23,7 @@
 #include "model/StructureImp.hpp"
 #include "model/indexation/TarnIndexFactory.hpp"
 #include "support/CapturedLog.hpp"
+#include "support/consistency.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
@@ -60,6 +61,13 @@ class DocumentTest : public ::testing::Test {
  protected:
   void parse(const std::string& body) {
     ASSERT_EQ(document_.parse(("<tarn>" + body + "</tarn>").c_str(), false), 0);
+    cmData_ = dynamic_cast<LibTarnCmDataImp*>(document_.getLibTarnCmData());
+    log_.clear();
+  }
+  // With what validation asks of the root.
+  void parseValid(const std::string& body) {
+    const std::string text = "<tarn xmlns='tarn21.xsd' version='2.1'>" + body + "</tarn>";
+    ASSERT_EQ(document_.parse(text.c_str(), true), 0);
     cmData_ = dynamic_cast<LibTarnCmDataImp*>(document_.getLibTarnCmData());
     log_.clear();
   }
@@ -334,6 +342,68 @@ TEST_F(DocumentTest, RenamingKeepsTheIndexInStep) {
   expectLine(log_.lines()[0], "ERROR", "setMoDistName",
              "There was no such object in the index, that shouldn't happen");
   EXPECT_EQ(cmData_->getLibTarnManagedObject("E-1"), renamed);
+}
+
+TEST_F(DocumentTest, ObjectThatTookANameIsFoundOnceTheNameIsFree) {
+  const auto parseThree = [this] {
+    parseValid(
+        "<cmData type='actual'><header/><managedObject distName='A-1' class='C'/>"
+        "<managedObject distName='B-1' class='C'/><managedObject distName='C-1' class='C'/>"
+        "</cmData>");
+    return cmData_->getLibTarnManagedObject("A-1");
+  };
+  const auto free = [this](int way) {
+    LibTarnManagedObject* const holder = cmData_->getLibTarnManagedObject("B-1");
+    if (way == 0) {
+      cmData_->removeLibTarnManagedObject("B-1");
+    } else {
+      holder->setDistName("D-1");
+    }
+    return holder;
+  };
+  for (const int way : {0, 1}) {
+    LibTarnManagedObject* const taker = parseThree();
+    EXPECT_EQ(taker->setDistName("B-1"), 0);
+    EXPECT_NE(cmData_->getLibTarnManagedObject("B-1"), taker);
+    EXPECT_NE(free(way), taker);
+    EXPECT_EQ(cmData_->getLibTarnManagedObject("B-1"), taker);
+    EXPECT_EQ(tarn_test::brokenDocument(document_), "");
+    // A delta cannot add a second one.
+    LibTarnDocument delta;
+    ASSERT_EQ(delta.parse("<tarn><cmData type='plan'><managedObject distName='B-1' class='C' "
+                          "operation='create'/></cmData></tarn>",
+                          false),
+              0);
+    EXPECT_FALSE(libtarn::editor::TarnMerge(document_).mergeDocument(delta));
+    EXPECT_EQ(document_.validate(), 0);
+  }
+}
+
+TEST_F(DocumentTest, RenamingAnObjectThatTookANameLeavesTheOtherOneInTheIndex) {
+  parseValid(
+      "<cmData type='actual'><header/><managedObject distName='A-1' class='C'/>"
+      "<managedObject distName='B-1' class='C'/></cmData>");
+  LibTarnManagedObject* const taker = cmData_->getLibTarnManagedObject("A-1");
+  LibTarnManagedObject* const holder = cmData_->getLibTarnManagedObject("B-1");
+  EXPECT_EQ(document_.validate(), 0);
+  EXPECT_EQ(taker->setDistName("B-1"), 0);
+  EXPECT_EQ(document_.validate(), 2);
+  EXPECT_EQ(document_.getDiagnostic().message,
+            "The 'cmData' element already contains a 'managedObject' element with 'distName=B-1'");
+  // Its class is no key of the index either.
+  auto& values = libtarn::util::ManagedObjectBuilder(document_).setClass("D").get();
+  EXPECT_TRUE(taker->change(*taker, values));
+  EXPECT_EQ(taker->setDistName("B-1"), 0);
+  EXPECT_EQ(cmData_->getLibTarnManagedObject("B-1"), holder);
+  EXPECT_EQ(taker->setDistName("C-1"), 0);
+  EXPECT_EQ(cmData_->getLibTarnManagedObject("B-1"), holder);
+  EXPECT_EQ(cmData_->getLibTarnManagedObject("C-1"), taker);
+  EXPECT_EQ(document_.validate(), 0);
+  EXPECT_EQ(tarn_test::brokenDocument(document_), "");
+  EXPECT_EQ(taker->setDistName("B-1"), 0);
+  dynamic_cast<LibTarnCmDataImp&>(*cmData_).removeAllLibTarnManagedObjects();
+  EXPECT_EQ(taker->getNextSiblingElement(), nullptr);
+  EXPECT_EQ(cmData_->getFirstChildElement("managedObject"), nullptr);
 }
 
 TEST_F(DocumentTest, NameOfAnObjectElsewhereIsJustSet) {

@@ -41,8 +41,8 @@ class TARN_API ITarnUniqueAndNonUniqueMultiIndex {
     for (T* const element : getCollection()) visit(element);
   }
 
-  /// Takes the memory that the next add() may need, of an element whose unique key is `key`; it then
-  /// does not throw, also when other elements have been removed before it.
+  /// Takes the memory that the next add() may need, of an element whose unique key is `key`; it
+  /// then does not throw, also when other elements have been removed before it.
   virtual void prepareAdd(const char* /*key*/) {}
 
   /// Adds `count` elements all at once, in this order, without a look at them. False, with nothing

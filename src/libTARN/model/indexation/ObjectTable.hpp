@@ -244,8 +244,8 @@ class ObjectTable {
   ManagedObjectEntry* chunkOf(std::uint32_t number) {
     const std::size_t chunk = placeOf(number).chunk;
     if (!chunks_[chunk]) {
-      chunks_[chunk] = TarnAllocator<ManagedObjectEntry>(allocator_)
-                           .allocate(std::size_t{FIRST_CHUNK} << chunk);
+      chunks_[chunk] =
+          TarnAllocator<ManagedObjectEntry>(allocator_).allocate(std::size_t{FIRST_CHUNK} << chunk);
     }
     return chunks_[chunk];
   }

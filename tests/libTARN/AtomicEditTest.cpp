@@ -1,0 +1,358 @@
+// Merges and changes by mask are made wholly or not at all, whatever ends them: a rule of the model
+// that a copy breaks, or memory that ends at any place.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <new>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "libtarn.hpp"
+#include "model/LibTarnCmDataImp.hpp"
+#include "model/LibTarnManagedObjectImp.hpp"
+#include "model/TarnDomDocument.hpp"
+#include "rapidxml/rapidxml_print.hpp"
+#include "support/CapturedLog.hpp"
+#include "support/HeapCount.hpp"
+#include "support/consistency.hpp"
+
+namespace {
+
+using namespace libtarn::model;
+using libtarn::editor::TarnMerge;
+using tarn_test::brokenDocument;
+using tarn_test::CapturedLog;
+using tarn_test::HeapFault;
+
+constexpr auto BLOCK = static_cast<unsigned>(rapidxml::memory_pool<char>::dynamic_pool_size);
+
+// Pool blocks from the heap, so that a test can end them.
+class Document {
+ public:
+  explicit Document(const std::string& text) {
+    EXPECT_EQ(document_.parse(text.c_str(), false), 0) << text;
+  }
+  LibTarnDocument& get() { return document_; }
+  LibTarnCmData& cmData() { return *document_.getLibTarnCmData(); }
+  LibTarnManagedObject& object(const char* name) { return *cmData().getLibTarnManagedObject(name); }
+
+  // Only so many bytes are left in the pool's block.
+  void leave(unsigned bytes) { document_.getItsTarnDomDocument()->allocateMemory(BLOCK - bytes); }
+
+ private:
+  LibTarnDocument document_{new TarnDomDocument(nullptr, nullptr)};
+};
+
+// All that a host can see: the text, and what the indexes give, in their order.
+std::string stateOf(LibTarnDocument& document) {
+  std::string state;
+  libtarn::util::dumpTarnDocument(document, state);
+  const LibTarnCmData& cmData = *document.getLibTarnCmData();
+  for (const LibTarnManagedObject* object : cmData.getLibTarnManagedObjects()) {
+    state += std::string(object->getDistName().getText()) + " " +
+             object->getOperation().toString() + ":";
+    for (const auto& entry : object->getScalarParameters()) {
+      state += std::string(" ") + entry.first + "=" + entry.second->getValue();
+    }
+    for (const auto& entry : object->getListParameters()) state += std::string(" ") + entry.first;
+    state += "\n";
+  }
+  for (const char* const className : {"C", "D", "E"}) {
+    for (const LibTarnManagedObject* object : cmData.getLibTarnManagedObjectsByClass(className)) {
+      state += object->getDistName().getText() + std::string(" ");
+    }
+    state += "\n";
+  }
+  return state;
+}
+
+std::string whole(const std::string& objects) {
+  return "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header>"
+         "<log dateTime='d' action='a'>x</log></header>" +
+         objects + "</cmData></tarn>";
+}
+
+std::string object(const std::string& name, const std::string& operation, const std::string& body) {
+  return "<managedObject class='C' distName='" + name + "'" +
+         (operation.empty() ? "" : " operation='" + operation + "'") + ">" + body +
+         "</managedObject>";
+}
+
+// Parameters that an update replaces, and some that it leaves, in an order of their own.
+std::string body() {
+  std::string text =
+      "<list name='l'><p>1</p></list><p name='z'>old</p><extension name='e'><p name='n'>v</p>"
+      "</extension><p name='a'>old</p><extension name='f'/><extension name='e'/>"
+      "<list name='m'><item><p name='x'>1</p></item></list>";
+  // More than an array of the index holds.
+  for (int i = 0; i < 70; ++i) text += "<list name='k" + std::to_string(i) + "'/>";
+  return text;
+}
+
+std::string sourceText() {
+  return whole(object("A-3", "", body()) + object("A-1", "", body()) + object("A-2", "", body()) +
+               object("A-5", "", "<p name='a'>old</p>"));
+}
+
+// Every kind of change, and at the end what is given.
+std::string deltaText(const std::string& last) {
+  const std::string changes =
+      "<p name='a'>a value longer than before</p><p name='b'>new</p><list name='m'/>"
+      "<list name='l'><p>2</p></list><list name='o'/><list name='k3'><p>9</p></list>"
+      "<extension name='e'><p name='w'>v</p></extension><extension name='g'/>";
+  return whole(object("A-1", "update", changes) + object("A-2", "delete", "") +
+               object("A-3", "auto", changes) + object("A-4", "", changes) +
+               object("B-1", "create", changes) + last);
+}
+
+// Documents that pass a load with validation, and whose copy breaks a rule.
+const char* const BROKEN_COPIES[] = {
+    "<managedObject operation='x'/>",
+    "<managedObject distName='D'><p name='n'/><p name='n'/></managedObject>",
+    "<item><p name='n'/><p name='n'/></item>",
+    "<list name='q'><item><item><p/><p/></item></item></list>",
+    "<extension name='q'><list name='l'><item><p/><p/></item></list></extension>",
+};
+
+TEST(AtomicEditTest, MergeThatBreaksARuleHasChangedNothing) {
+  for (const char* const broken : BROKEN_COPIES) {
+    for (const char* const operation : {"create", "auto", ""}) {
+      SCOPED_TRACE(std::string(broken) + operation);
+      Document source(sourceText());
+      Document delta(deltaText(object("Z-1", operation, broken)));
+      const std::string sourceBefore = stateOf(source.get());
+      const std::string deltaBefore = stateOf(delta.get());
+      EXPECT_THROW(TarnMerge(source.get()).mergeDocument(delta.get()), exceptions::ModelException);
+      EXPECT_EQ(stateOf(source.get()), sourceBefore);
+      EXPECT_EQ(stateOf(delta.get()), deltaBefore);
+      EXPECT_EQ(brokenDocument(source.get()), "");
+      EXPECT_EQ(brokenDocument(delta.get()), "");
+    }
+  }
+}
+
+TEST(AtomicEditTest, UpdateThatBreaksARuleHasChangedNothing) {
+  // A list and an extension that cannot be copied, behind others that can.
+  for (const char* const broken : {BROKEN_COPIES[3], BROKEN_COPIES[4]}) {
+    SCOPED_TRACE(broken);
+    const std::string changes =
+        object("A-1", "update",
+               "<p name='a'>new</p><list name='l'/><extension name='e'/>" + std::string(broken));
+    Document source(sourceText());
+    Document delta(whole(changes));
+    const std::string before = stateOf(source.get());
+    TarnMerge merge(source.get());
+    LibTarnManagedObject& to = source.object("A-1");
+    LibTarnManagedObject& from = delta.object("A-1");
+    EXPECT_THROW(merge.mergeManagedObject(from), exceptions::ModelException);
+    EXPECT_EQ(stateOf(source.get()), before);
+    EXPECT_THROW(merge.doOperationUpdate(&to, &from), exceptions::ModelException);
+    EXPECT_EQ(stateOf(source.get()), before);
+    const bool isList = broken == BROKEN_COPIES[3];
+    EXPECT_THROW(isList ? merge.updateLists(&to, &from) : merge.updateExtensions(&to, &from),
+                 exceptions::ModelException);
+    EXPECT_EQ(stateOf(source.get()), before);
+    EXPECT_EQ(brokenDocument(source.get()), "");
+  }
+}
+
+TEST(AtomicEditTest, ChangeThatBreaksARuleHasChangedNothing) {
+  Document source(sourceText());
+  auto& factory = source.get().getFactory();
+  Document holder(
+      whole("<managedObject class='D' distName='B-1' version='2' operation='delete'>"
+            "<p name='a'>new</p><list name='l'/>" +
+            std::string(BROKEN_COPIES[3]) + "</managedObject>"));
+  LibTarnManagedObject& values = holder.object("B-1");
+  LibTarnManagedObject& mask = *factory.createLibTarnManagedObject("#", "A-1", "#");
+  const std::string before = stateOf(source.get());
+  EXPECT_THROW(source.object("A-1").change(mask, values), exceptions::ModelException);
+  EXPECT_EQ(stateOf(source.get()), before);
+  EXPECT_EQ(brokenDocument(source.get()), "");
+}
+
+// Something that is done with two documents.
+struct Work {
+  const char* name;
+  std::function<void(Document& source, Document& delta)> act;
+};
+
+void changeByMask(Document& source, Document& delta, const char* mask) {
+  auto& factory = delta.get().getFactory();
+  LibTarnManagedObject& pattern = *factory.createLibTarnManagedObject("#", mask, "#");
+  LibTarnManagedObject& values = *factory.createLibTarnManagedObject("D", "NETWORK-77", "2");
+  values.setOperation(LibTarnManagedObject::Operation::CREATE);
+  for (const char* const name : {"a", "b", "c"}) {
+    values.addParameter(*factory.createScalar(name, "a value longer than before"));
+  }
+  for (const char* const name : {"k3", "l", "o"}) values.addParameter(*factory.createList(name));
+  source.object(mask).change(pattern, values);
+}
+
+const std::vector<Work>& works() {
+  static const std::vector<Work> all = {
+      {"merge",
+       [](Document& source, Document& delta) {
+         EXPECT_TRUE(TarnMerge(source.get()).mergeDocument(delta.get()));
+       }},
+      {"merge of an object",
+       [](Document& source, Document& delta) {
+         EXPECT_TRUE(TarnMerge(source.get()).mergeManagedObject(delta.object("A-1")));
+       }},
+      {"a further object",
+       [](Document& source, Document& delta) {
+         EXPECT_TRUE(TarnMerge(source.get()).mergeManagedObject(delta.object("B-1")));
+       }},
+      {"scalars",
+       [](Document& source, Document& delta) {
+         TarnMerge(source.get()).updateScalars(&source.object("A-1"), &delta.object("A-1"));
+       }},
+      {"lists",
+       [](Document& source, Document& delta) {
+         TarnMerge(source.get()).updateLists(&source.object("A-1"), &delta.object("A-1"));
+       }},
+      {"extensions",
+       [](Document& source, Document& delta) {
+         TarnMerge(source.get()).updateExtensions(&source.object("A-1"), &delta.object("A-1"));
+       }},
+      {"headers",
+       [](Document& source, Document& delta) {
+         TarnMerge merge(source.get());
+         merge.addHeaders(merge.getCmData(delta.get()));
+       }},
+      {"change", [](Document& source, Document& delta) { changeByMask(source, delta, "A-1"); }},
+      {"rename",
+       [](Document& source, Document&) { source.object("A-1").setDistName("NETWORK-1/SITE-2"); }},
+      {"rename to a name that is taken",
+       [](Document& source, Document&) { source.object("A-1").setDistName("A-2"); }},
+  };
+  return all;
+}
+
+// What fails: of the allocations of at least `leastSize` bytes the `number`-th, with so many bytes
+// left in the block of the source's pool.
+struct Fault {
+  std::size_t number;
+  std::size_t leastSize;
+  unsigned left;
+  bool withViews;  // whether the indexes have their orders already
+};
+
+struct Outcome {
+  bool failed;    // the work threw std::bad_alloc
+  bool happened;  // the allocation was come to
+};
+
+// When it fails nothing may have changed, and it can be done afterwards.
+Outcome actWith(const Work& work, const Fault& fault) {
+  CapturedLog log;
+  Document source(sourceText());
+  Document delta(deltaText(""));
+  Document sourceBefore(sourceText());
+  Document deltaBefore(deltaText(""));
+  if (fault.withViews) stateOf(source.get());
+  if (fault.left > 0) source.leave(fault.left);
+  Outcome outcome{false, false};
+  {
+    const HeapFault heapFault(fault.number, fault.leastSize);
+    try {
+      work.act(source, delta);
+    } catch (const std::bad_alloc&) {
+      outcome.failed = true;
+    }
+    outcome.happened = heapFault.happened();
+  }
+  if (outcome.failed) {
+    EXPECT_EQ(stateOf(source.get()), stateOf(sourceBefore.get()));
+    EXPECT_EQ(stateOf(delta.get()), stateOf(deltaBefore.get()));
+    EXPECT_EQ(brokenDocument(source.get()), "");
+    EXPECT_EQ(brokenDocument(delta.get()), "");
+    work.act(source, delta);
+  }
+  work.act(sourceBefore, deltaBefore);
+  EXPECT_EQ(stateOf(source.get()), stateOf(sourceBefore.get()));
+  EXPECT_EQ(stateOf(delta.get()), stateOf(deltaBefore.get()));
+  return outcome;
+}
+
+TEST(AtomicEditTest, PoolThatEndsAnywhereLeavesEverythingAsItWas) {
+  for (const Work& work : works()) {
+    SCOPED_TRACE(work.name);
+    int failed = 0;
+    // From where next to nothing is left to where all of it has room.
+    for (unsigned left = 8; left < 40000 && !HasFailure(); left += left < 3000 ? 8 : 56) {
+      SCOPED_TRACE(left);
+      // Only the blocks of the pool are so large.
+      const Outcome outcome = actWith(work, {1, BLOCK, left, left % 16 == 0});
+      failed += outcome.failed ? 1 : 0;
+      if (!outcome.happened && left > 3000) break;
+    }
+    EXPECT_GT(failed, 0);
+  }
+}
+
+TEST(AtomicEditTest, HeapThatEndsAnywhereLeavesEverythingAsItWas) {
+  for (const Work& work : works()) {
+    SCOPED_TRACE(work.name);
+    bool happened = true;
+    for (std::size_t number = 1; happened && !HasFailure(); ++number) {
+      ASSERT_LT(number, 10000U);
+      SCOPED_TRACE(number);
+      happened = actWith(work, {number, 0, 0, number % 2 == 0}).happened;
+    }
+  }
+}
+
+// One after the other, so that those before the one that fails stay changed.
+TEST(AtomicEditTest, EachObjectIsChangedByAMaskWhollyOrNotAtAll) {
+  int partly = 0;
+  for (unsigned left = 0; left < 12000 && !HasFailure(); left += 24) {
+    SCOPED_TRACE(left);
+    CapturedLog log;
+    Document source(sourceText());
+    Document expected(sourceText());
+    auto& factory = source.get().getFactory();
+    LibTarnManagedObject& mask = *factory.createLibTarnManagedObject("C", "A-", "#");
+    LibTarnManagedObject& values = *factory.createLibTarnManagedObject("D", "NETWORK-9/A-", "2");
+    values.addParameter(*factory.createScalar("a", "a value longer than before"));
+    values.addParameter(*factory.createScalar("b", "new"));
+    values.addParameter(*factory.createList("l"));
+    values.addParameter(*factory.createList("o"));
+    expected.get().setChangesToMOs(mask, values);
+    const auto textOf = [](const LibTarnManagedObject& object) {
+      const auto& element = dynamic_cast<const LibTarnManagedObjectImp&>(object);
+      std::string text;
+      rapidxml::print_node(text, &element, 0, 0);
+      return text;
+    };
+    std::set<std::string> whole;
+    for (Document* const each : {&source, &expected}) {
+      for (const auto* object : each->cmData().getLibTarnManagedObjects()) {
+        whole.insert(textOf(*object));
+      }
+    }
+    source.leave(left);
+    bool failed = false;
+    {
+      HeapFault fault(1, BLOCK);
+      try {
+        source.get().setChangesToMOs(mask, values);
+      } catch (const std::bad_alloc&) {
+        failed = true;
+      }
+    }
+    EXPECT_EQ(brokenDocument(source.get()), "");
+    int changed = 0;
+    for (const auto* object : source.cmData().getLibTarnManagedObjects()) {
+      EXPECT_EQ(whole.count(textOf(*object)), 1U);
+      changed += std::string(object->getClass()) == "D" ? 1 : 0;
+    }
+    partly += failed && changed > 0 ? 1 : 0;
+  }
+  EXPECT_GT(partly, 0);
+}
+
+}  // namespace
