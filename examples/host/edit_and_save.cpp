@@ -51,7 +51,9 @@ int main(int argc, char** argv) {
     cmData.addLibTarnManagedObject(*power);
   }
 
-  // Names are changed through the object, so that the index of names keeps in step.
+  // Names are changed through the object, so that the index of names keeps in step. A name that is
+  // taken is not refused there: it is the host that looks first.
+  if (cmData.hasLibTarnManagedObject("NET-1/SITE-70")) return 3;
   if (site->setDistName("NET-1/SITE-70") != 0) return 3;
   std::cout << (cmData.getLibTarnManagedObject("NET-1/SITE-70") == site ? "found" : "lost")
             << " by its new name\n";

@@ -44,7 +44,8 @@ int main(int argc, char** argv) {
         status = 3;
       }
     } catch (const ModelException& error) {
-      // A delta that was loaded with validation gives no reason for this one.
+      // Even a delta that was loaded with validation may hold elements that cannot be copied, such
+      // as an object within an object. The network is as it was.
       std::cout << argv[i] << ": " << error.what() << '\n';
       return 2;
     }

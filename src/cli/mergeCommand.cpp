@@ -7,8 +7,17 @@
 #include "documentFile.hpp"
 #include "editor/TarnMerge.hpp"
 #include "model/LibTarnCmData.hpp"
+#include "model/LibTarnDocumentInternal.hpp"
+#include "model/LibTarnExtension.hpp"
+#include "model/LibTarnHeader.hpp"
+#include "model/List.hpp"
+#include "model/Log.hpp"
+#include "model/Scalar.hpp"
+#include "model/Structure.hpp"
+#include "model/TarnDomDocument.hpp"
 #include "model/exceptions/ModelException.hpp"
 #include "outputFile.hpp"
+#include "terminal.hpp"
 
 namespace tarn {
 
@@ -42,6 +51,34 @@ std::string summary(const LibTarnDocument& delta) {
          std::to_string(deleted) + " deleted";
 }
 
+bool isTag(const std::string& name) {
+  using namespace libtarn::model;
+  for (const char* const tag :
+       {LibTarnCmData::TAG_NAME, LibTarnHeader::TAG_NAME, Log::TAG_NAME,
+        LibTarnManagedObject::TAG_NAME, LibTarnExtension::TAG_NAME, List::TAG_NAME,
+        Structure::TAG_NAME, Scalar::TAG_NAME}) {
+    if (name == tag) return true;
+  }
+  return false;
+}
+
+// Whether the delta has elements whose tags are beginnings of those that the format has. Their
+// copies have the whole tags, and so have to follow rules that they did not.
+bool hasAbbreviatedTags(const LibTarnDocument& document) {
+  libDomXml::IDomElement* const top = document.getItsTarnDomDocument()->getRootElement();
+  libDomXml::IDomElement* element = top;
+  for (;;) {
+    if (libDomXml::IDomElement* const child = element->getFirstChild(nullptr)) {
+      element = child;
+    } else {
+      while (element != top && !element->nextSibling(nullptr)) element = element->getParent();
+      if (element == top) return false;
+      element = element->nextSibling(nullptr);
+    }
+    if (!isTag(element->getTagName())) return true;
+  }
+}
+
 // Why the library refused is in its log only.
 [[noreturn]] void throwRefusal(const MergeRequest& request, const std::string& deltaPath,
                                const LibTarnDocument& source, const LibTarnDocument& delta) {
@@ -61,9 +98,13 @@ void refuseSameFile(const std::string& source, const std::string& delta) {
   }
 }
 
-// Returns what the delta did, as a line.
-std::string applyDelta(const MergeRequest& request, const std::string& path,
-                       LibTarnDocument& source) {
+/// What a delta did.
+struct Applied {
+  std::string summary;      // a line
+  bool hasAbbreviatedTags;  // in what it brought
+};
+
+Applied applyDelta(const MergeRequest& request, const std::string& path, LibTarnDocument& source) {
   refuseSameFile(request.source, path);
   LibTarnDocument delta;
   load(path, delta, request.validate);
@@ -72,7 +113,7 @@ std::string applyDelta(const MergeRequest& request, const std::string& path,
   } catch (const libtarn::model::exceptions::ModelException& error) {
     throw CommandError(Status::RuleBroken, path, error.what());
   }
-  return path + ": " + summary(delta) + "\n";
+  return {path + ": " + summary(delta) + "\n", hasAbbreviatedTags(delta)};
 }
 
 }  // namespace
@@ -81,11 +122,17 @@ void mergeCommand(const MergeRequest& request) {
   LibTarnDocument source;
   load(request.source, source, request.validate);
   std::string summaries;
-  for (const std::string& path : request.deltas) summaries += applyDelta(request, path, source);
-  if (request.validate && source.validate() != 0) {
+  bool mayHaveBecomeInvalid = false;
+  for (const std::string& path : request.deltas) {
+    const Applied applied = applyDelta(request, path, source);
+    summaries += applied.summary;
+    mayHaveBecomeInvalid = mayHaveBecomeInvalid || applied.hasAbbreviatedTags;
+  }
+  if ((request.validate || mayHaveBecomeInvalid) && source.validate() != 0) {
     HostLog::takeError();
-    throw CommandError(Status::RuleBroken, request.source,
-                       "merged document: " + source.getDiagnostic().message);
+    const std::string message = "merged document: " + source.getDiagnostic().message;
+    if (request.validate) throw CommandError(Status::RuleBroken, request.source, message);
+    tellNote(printable(request.source) + ": note: " + printable(message));
   }
   if (request.checkOnly) return writeOutput(summaries);
   writeResult(source, request.source, request.target, summaries);

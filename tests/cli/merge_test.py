@@ -54,6 +54,22 @@ class MergeTest(CommandCase):
         self.expect(tarn("merge", self.source, self.delta, "-o", "-"), 0, MERGED, summary)
         self.assertEqual(self.read(self.source), SOURCE.encode())
 
+    def test_abbreviated_tag_that_breaks_a_rule_once_it_is_copied_is_noted(self):
+        delta = self.file(document(managed_object("A-4", "create", "<e><p/></e>")), "short.xml")
+        out = self.path("out.xml")
+        message = ("merged document: The 'tarn > cmData > managedObject:A-4 > extension > p > ' "
+                   "element has no attribute 'name'")
+        self.expect(tarn("check", delta), 0, f"{delta}: ok\n")
+        self.expect(tarn("merge", self.source, delta, "-o", out), 0,
+                    f"{delta}: 1 created, 0 updated, 0 deleted\n",
+                    f"{self.source}: note: {message}\n")
+        self.expect(tarn("merge", self.source, delta, "--validate", "-o", out), 2, "",
+                    f"{self.source}: error: {message}\n")
+        # What follows the rules is not worth a note.
+        delta = self.file(document(managed_object("A-4", "create", '<e><p name="x"/></e>')), "x.xml")
+        self.expect(tarn("merge", self.source, delta, "-o", out), 0,
+                    f"{delta}: 1 created, 0 updated, 0 deleted\n")
+
     def test_result_goes_to_a_new_file_with_the_usual_mode(self):
         out = self.path("out.xml")
         self.expect(tarn("merge", self.source, self.delta, "-o", out), 0,
