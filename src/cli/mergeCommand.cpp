@@ -53,10 +53,9 @@ std::string summary(const LibTarnDocument& delta) {
 
 bool isTag(const std::string& name) {
   using namespace libtarn::model;
-  for (const char* const tag :
-       {LibTarnCmData::TAG_NAME, LibTarnHeader::TAG_NAME, Log::TAG_NAME,
-        LibTarnManagedObject::TAG_NAME, LibTarnExtension::TAG_NAME, List::TAG_NAME,
-        Structure::TAG_NAME, Scalar::TAG_NAME}) {
+  for (const char* const tag : {LibTarnCmData::TAG_NAME, LibTarnHeader::TAG_NAME, Log::TAG_NAME,
+                                LibTarnManagedObject::TAG_NAME, LibTarnExtension::TAG_NAME,
+                                List::TAG_NAME, Structure::TAG_NAME, Scalar::TAG_NAME}) {
     if (name == tag) return true;
   }
   return false;

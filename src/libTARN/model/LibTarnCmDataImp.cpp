@@ -1,6 +1,7 @@
 #include "model/LibTarnCmDataImp.hpp"
 
 #include <cstring>
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -216,12 +217,16 @@ bool LibTarnCmDataImp::isIndexed(const LibTarnManagedObjectImp& object) const {
   return getLibTarnManagedObject(nameOf(object)) == &object;
 }
 
-// The first child that lost that name gets it back.
+// A child that lost that name gets it back. Without memory it stays as it is: what freed the name
+// has been done.
 void LibTarnCmDataImp::indexUnindexed(const char* distName) {
   for (Unindexed* each = unindexed_; each; each = each->next) {
     if (!each->object || each->object->parent() != this) continue;
     if (std::strcmp(nameOf(*each->object).getText(), distName) != 0) continue;
-    if (managedObjectIndex_->add(each->object)) each->object = nullptr;
+    try {
+      if (managedObjectIndex_->add(each->object)) each->object = nullptr;
+    } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch)
+    }
     return;
   }
 }

@@ -1,0 +1,199 @@
+// A text through every way of loading it: as a text and as a vector, with and without the check of
+// the rules, into a new document and in place of another one, with indexes that the library fills
+// along the parse, in a walk behind it or not at all knows how to fill. All come to the same answer
+// and the same document.
+
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "../support/Text.hpp"
+#include "../support/check.hpp"
+#include "libtarn.hpp"
+#include "model/LibTarnDocumentInternal.hpp"
+#include "model/TarnDomDocument.hpp"
+#include "model/indexation/TarnIndexFactory.hpp"
+#include "support/consistency.hpp"
+
+namespace {
+
+using namespace libtarn::model;
+using namespace libtarn::model::indexation;
+
+/// A host's index of parameters on a map, which knows nothing of what is behind the usual
+/// operations.
+class MapIndex : public ITarnUniqueIndex<Scalar> {
+ public:
+  using Entry = ParameterEntry<Scalar>;
+
+  bool add(Scalar* element) override { return map_.emplace(element->getId(), element).second; }
+  bool remove(Scalar* element) override { return map_.erase(element->getId()) == 1; }
+  bool remove(const char* name) override { return map_.erase(name) == 1; }
+  Scalar* find(const char* name) const override {
+    const auto it = map_.find(name ? name : "");
+    return it == map_.end() ? nullptr : it->second;
+  }
+  ScalarCollection getCollection() const override {
+    entries_.clear();
+    for (const auto& [name, element] : map_) entries_.emplace_back(name.c_str(), element);
+    run_ = {entries_.data(), entries_.data() + entries_.size(), nullptr};
+    return ScalarCollection(run_);
+  }
+  std::size_t size() const override { return map_.size(); }
+
+ private:
+  std::map<std::string, Scalar*> map_;
+  mutable std::vector<Entry> entries_;
+  mutable EntryRun<Entry> run_{};
+};
+
+class MapIndexFactory : public TarnIndexFactory {
+ public:
+  using TarnIndexFactory::TarnIndexFactory;
+
+  ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const override {
+    return &indexes_.emplace_back();
+  }
+
+ private:
+  mutable std::deque<MapIndex> indexes_;
+};
+
+// Everything that a host can learn of a document.
+struct Answer {
+  int code;
+  std::string message;
+  std::size_t offset;
+  std::string content;  // empty unless it was loaded
+
+  bool operator==(const Answer& other) const {
+    return code == other.code && message == other.message && offset == other.offset &&
+           content == other.content;
+  }
+};
+
+void describe(const LibTarnManagedObject& object, std::string& out) {
+  out += std::string(object.getDistName().getText() ? object.getDistName().getText() : "-") + ' ' +
+         object.getOperation().toString();
+  for (const auto& entry : object.getScalarParameters()) {
+    out += std::string(" ") + entry.first + '=' + entry.second->getValue();
+  }
+  for (const auto& entry : object.getListParameters()) {
+    out += std::string(" ") + entry.first + '[';
+    for (const Structure* item = entry.second->getStructuredValues(); item;
+         item = item->getNextSiblingElement()) {
+      for (const auto& component : item->getComponents()) {
+        out += std::string(component.first) + '=' + component.second->getValue() + ' ';
+      }
+    }
+    out += ']';
+  }
+  out += '\n';
+}
+
+std::string contentOf(LibTarnDocument& document) {
+  std::string out;
+  libtarn::util::dumpTarnDocument(document, out);
+  for (const LibTarnCmData* cmData = document.getLibTarnCmData(); cmData;
+       cmData = cmData->getNextSiblingElement()) {
+    out += cmData->getType().toString() + '\n';
+    for (const LibTarnManagedObject* object : cmData->getLibTarnManagedObjects()) {
+      describe(*object, out);
+      const char* const className = object->getClass() ? object->getClass() : "";
+      for (const auto* each : cmData->getLibTarnManagedObjectsByClass(className)) {
+        if (each->getDistName().getText()) out += each->getDistName().getText();
+        out += ' ';
+      }
+    }
+  }
+  return out;
+}
+
+Answer answerOf(LibTarnDocument& document, int code) {
+  const Diagnostic& diagnostic = document.getDiagnostic();
+  const bool loaded = code == 0;
+  fuzz::checkNothing(tarn_test::brokenDocument(
+      document, loaded ? tarn_test::Indexes::IN_STEP : tarn_test::Indexes::SOUND));
+  return {code, diagnostic.message, diagnostic.offset, loaded ? contentOf(document) : ""};
+}
+
+std::vector<char> vectorOf(fuzz::Text& text) {
+  return std::vector<char>(text.get(), text.get() + text.size() + 1);
+}
+
+Answer load(fuzz::Text& text, bool validate) {
+  LibTarnDocument document;
+  return answerOf(document, document.parse(text.get(), validate));
+}
+
+Answer loadVector(fuzz::Text& text, bool validate) {
+  LibTarnDocument document(new TarnDomDocument(nullptr, nullptr));
+  return answerOf(document, document.parse(vectorOf(text), validate));
+}
+
+// In place of a document that was loaded, and of one that was not.
+Answer loadAgain(fuzz::Text& text, bool validate) {
+  LibTarnDocument document;
+  document.parse(
+      "<?xml version='1.0'?><tarn a='b'><cmData type='plan'><managedObject distName='A-1'>"
+      "<p name='a'/></managedObject></cmData></tarn>",
+      false);
+  document.parse("<?xml c='d'?><tarn e='f'><cmData type='plan'><managedObject distName='A-1'><p>",
+                 false);
+  // Of an earlier text stays what the later one does not name.
+  document.parse(
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?><tarn xmlns=\"tarn21.xsd\" "
+      "version=\"2.1\"></tarn>",
+      false);
+  return answerOf(document, document.parse(text.get(), validate));
+}
+
+// The index is the host's, so that the library walks.
+Answer loadByWalk(fuzz::Text& text, bool validate) {
+  LibTarnDocument pool;
+  MapIndexFactory factory(*pool.getItsTarnDomDocument());
+  LibTarnDocument document(new TarnDomDocument(nullptr, &factory));
+  return answerOf(document, document.parse(text.get(), validate));
+}
+
+// Step by step, as the document's own parts offer it.
+Answer loadInSteps(fuzz::Text& text, bool validate) {
+  LibTarnDocument document;
+  TarnDomDocument& dom = *document.getItsTarnDomDocument();
+  std::vector<char> copy = vectorOf(text);
+  Answer answer{0, "", 0, ""};
+  try {
+    dom.parse(copy);
+    dom.getRootElement()->rebuildIndexersAndInitializeEnums();
+    if (validate) {
+      validation::Validator validator;
+      dom.getRootElement()->accept(validator);
+    }
+  } catch (const rapidxml::parse_error& error) {
+    answer = {1, error.what(), dom.getTextOffset(error), ""};
+  } catch (const exceptions::ModelException& error) {
+    answer = {2, error.what(), 0, ""};
+  }
+  fuzz::checkNothing(tarn_test::brokenDocument(
+      document, answer.code == 0 ? tarn_test::Indexes::IN_STEP : tarn_test::Indexes::SOUND));
+  if (answer.code == 0) answer.content = contentOf(document);
+  return answer;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::Text text(data, size);
+  for (const bool validate : {false, true}) {
+    const Answer answer = load(text, validate);
+    fuzz::check(loadVector(text, validate) == answer, "a vector is loaded as its text is");
+    fuzz::check(loadAgain(text, validate) == answer, "a second load is as the first one");
+    fuzz::check(loadByWalk(text, validate) == answer, "a walk comes to the same");
+    fuzz::check(loadInSteps(text, validate) == answer, "the steps come to the same");
+    if (validate && LibTarnDocument::isKnownToBeValid(vectorOf(text))) {
+      fuzz::check(answer.code == 0, "what is known to be valid is");
+    }
+  }
+  return 0;
+}
