@@ -23,8 +23,10 @@ using libtarn::editor::TarnMerge;
 using libtarn::util::ManagedObjectBuilder;
 using tarn_test::Indexes;
 
-constexpr int MOST_STEPS = 300;
-constexpr unsigned NAMES = 90;  // more than an array of a parameter index holds
+constexpr int MOST_STEPS = 200;
+constexpr int STEPS_BETWEEN_CHECKS = 8;
+constexpr unsigned OBJECTS = 40;
+constexpr unsigned PARAMETERS = 70;  // more than an array of the index holds
 constexpr unsigned CLASSES = 3;
 
 std::string objectName(unsigned number) { return "A-" + std::to_string(number); }
@@ -88,6 +90,7 @@ struct Walk {
   Collection collection;
   typename Collection::iterator position;
   std::optional<Key> next;
+  bool isShown = false;
 };
 
 using NameWalk = Walk<indexation::ManagedObjectCollection, std::string>;
@@ -112,8 +115,10 @@ class Session {
   void run() {
     for (int step = 0; step < MOST_STEPS && input_.remaining_bytes() > 0; ++step) {
       act();
-      check();
+      checkObjects();
+      if (step % STEPS_BETWEEN_CHECKS == 0) checkAllParameters();
     }
+    checkAllParameters();
     const bool allIndexed = shadow_.byName.size() == shadow_.children.size();
     fuzz::checkNothing(
         tarn_test::brokenDocument(*document_, allIndexed ? Indexes::IN_STEP : Indexes::SOUND));
@@ -134,19 +139,19 @@ class Session {
     switch (number(11)) {
       case 0:
       case 1:
-        return add(objectName(number(NAMES)), className(number(CLASSES)));
+        return add(objectName(number(OBJECTS)), className(number(CLASSES)));
       case 2:
         return addMany();
       case 3:
-        return remove(objectName(number(NAMES)));
+        return remove(objectName(number(OBJECTS)));
       case 4:
-        return rename(objectName(number(NAMES)));
+        return rename(objectName(number(OBJECTS)));
       case 5:
         return changeClass(className(number(CLASSES)));
       case 6:
         return addParameters();
       case 7:
-        return removeParameter(parameterName(number(NAMES)));
+        return removeParameter(parameterName(number(PARAMETERS)));
       case 8:
         return beginWalk();
       case 9:
@@ -166,9 +171,9 @@ class Session {
   }
 
   void addMany() {
-    const unsigned first = number(NAMES);
+    const unsigned first = number(OBJECTS);
     const std::string ofClass = className(number(CLASSES));
-    for (unsigned i = first; i < NAMES && i < first + 40; ++i) add(objectName(i), ofClass);
+    for (unsigned i = first; i < OBJECTS; ++i) add(objectName(i), ofClass);
   }
 
   void remove(const std::string& name) {
@@ -216,10 +221,10 @@ class Session {
     if (!element) return;
     Object& object = shadow_.children.at(element);
     auto& factory = document_->getFactory();
-    const unsigned first = number(NAMES);
-    const unsigned count = input_.ConsumeBool() ? 1 : NAMES;
+    const unsigned first = number(PARAMETERS);
+    const unsigned count = input_.ConsumeBool() ? 1 : PARAMETERS;
     const bool lists = input_.ConsumeBool();
-    for (unsigned i = first; i < NAMES && i < first + count; ++i) {
+    for (unsigned i = first; i < PARAMETERS && i < first + count; ++i) {
       const std::string name = parameterName(i);
       const bool isNew =
           lists ? object.lists.insert(name).second : object.scalars.emplace(name, "v").second;
@@ -246,7 +251,7 @@ class Session {
     if (input_.ConsumeBool()) {
       const auto all = cmData_->getLibTarnManagedObjects();
       if (shadow_.byName.empty()) return fuzz::check(all.empty(), "nothing to walk through");
-      nameWalks_.push_back({all, all.begin(), shadow_.byName.begin()->first});
+      nameWalks_.push_back({all, all.begin(), shadow_.byName.begin()->first, false});
       return;
     }
     const std::string ofClass = className(number(CLASSES));
@@ -255,7 +260,7 @@ class Session {
     const bool isThere = first != shadow_.byClass.end() && first->first.first == ofClass;
     fuzz::check(all.empty() != isThere, "a class to walk through");
     if (!isThere) return;
-    classWalks_.push_back({all, all.begin(), first->first});
+    classWalks_.push_back({all, all.begin(), first->first, false});
     classEnds_.push_back(shadow_.nextSerial);
   }
 
@@ -268,21 +273,22 @@ class Session {
     }
   }
 
+  // Shows an item, or steps on from one that was shown: the index may change between the two.
   template <class Walk, class Map>
   static void step(Walk& walk, const Map& map, typename Map::const_iterator end) {
     if (!walk.next) return fuzz::check(walk.position == walk.collection.end(), "a walk ends once");
-    auto expected = map.lower_bound(*walk.next);
+    if (walk.isShown) ++walk.position;
+    const auto expected = walk.isShown ? map.upper_bound(*walk.next) : map.lower_bound(*walk.next);
     const bool isAtEnd = expected == end || (end != map.end() && !(expected->first < end->first));
     fuzz::check((walk.position == walk.collection.end()) == isAtEnd, "the end of a walk");
-    walk.next.reset();
     if (isAtEnd) {
+      walk.next.reset();
       walk.position = walk.collection.end();
       return;
     }
-    fuzz::check(*walk.position == expected->second, "what a walk meets");
-    ++walk.position;
-    ++expected;
-    if (expected != end) walk.next = expected->first;
+    walk.next = expected->first;
+    walk.isShown = !walk.isShown;
+    if (walk.isShown) fuzz::check(*walk.position == expected->second, "what a walk meets");
   }
 
   // Merging
@@ -298,8 +304,8 @@ class Session {
     std::map<std::string, DeltaObject> objects;
     for (unsigned count = number(6); count > 0; --count) {
       static const char* const OPERATIONS[] = {"create", "update", "delete", "auto"};
-      objects[objectName(number(NAMES))] = {OPERATIONS[number(4)], className(number(CLASSES)),
-                                            std::to_string(number(9)), input_.ConsumeBool()};
+      objects[objectName(number(OBJECTS))] = {OPERATIONS[number(4)], className(number(CLASSES)),
+                                              std::to_string(number(9)), input_.ConsumeBool()};
     }
     std::string text = "<tarn><cmData type='plan'>";
     for (const auto& [name, object] : objects) {
@@ -339,9 +345,9 @@ class Session {
 
   // Queries
 
-  void check() const {
+  void checkObjects() const {
     fuzz::check(cmData_->getManagedObjectNumber() == shadow_.byName.size(), "number of objects");
-    for (unsigned i = 0; i < NAMES; ++i) {
+    for (unsigned i = 0; i < OBJECTS; ++i) {
       const std::string name = objectName(i);
       const auto it = shadow_.byName.find(name);
       LibTarnManagedObject* const expected = it == shadow_.byName.end() ? nullptr : it->second;
@@ -360,6 +366,9 @@ class Session {
         ++byClass;
       }
     }
+  }
+
+  void checkAllParameters() const {
     for (const auto& [element, object] : shadow_.children) checkParameters(*element, object);
   }
 
