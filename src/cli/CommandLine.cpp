@@ -329,7 +329,7 @@ void CommandLine::refuseUnknownCommand(int argc, char** argv) const {
       ++i;
     } else if (word.empty() || word[0] != '-') {
       if (findCommand(word)) return;
-      throwUsageError(withSuggestion("no command '" + printable(word) + "'", nearestCommand(word)));
+      throwUsageError(withSuggestion("no command '" + word + "'", nearestCommand(word)));
     }
   }
 }

@@ -16,6 +16,7 @@
 #include "model/validation/Validator.hpp"
 #include "model/validation/Violation.hpp"
 #include "outputFile.hpp"
+#include "printable.hpp"
 #include "terminal.hpp"
 
 namespace tarn {
@@ -81,7 +82,7 @@ Finding checkFile(const std::string& path, const CheckRequest& request) {
 void tell(const std::string& path, const Finding& finding) {
   if (finding.error) return tellError(finding.error->what());
   if (finding.status == Status::Done) {
-    return writeOutput(fmt::format("{}: {}\n", path, styled(Style::Good, "ok")));
+    return writeOutput(fmt::format("{}: {}\n", printable(path), styled(Style::Good, "ok")));
   }
   for (const Violation& violation : finding.violations) {
     tellError(errorLine(path, violation.message));

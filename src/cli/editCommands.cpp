@@ -9,6 +9,7 @@
 #include "model/LibTarnCmData.hpp"
 #include "model/TarnDomElement.hpp"
 #include "model/exceptions/ModelException.hpp"
+#include "printable.hpp"
 #include "terminal.hpp"
 #include "util/TarnFactory.hpp"
 
@@ -82,7 +83,8 @@ void setCommand(const std::string& path, const PatternOptions& mask, const Patte
     throw CommandError(Status::Conflict, path, "two objects would have one name");
   }
   writeResult(document, path, target,
-              fmt::format("{}: {} {} matched\n", path, count, count == 1 ? "object" : "objects"));
+              fmt::format("{}: {} {} matched\n", printable(path), count,
+                          count == 1 ? "object" : "objects"));
 }
 
 void addCommand(const std::string& path, const std::string& objectPath, const Target& target) {

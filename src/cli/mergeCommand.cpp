@@ -9,6 +9,7 @@
 #include "model/LibTarnCmData.hpp"
 #include "model/exceptions/ModelException.hpp"
 #include "outputFile.hpp"
+#include "printable.hpp"
 
 namespace tarn {
 
@@ -72,7 +73,7 @@ std::string applyDelta(const MergeRequest& request, const std::string& path,
   } catch (const libtarn::model::exceptions::ModelException& error) {
     throw CommandError(Status::RuleBroken, path, error.what());
   }
-  return path + ": " + summary(delta) + "\n";
+  return printable(path) + ": " + summary(delta) + "\n";
 }
 
 }  // namespace

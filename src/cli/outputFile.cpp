@@ -193,7 +193,7 @@ void replaceWith(const std::string& path, const std::string& content) {
   if (exists && ::access(target.c_str(), W_OK) != 0) throwFileError(path, errno);
 
   if (exists && status.st_nlink > 1) {
-    tellNote(path + ": note: other names of the file keep what it held");
+    tellNote(path, "other names of the file keep what it held");
   }
   TemporaryFile temporary(target.string());
   Descriptor& file = temporary.file();
