@@ -27,6 +27,10 @@ using libtarn::model::validation::Violation;
 
 namespace {
 
+// Of the violations of a file: messages that repeat a long name would grow with the square of its
+// size.
+constexpr std::size_t MOST_VIOLATION_BYTES = std::size_t{64} << 20U;
+
 /// What was found in one file.
 struct Finding {
   Status status = Status::Done;
@@ -37,7 +41,7 @@ struct Finding {
 };
 
 void collect(const LibTarnDocument& document, std::size_t limit, Finding& finding) {
-  Validator validator(&finding.violations, limit);
+  Validator validator(&finding.violations, limit, MOST_VIOLATION_BYTES);
   document.getItsTarnDomDocument()->getRootElement()->accept(validator);
   finding.violationCount = validator.getViolationCount();
   if (finding.violationCount > 0) finding.status = Status::RuleBroken;
