@@ -138,7 +138,9 @@ void CommandLine::addCheck() {
                                      [this] { return checkCommand(check_); });
   check->add_option("FILE", check_.files, "The documents; - is standard input")->required();
   CLI::Option* const all = check->add_flag("--all", check_.all, "Tell every violation");
-  check->add_option("--limit", check_.limit, "Most violations to tell for a file; 0 for all that fit 64 MiB")
+  check
+      ->add_option("--limit", check_.limit,
+                   "Most violations to tell for a file; 0 for all that fit 64 MiB")
       ->type_name("N")
       ->check(notNegative())
       ->capture_default_str()

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -79,6 +80,8 @@ std::string applyDelta(const MergeRequest& request, const std::string& path,
 }  // namespace
 
 void mergeCommand(const MergeRequest& request) {
+  std::optional<Destination> destination;
+  if (!request.checkOnly) destination.emplace(request.source, request.target);
   LibTarnDocument source;
   load(request.source, source, request.validate);
   std::string summaries;
@@ -88,8 +91,8 @@ void mergeCommand(const MergeRequest& request) {
     throw CommandError(Status::RuleBroken, request.source,
                        "merged document: " + source.getDiagnostic().message);
   }
-  if (request.checkOnly) return writeOutput(summaries);
-  writeResult(source, request.source, request.target, summaries);
+  if (!destination) return writeOutput(summaries);
+  writeResult(source, *destination, summaries);
 }
 
 }  // namespace tarn

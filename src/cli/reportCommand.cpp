@@ -15,7 +15,6 @@
 #include "model/TarnDomDocument.hpp"
 #include "model/validation/Validator.hpp"
 #include "model/validation/Violation.hpp"
-#include "outputFile.hpp"
 #include "reportPage.hpp"
 #include "terminal.hpp"
 
@@ -186,6 +185,7 @@ std::string dataOf(const std::string& path, const LibTarnDocument& document,
 }  // namespace
 
 void reportCommand(const std::string& path, const std::string& output) {
+  Destination destination(path, Target{output, false});
   LibTarnDocument document;
   loadDocument(path, document);
   ViolationSearch search(document);
@@ -194,11 +194,8 @@ void reportCommand(const std::string& path, const std::string& output) {
   if (search.leftOut() > 0) {
     tellNote(path, fmt::format("{} violations are left out of the page", search.leftOut()));
   }
-  if (output == "-") {
-    writeOutput(page);
-  } else {
-    replaceFile(output, page);
-  }
+  destination.write(page);
+  destination.commit();
 }
 
 }  // namespace tarn
