@@ -92,6 +92,8 @@ Destination::Destination(const std::string& source, const Target& target)
   const Place place = follow(name_);
   if (place.isOpenFile && target.inPlace) refuseInPlace(name_, "an open file");
   descriptor_ = place.descriptor;
+  // Now, since a file that is opened later may get the number.
+  if (descriptor_ && ::fcntl(*descriptor_, F_GETFL) < 0) throwFileError(name_, errno);
   if (place.isOpenFile) return;
   struct stat status {};
   const bool exists = ::stat(place.path.c_str(), &status) == 0;
