@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "CommandError.hpp"
+#include "InputFile.hpp"
 #include "accessRights.hpp"
 #include "outputFile.hpp"
 #include "terminal.hpp"
@@ -106,6 +107,9 @@ bool FileReplacement::isTarget(const struct stat& status) const {
 
 // By the name, too, which may lead elsewhere by now.
 bool FileReplacement::isUnchanged() const {
+  if (InputFile::hasReadFormerFileAt(std::filesystem::weakly_canonical(target_).string())) {
+    return false;
+  }
   if (!file_.isOpen()) return true;
   struct stat named {};
   return isTarget(status_) && ::stat(name_.c_str(), &named) == 0 && isSameState(named, status_);

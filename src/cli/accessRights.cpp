@@ -5,10 +5,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -84,27 +84,32 @@ bool writeAttribute(int file, const char* name, const std::string& value) {
   return ::fsetxattr(file, name, value.data(), value.size(), 0) == 0;
 }
 
-// Lists are taken over by themselves; capabilities and signatures are those of the content.
-bool isTakenOver(std::string_view name, bool isOwnerAndGroupKept) {
-  constexpr std::array<std::string_view, 4> OTHERS = {ACCESS_LIST, "security.capability",
-                                                      "security.ima", "security.evm"};
-  if (std::find(OTHERS.begin(), OTHERS.end(), name) != OTHERS.end()) return false;
-  // Lists of other kinds have rights for owner and group, too.
-  return isOwnerAndGroupKept || name.substr(0, 7) != "system.";
+// Capabilities and signatures are those of the content.
+bool isOfContent(std::string_view name) {
+  return name == "security.capability" || name == "security.ima" || name == "security.evm";
 }
 
-void takeOverAttributes(const std::string& path, int from, int to, bool isOwnerAndGroupKept) {
+// The system's attributes are access control lists.
+bool isSystems(std::string_view name) { return name.substr(0, 7) == "system."; }
+
+// Returns whether all lists of other kinds have been taken over.
+bool takeOverAttributes(const std::string& path, int from, int to, bool isOwnerAndGroupKept) {
+  bool isEveryListKept = true;
   std::string names(XATTR_LIST_MAX, '\0');
   const ssize_t size = ::flistxattr(from, names.data(), names.size());
   if (size < 0 && !isRefusal(errno)) throwFileError(path, errno);
   names.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
   for (std::size_t i = 0; i < names.size(); i = names.find('\0', i) + 1) {
     const char* const name = names.data() + i;
-    if (!isTakenOver(name, isOwnerAndGroupKept)) continue;
+    if (isOfContent(name) || std::strcmp(name, ACCESS_LIST) == 0) continue;
+    // Lists have rights for owner and group, too.
+    const bool isOwners = isSystems(name) && !isOwnerAndGroupKept;
     const std::optional<std::string> value = readAttribute(from, name);
-    const bool isDone = value && writeAttribute(to, name, *value);
-    if (!isDone && !isRefusal(errno)) throwFileError(path, errno);
+    const bool isDone = !isOwners && value && writeAttribute(to, name, *value);
+    if (!isDone && !isOwners && !isRefusal(errno)) throwFileError(path, errno);
+    if (!isDone && isSystems(name)) isEveryListKept = false;
   }
+  return isEveryListKept;
 }
 
 // Owner and group one by one, since a user may give a file to another group of his.
@@ -168,7 +173,7 @@ void takeOverAccess(const std::string& path, int from, const struct stat& status
   const struct stat reached = statusOf(path, to);
   const bool isGroupKept = reached.st_gid == status.st_gid;
   const bool isOwnerAndGroupKept = isGroupKept && reached.st_uid == status.st_uid;
-  takeOverAttributes(path, from, to, isOwnerAndGroupKept);
+  const bool isEveryListKept = takeOverAttributes(path, from, to, isOwnerAndGroupKept);
 
   const std::optional<std::string> list = readAttribute(from, ACCESS_LIST);
   if (!list && !hasNone(errno)) throwFileError(path, errno);
@@ -179,10 +184,10 @@ void takeOverAccess(const std::string& path, int from, const struct stat& status
     mode = *listMode;
   } else {
     removeList(path, to);
-    // With a list that is not kept, the bits of the group are the list's mask.
-    if (list) mode &= S_IRWXU;
     if (!isGroupKept) mode = withoutGroup(mode);
   }
+  // The bits of the group were the mask of the list, and a list may deny what the mode allows.
+  if ((list && !listMode) || !isEveryListKept) mode &= S_IRWXU;
   // Last, since a change of the owner takes the special bits off.
   setMode(path, to, isOwnerAndGroupKept ? mode | (status.st_mode & SPECIAL_BITS) : mode);
 }

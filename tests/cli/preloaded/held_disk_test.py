@@ -157,6 +157,20 @@ class FreshnessTest(HeldCase):
         self.assertEqual((status, err), (5, self.refusal(delta)))
         self.expect_untouched(delta, "changed")
 
+    def test_standard_input_that_was_replaced_meanwhile_is_noticed(self):
+        path = self.file(SOURCE, "source.xml")
+        other = SOURCE.replace(">1<", ">7<")
+        for name in ("-", "/dev/stdin"):
+            with open(path, "rb") as file:
+                os.replace(self.file(other, "other"), path)
+                result = run(TARN, "set", name, "--p", "a=2", "-o", path, stdin=file)
+                self.assertEqual((result.returncode, result.stderr), (5, self.refusal(path)))
+                self.expect_untouched(path, other)
+        # What is not read is nobody's business.
+        with open(path, "rb") as file:
+            os.replace(self.file(SOURCE, "other"), path)
+            self.assertEqual(run(TARN, *CHANGE, path, stdin=file).returncode, 0)
+
     def test_file_that_came_meanwhile_is_replaced(self):
         out = self.path("out")
         process = self.start_held("print", self.file(SOURCE, "source.xml"), "-o", out)
@@ -225,20 +239,27 @@ class LockTest(HeldCase):
             fcntl.flock(file, fcntl.LOCK_EX)
             self.assertEqual(run(TARN, *CHANGE, path).returncode, 0)
 
-    def test_eight_writers_lose_no_change(self):
+    def expect_no_loss(self, script):
+        """`script` is of a shell, $0 the command, $1 the file and $2 the change."""
         path = self.file(document(managed_object("A-1")), "source.xml")
-        count = 8
-        rounds = 10
-        for number in range(rounds):
-            writers = [subprocess.Popen([TARN, "set", path, "--p", f"r{number}w{writer}=1",
-                                         "--in-place"], stdout=subprocess.DEVNULL)
-                       for writer in range(count)]
+        for number in range(10):
+            names = [f"r{number}w{writer}" for writer in range(8)]
+            writers = [subprocess.Popen(["bash", "-c", script, TARN, path, name + "=1"],
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                       for name in names]
             succeeded = [writer.wait() == 0 for writer in writers]
             text = self.read(path).decode()
-            self.assertEqual([f'"r{number}w{writer}"' in text for writer in range(count)],
-                             succeeded)
+            self.assertEqual([f'"{name}"' in text for name in names], succeeded)
             self.assertIn(True, succeeded)
         self.assertEqual(os.listdir(self.folder), ["source.xml"])
+        return succeeded
+
+    def test_eight_writers_lose_no_change(self):
+        succeeded = self.expect_no_loss('exec "$0" set "$1" --p "$2" --in-place')
+        self.assertNotIn(False, succeeded)
+
+    def test_eight_writers_that_read_standard_input_lose_no_change(self):
+        self.expect_no_loss('exec "$0" set - --p "$2" -o "$1" <"$1"')
 
 
 if __name__ == "__main__":
