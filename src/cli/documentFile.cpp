@@ -53,6 +53,7 @@ void writeResult(LibTarnDocument& document, Destination& destination, const std:
   } else {
     writeOutput(report);
   }
+  HostLog::flush();  // which takes memory
   destination.commit();
 }
 
