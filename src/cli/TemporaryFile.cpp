@@ -82,7 +82,8 @@ bool endsProgram(int signalNumber) {
 // The start of `name`, as much as leaves room for the suffix within what the file system allows.
 std::string stemOf(int folder, const std::string& name) {
   const long limit = ::fpathconf(folder, _PC_NAME_MAX);
-  const std::size_t longest = limit > 0 ? std::min<std::size_t>(limit, NAME_MAX) : NAME_MAX;
+  const std::size_t longest =
+      limit > 0 && limit < NAME_MAX ? static_cast<std::size_t>(limit) : NAME_MAX;
   return name.substr(0, longest - std::min(longest, SUFFIX_SIZE));
 }
 

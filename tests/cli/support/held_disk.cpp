@@ -5,10 +5,10 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <ctime>
 
 extern "C" int fsync(int file) {
   using Flush = int (*)(int);
