@@ -102,7 +102,13 @@ std::string escaped(std::string_view text, Append append) {
 
 }  // namespace
 
-bool isPrintable(std::string_view text) { return printableSize(text) == text.size(); }
+// Nearly all texts are plain, and looking at all of one takes less than looking for the first
+// character that is not.
+bool isPrintable(std::string_view text) {
+  bool isPlain = true;
+  for (const char c : text) isPlain &= c >= ' ' && c <= '~';
+  return isPlain || printableSize(text) == text.size();
+}
 
 std::string printable(std::string_view text) {
   return escaped(text, [](std::string& result, std::string_view bytes, std::uint32_t /*code*/) {
