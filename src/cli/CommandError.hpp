@@ -3,7 +3,6 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 
 #include "util/TextPosition.hpp"
 
@@ -41,12 +40,8 @@ class CommandError : public std::runtime_error {
 
 /// The subject of an error about one object of a file.
 std::string subjectOf(const std::string& path, const std::string& distName);
-/// The line for an error: "SUBJECT: error: MESSAGE".
+/// The line for an error, printable: "SUBJECT: error: MESSAGE".
 std::string errorLine(const std::string& subject, const std::string& message);
-/// Whether `text` has no control characters.
-bool isPrintable(std::string_view text);
-/// `text` with control characters escaped, which could move the cursor or end the line.
-std::string printable(const std::string& text);
 
 /// Throws a CommandError for wrong usage.
 [[noreturn]] void throwUsageError(const std::string& message);

@@ -138,7 +138,9 @@ void CommandLine::addCheck() {
                                      [this] { return checkCommand(check_); });
   check->add_option("FILE", check_.files, "The documents; - is standard input")->required();
   CLI::Option* const all = check->add_flag("--all", check_.all, "Tell every violation");
-  check->add_option("--limit", check_.limit, "Most violations to tell for a file; 0 for all")
+  check
+      ->add_option("--limit", check_.limit,
+                   "Most violations to tell for a file; 0 for all that fit 64 MiB")
       ->type_name("N")
       ->check(notNegative())
       ->capture_default_str()
@@ -329,7 +331,7 @@ void CommandLine::refuseUnknownCommand(int argc, char** argv) const {
       ++i;
     } else if (word.empty() || word[0] != '-') {
       if (findCommand(word)) return;
-      throwUsageError(withSuggestion("no command '" + printable(word) + "'", nearestCommand(word)));
+      throwUsageError(withSuggestion("no command '" + word + "'", nearestCommand(word)));
     }
   }
 }

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "printable.hpp"
 #include "util/Logger.hpp"
 
 namespace tarn {
@@ -23,7 +24,7 @@ HostLog::Level levelOf(const libtarn::util::Logger::Level& level) {
   return HostLog::Level::Debug;
 }
 
-void writeLine(const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); }
+void writeLine(const std::string& line) { std::fprintf(stderr, "%s\n", printable(line).c_str()); }
 
 }  // namespace
 

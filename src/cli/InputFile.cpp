@@ -11,8 +11,13 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <filesystem>
+#include <mutex>
 #include <new>
+#include <string_view>
+#include <system_error>
 #include <utility>
+#include <vector>
 
 #include "CommandError.hpp"
 
@@ -25,6 +30,22 @@ namespace tarn {
 namespace {
 
 constexpr const char* STANDARD_INPUT = "-";
+constexpr std::string_view FORMER_MARK = " (deleted)";
+
+std::mutex formerPathsMutex;
+std::vector<std::string> formerPaths;
+
+// The kernel marks the path of an open file that is no longer there.
+void rememberFormerPath(int descriptor) {
+  std::error_code ignored;
+  const std::string path =
+      std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), ignored);
+  if (path.size() <= FORMER_MARK.size()) return;
+  const std::size_t size = path.size() - FORMER_MARK.size();
+  if (path.compare(size, FORMER_MARK.size(), FORMER_MARK) != 0) return;
+  const std::lock_guard<std::mutex> lock(formerPathsMutex);
+  formerPaths.push_back(path.substr(0, size));
+}
 
 #ifdef TARN_WITH_ZLIB
 
@@ -116,11 +137,17 @@ InputFile::InputFile(const std::string& path) : path_(path) {
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) throwFileError(path_, errno);
   if (S_ISDIR(status.st_mode)) throwFileError(path_, EISDIR);
+  if (S_ISREG(status.st_mode)) rememberFormerPath(descriptor);
   // Standard input may stand anywhere in its file.
   isSeekable_ = S_ISREG(status.st_mode) && path != STANDARD_INPUT;
   if (isSeekable_) size_ = static_cast<std::uint64_t>(status.st_size);
 }
 
 InputFile::~InputFile() = default;
+
+bool InputFile::hasReadFormerFileAt(const std::string& path) {
+  const std::lock_guard<std::mutex> lock(formerPathsMutex);
+  return std::find(formerPaths.begin(), formerPaths.end(), path) != formerPaths.end();
+}
 
 }  // namespace tarn

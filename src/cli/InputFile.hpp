@@ -12,6 +12,11 @@ namespace tarn {
 class InputFile {
  public:
   explicit InputFile(const std::string& path);
+
+  /// Whether one was read that had been at `path`, a path without links, but was not any more when
+  /// it was opened here: standard input is opened before the command begins.
+  static bool hasReadFormerFileAt(const std::string& path);
+
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
   ~InputFile();

@@ -16,6 +16,7 @@
 #include "model/validation/Validator.hpp"
 #include "model/validation/Violation.hpp"
 #include "outputFile.hpp"
+#include "printable.hpp"
 #include "terminal.hpp"
 
 namespace tarn {
@@ -25,6 +26,10 @@ using libtarn::model::validation::Validator;
 using libtarn::model::validation::Violation;
 
 namespace {
+
+// Of the violations of a file: messages that repeat a long name would grow with the square of its
+// size.
+constexpr std::size_t MOST_VIOLATION_BYTES = std::size_t{64} << 20U;
 
 /// What was found in one file.
 struct Finding {
@@ -36,7 +41,7 @@ struct Finding {
 };
 
 void collect(const LibTarnDocument& document, std::size_t limit, Finding& finding) {
-  Validator validator(&finding.violations, limit);
+  Validator validator(&finding.violations, limit, MOST_VIOLATION_BYTES);
   document.getItsTarnDomDocument()->getRootElement()->accept(validator);
   finding.violationCount = validator.getViolationCount();
   if (finding.violationCount > 0) finding.status = Status::RuleBroken;
@@ -81,7 +86,7 @@ Finding checkFile(const std::string& path, const CheckRequest& request) {
 void tell(const std::string& path, const Finding& finding) {
   if (finding.error) return tellError(finding.error->what());
   if (finding.status == Status::Done) {
-    return writeOutput(fmt::format("{}: {}\n", path, styled(Style::Good, "ok")));
+    return writeOutput(fmt::format("{}: {}\n", printable(path), styled(Style::Good, "ok")));
   }
   for (const Violation& violation : finding.violations) {
     tellError(errorLine(path, violation.message));

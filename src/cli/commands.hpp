@@ -18,7 +18,7 @@ namespace tarn {
 struct CheckRequest {
   std::vector<std::string> files;
   bool all = false;         ///< Every violation, not only the first.
-  std::size_t limit = 100;  ///< Most violations told for a file; 0 for no limit.
+  std::size_t limit = 100;  ///< Most violations told for a file; 0 for as many as 64 MiB hold.
   bool json = false;
   unsigned jobs = 0;  ///< Documents at a time; 0 for as many as there are cores.
 };

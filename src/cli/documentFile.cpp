@@ -17,8 +17,6 @@ using libtarn::model::LibTarnDocument;
 
 namespace {
 
-constexpr const char* STANDARD_OUTPUT = "-";
-
 void load(TextFile& file, LibTarnDocument& document, bool validate) {
   const std::string& path = file.path();
   if (document.parse(file.read(), validate) == 0) return;
@@ -46,18 +44,17 @@ void loadValidDocument(const std::string& path, LibTarnDocument& document) {
   loadValidDocument(file, document);
 }
 
-void writeResult(LibTarnDocument& document, const std::string& path, const Target& target,
-                 const std::string& report) {
-  const std::string output = target.inPlace ? path : target.output;
+void writeResult(LibTarnDocument& document, Destination& destination, const std::string& report) {
   std::string text;
   libtarn::util::dumpTarnDocument(document, text);
-  if (output == STANDARD_OUTPUT) {
-    writeOutput(text);
+  destination.write(text);
+  if (destination.isStandardOutput()) {
     std::fputs(report.c_str(), stderr);
   } else {
-    replaceFile(output, text);
     writeOutput(report);
   }
+  HostLog::flush();  // which takes memory
+  destination.commit();
 }
 
 }  // namespace tarn

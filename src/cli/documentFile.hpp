@@ -2,16 +2,11 @@
 
 #include <string>
 
+#include "Destination.hpp"
 #include "TextFile.hpp"
 #include "model/LibTarnDocument.hpp"
 
 namespace tarn {
-
-/// Where a command puts the document that it made.
-struct Target {
-  std::string output = "-";  ///< "-" is standard output.
-  bool inPlace = false;      ///< The result replaces the document that was loaded.
-};
 
 /// Loads the file at `path`, "-" for standard input, into `document` without validation. Throws
 /// CommandError for a file that cannot be read, malformed XML or a broken rule of the model.
@@ -21,9 +16,10 @@ void loadDocument(TextFile& file, libtarn::model::LibTarnDocument& document);
 void loadValidDocument(const std::string& path, libtarn::model::LibTarnDocument& document);
 void loadValidDocument(TextFile& file, libtarn::model::LibTarnDocument& document);
 
-/// Writes the document, which came from `path`, to the target, and then `report` on what was done:
-/// to standard output, or to standard error when the document goes there. Throws CommandError.
-void writeResult(libtarn::model::LibTarnDocument& document, const std::string& path,
-                 const Target& target, const std::string& report);
+/// Writes the document to `destination`, and `report` on what was done to standard output, or to
+/// standard error when the document goes there. A file is replaced last, once all that it is
+/// reported with has been written. Throws CommandError and OutputClosed, with the file as it was.
+void writeResult(libtarn::model::LibTarnDocument& document, Destination& destination,
+                 const std::string& report);
 
 }  // namespace tarn

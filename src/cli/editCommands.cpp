@@ -9,6 +9,7 @@
 #include "model/LibTarnCmData.hpp"
 #include "model/TarnDomElement.hpp"
 #include "model/exceptions/ModelException.hpp"
+#include "printable.hpp"
 #include "terminal.hpp"
 #include "util/TarnFactory.hpp"
 
@@ -67,6 +68,7 @@ void setCommand(const std::string& path, const PatternOptions& mask, const Patte
                 const Target& target) {
   const ObjectPattern maskPattern = ObjectPattern::mask(mask);
   const ObjectPattern valuesPattern = ObjectPattern::values(values);
+  Destination destination(path, target);
   LibTarnDocument document;
   loadDocument(path, document);
   const std::size_t count = document.getMOsMatchingMask(maskPattern.object()).size();
@@ -81,11 +83,13 @@ void setCommand(const std::string& path, const PatternOptions& mask, const Patte
   if (!HostLog::takeError().empty()) {
     throw CommandError(Status::Conflict, path, "two objects would have one name");
   }
-  writeResult(document, path, target,
-              fmt::format("{}: {} {} matched\n", path, count, count == 1 ? "object" : "objects"));
+  writeResult(document, destination,
+              fmt::format("{}: {} {} matched\n", printable(path), count,
+                          count == 1 ? "object" : "objects"));
 }
 
 void addCommand(const std::string& path, const std::string& objectPath, const Target& target) {
+  Destination destination(path, target);
   LibTarnDocument document;
   loadDocument(path, document);
   LibTarnDocument objects;
@@ -107,11 +111,12 @@ void addCommand(const std::string& path, const std::string& objectPath, const Ta
     }
   }
   outcomes.throwIfFailed();
-  writeResult(document, path, target, outcomes.report());
+  writeResult(document, destination, outcomes.report());
 }
 
 void removeCommand(const std::string& path, const std::vector<std::string>& distNames,
                    const Target& target) {
+  Destination destination(path, target);
   LibTarnDocument document;
   loadDocument(path, document);
   LibTarnCmData& cmData = cmDataOf(document, path);
@@ -124,7 +129,7 @@ void removeCommand(const std::string& path, const std::vector<std::string>& dist
     }
   }
   outcomes.throwIfFailed();
-  writeResult(document, path, target, outcomes.report());
+  writeResult(document, destination, outcomes.report());
 }
 
 }  // namespace tarn

@@ -13,6 +13,7 @@
 #include "model/LibTarnManagedObjectImp.hpp"
 #include "model/TypedChildren.hpp"
 #include "outputFile.hpp"
+#include "printable.hpp"
 #include "terminal.hpp"
 
 namespace tarn {
@@ -157,7 +158,7 @@ class Table {
  private:
   std::string_view shown(std::string_view text) {
     if (isPrintable(text)) return text;
-    made_.push_back(printable(std::string(text)));
+    made_.push_back(printable(text));
     return made_.back();
   }
 

@@ -1,6 +1,10 @@
 // The command `tarn`: a host of the library that works on documents in files.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -31,6 +35,16 @@ constexpr int OUTPUT_CLOSED = 141;
   std::abort();
 }
 
+// A file that is opened must not become standard output because that was closed: what is said would
+// be written into it.
+void reserveStandardDescriptors() {
+  int descriptor = -1;
+  do {
+    descriptor = ::open("/", O_PATH | O_CLOEXEC);  // can be neither read nor written
+  } while (descriptor >= 0 && descriptor < STDERR_FILENO);
+  if (descriptor > STDERR_FILENO) ::close(descriptor);
+}
+
 int runAndTell(int argc, char** argv) {
   using tarn::Status;
   Status status = Status::FileError;
@@ -53,6 +67,9 @@ int runAndTell(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   std::set_terminate(endWithoutMemory);
+  reserveStandardDescriptors();
+  // So that a write beyond the limit of sizes fails as one to a full disk does.
+  std::signal(SIGXFSZ, SIG_IGN);
   // For the width of characters; documents are in UTF-8 wherever the user is.
   std::setlocale(LC_CTYPE, "C.UTF-8");
   const int status = runAndTell(argc, argv);

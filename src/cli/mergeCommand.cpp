@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -17,6 +18,7 @@
 #include "model/TarnDomDocument.hpp"
 #include "model/exceptions/ModelException.hpp"
 #include "outputFile.hpp"
+#include "printable.hpp"
 #include "terminal.hpp"
 
 namespace tarn {
@@ -112,12 +114,14 @@ Applied applyDelta(const MergeRequest& request, const std::string& path, LibTarn
   } catch (const libtarn::model::exceptions::ModelException& error) {
     throw CommandError(Status::RuleBroken, path, error.what());
   }
-  return {path + ": " + summary(delta) + "\n", hasAbbreviatedTags(delta)};
+  return {printable(path) + ": " + summary(delta) + "\n", hasAbbreviatedTags(delta)};
 }
 
 }  // namespace
 
 void mergeCommand(const MergeRequest& request) {
+  std::optional<Destination> destination;
+  if (!request.checkOnly) destination.emplace(request.source, request.target);
   LibTarnDocument source;
   load(request.source, source, request.validate);
   std::string summaries;
@@ -131,10 +135,10 @@ void mergeCommand(const MergeRequest& request) {
     HostLog::takeError();
     const std::string message = "merged document: " + source.getDiagnostic().message;
     if (request.validate) throw CommandError(Status::RuleBroken, request.source, message);
-    tellNote(printable(request.source) + ": note: " + printable(message));
+    tellNote(request.source, message);
   }
-  if (request.checkOnly) return writeOutput(summaries);
-  writeResult(source, request.source, request.target, summaries);
+  if (!destination) return writeOutput(summaries);
+  writeResult(source, *destination, summaries);
 }
 
 }  // namespace tarn

@@ -11,11 +11,8 @@ struct OutputClosed {};
 /// OutputClosed.
 void writeOutput(const std::string& text);
 
-/// Writes `text`, compressed when the name ends in ".gz", to the file at `path`, wholly or not at
-/// all: it goes to a temporary file in the same folder, is flushed to the disk, and takes the place
-/// of the file, whose mode it gets. The target of a link is replaced, not the link; a device or a
-/// pipe is written as it is. Throws CommandError, with the file as it was and no temporary file
-/// left; a signal that ends the program leaves none either.
-void replaceFile(const std::string& path, const std::string& text);
+/// Writes `text` to the open file `file`, which the progress calls `path`. Returns false, with
+/// errno, when not all of it can be written.
+bool writeAll(int file, const std::string& path, const std::string& text);
 
 }  // namespace tarn

@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <string_view>
 
@@ -13,8 +15,8 @@
 #include "model/TarnDomDocument.hpp"
 #include "model/validation/Validator.hpp"
 #include "model/validation/Violation.hpp"
-#include "outputFile.hpp"
 #include "reportPage.hpp"
+#include "terminal.hpp"
 
 namespace tarn {
 
@@ -32,6 +34,8 @@ namespace {
 
 // Of the document and of each object.
 constexpr std::size_t MOST_VIOLATIONS = 1000;
+// Of all violations on the page, with their paths, which it does not show.
+constexpr std::size_t MOST_VIOLATION_BYTES = std::size_t{16} << 20U;
 constexpr std::string_view DATA_MARK = "@TARN_DATA@";
 
 const char* textOrEmpty(const char* text) { return text ? text : ""; }
@@ -75,17 +79,65 @@ Json messagesOf(const std::vector<Violation>& violations) {
   return messages;
 }
 
-// Validated alone, on the path that it has in the document.
-Json violationsOf(const LibTarnManagedObjectImp& object) {
-  std::vector<Violation> violations;
-  Validator validator(&violations, MOST_VIOLATIONS);
-  validator.appendToPath(libtarn::model::LibTarnDocumentInternal::TAG_NAME, nullptr);
-  validator.appendToPath(libtarn::model::LibTarnCmData::TAG_NAME, nullptr);
-  object.accept(validator);
-  return messagesOf(violations);
-}
+/// Violations of one part of the document: messages for the page, and how many it leaves out.
+struct Findings {
+  Json messages;
+  std::size_t leftOut;
+};
 
-Json objectOf(const LibTarnManagedObject& object) {
+/// Looks for violations, and bounds what all of them take together.
+class ViolationSearch {
+ public:
+  explicit ViolationSearch(const LibTarnDocument& document) : document_(document) {}
+
+  /// Those of one object. It is validated alone, on the path that it has in the document.
+  Findings ofObject(const LibTarnManagedObjectImp& object) {
+    std::vector<Violation> violations;
+    Validator validator(&violations, MOST_VIOLATIONS, bytesLeft_);
+    validator.appendToPath(libtarn::model::LibTarnDocumentInternal::TAG_NAME, nullptr);
+    validator.appendToPath(libtarn::model::LibTarnCmData::TAG_NAME, nullptr);
+    object.accept(validator);
+    objectCount_ += validator.getViolationCount();
+    return findings(violations, validator.getViolationCount());
+  }
+
+  /// Those that are no object's: of the root, of cmData and of its header. Asked for when all
+  /// objects have been, since their violations are found again and taken off.
+  Findings aroundObjects() {
+    std::vector<Violation> violations;
+    Validator validator(&violations, MOST_VIOLATIONS, MOST_VIOLATION_BYTES);
+    document_.getItsTarnDomDocument()->getRootElement()->accept(validator);
+    const std::string objectPath = std::string(libtarn::model::LibTarnDocumentInternal::TAG_NAME) +
+                                   " > " + libtarn::model::LibTarnCmData::TAG_NAME + " > " +
+                                   LibTarnManagedObject::TAG_NAME;
+    const auto isOfObject = [&objectPath](const Violation& violation) {
+      return violation.path.compare(0, objectPath.size(), objectPath) == 0;
+    };
+    violations.erase(std::remove_if(violations.begin(), violations.end(), isOfObject),
+                     violations.end());
+    const std::size_t all = validator.getViolationCount();
+    return findings(violations, std::max(violations.size(), all - std::min(all, objectCount_)));
+  }
+
+  /// Of all that were looked for.
+  std::size_t leftOut() const { return leftOut_; }
+
+ private:
+  Findings findings(const std::vector<Violation>& violations, std::size_t count) {
+    for (const Violation& violation : violations) {
+      bytesLeft_ -= std::min(bytesLeft_, violation.message.size() + violation.path.size());
+    }
+    leftOut_ += count - violations.size();
+    return {messagesOf(violations), count - violations.size()};
+  }
+
+  const LibTarnDocument& document_;
+  std::size_t bytesLeft_ = MOST_VIOLATION_BYTES;
+  std::size_t objectCount_ = 0;
+  std::size_t leftOut_ = 0;
+};
+
+Json objectOf(const LibTarnManagedObject& object, ViolationSearch& search) {
   const auto& element = dynamic_cast<const LibTarnManagedObjectImp&>(object);
   Json lists = Json::array();
   for (const auto& entry : object.getListParameters()) lists.push_back(listOf(*entry.second));
@@ -94,26 +146,11 @@ Json objectOf(const LibTarnManagedObject& object) {
        extension = extension->getNextSiblingElement()) {
     extensions.push_back(extensionOf(*extension));
   }
+  const Findings findings = search.ofObject(element);
   return Json::array({textOrEmpty(object.getDistName().getText()), textOrEmpty(object.getClass()),
                       element.getAttribute("operation", ""), textOrEmpty(object.getVersion()),
-                      pairsOf(object.getScalarParameters()), lists, extensions,
-                      violationsOf(element)});
-}
-
-// Those that are no object's: of the root, of cmData and of its header.
-Json violationsAround(const LibTarnDocument& document) {
-  std::vector<Violation> violations;
-  Validator validator(&violations, MOST_VIOLATIONS);
-  document.getItsTarnDomDocument()->getRootElement()->accept(validator);
-  const std::string objectPath = std::string(libtarn::model::LibTarnDocumentInternal::TAG_NAME) +
-                                 " > " + libtarn::model::LibTarnCmData::TAG_NAME + " > " +
-                                 LibTarnManagedObject::TAG_NAME;
-  const auto isOfObject = [&objectPath](const Violation& violation) {
-    return violation.path.compare(0, objectPath.size(), objectPath) == 0;
-  };
-  violations.erase(std::remove_if(violations.begin(), violations.end(), isOfObject),
-                   violations.end());
-  return messagesOf(violations);
+                      pairsOf(object.getScalarParameters()), lists, extensions, findings.messages,
+                      findings.leftOut});
 }
 
 // Nothing in the data may end the script element that it stands in.
@@ -129,32 +166,36 @@ std::string scriptText(const Json& json) {
   return text;
 }
 
-std::string dataOf(const std::string& path, const LibTarnDocument& document) {
-  std::string data = "{\"file\":" + scriptText(path) +
-                     ",\"violations\":" + scriptText(violationsAround(document)) + ",\"objects\":[";
+std::string dataOf(const std::string& path, const LibTarnDocument& document,
+                   ViolationSearch& search) {
+  std::string data = "{\"file\":" + scriptText(path) + ",\"objects\":[";
   const libtarn::model::LibTarnCmData* const cmData = document.getLibTarnCmData();
   if (cmData) {
     const char* separator = "\n";
     for (const LibTarnManagedObject* object : cmData->getLibTarnManagedObjects()) {
-      data += separator + scriptText(objectOf(*object));
+      data += separator + scriptText(objectOf(*object, search));
       separator = ",\n";
     }
   }
-  return data + "]}";
+  const Findings findings = search.aroundObjects();
+  return data + "],\"violations\":" + scriptText(findings.messages) +
+         ",\"leftOut\":" + std::to_string(findings.leftOut) + "}";
 }
 
 }  // namespace
 
 void reportCommand(const std::string& path, const std::string& output) {
+  Destination destination(path, Target{output, false});
   LibTarnDocument document;
   loadDocument(path, document);
+  ViolationSearch search(document);
   std::string page = REPORT_PAGE;
-  page.replace(page.find(DATA_MARK), DATA_MARK.size(), dataOf(path, document));
-  if (output == "-") {
-    writeOutput(page);
-  } else {
-    replaceFile(output, page);
+  page.replace(page.find(DATA_MARK), DATA_MARK.size(), dataOf(path, document, search));
+  if (search.leftOut() > 0) {
+    tellNote(path, fmt::format("{} violations are left out of the page", search.leftOut()));
   }
+  destination.write(page);
+  destination.commit();
 }
 
 }  // namespace tarn

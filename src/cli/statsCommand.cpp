@@ -10,6 +10,7 @@
 #include "model/LibTarnDocumentInternal.hpp"
 #include "model/TarnDomDocument.hpp"
 #include "outputFile.hpp"
+#include "printable.hpp"
 #include "terminal.hpp"
 
 namespace tarn {
@@ -92,7 +93,7 @@ Stats statsOf(const std::string& path) {
 
 std::string textOf(const std::string& path, const Stats& stats) {
   constexpr double MEBIBYTE = 1 << 20;
-  std::string text = styled(Style::Bold, path) + "\n";
+  std::string text = styled(Style::Bold, printable(path)) + "\n";
   const auto line = [&text](const char* name, const std::string& value) {
     text += fmt::format("{:<16}{:>12}\n", name, value);
   };

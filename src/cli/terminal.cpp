@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <cwchar>
 
+#include "printable.hpp"
+
 namespace tarn {
 
 namespace {
@@ -87,10 +89,12 @@ void tellError(const std::string& line) {
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-void tellNote(const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); }
+void tellNote(const std::string& subject, const std::string& message) {
+  std::fprintf(stderr, "%s: note: %s\n", printable(subject).c_str(), message.c_str());
+}
 
 Progress::Progress(const char* action, const std::string& path, std::uint64_t total)
-    : label_(fmt::format("{} {}", action, path)),
+    : label_(fmt::format("{} {}", action, printable(path))),
       total_(total),
       nextShow_(now() + FIRST_SHOW),
       isActive_(isatty(STDERR_FILENO) != 0 && !progressIsActive.exchange(true)) {}

@@ -24,8 +24,8 @@ std::size_t displayWidth(std::string_view text);
 /// Writes an error's line to standard error, the word "error:" coloured.
 void tellError(const std::string& line);
 
-/// Writes a line that is no error to standard error.
-void tellNote(const std::string& line);
+/// Writes a line that is no error to standard error: "SUBJECT: note: MESSAGE".
+void tellNote(const std::string& subject, const std::string& message);
 
 /// Tells how far a long reading or writing is, on standard error when that is a terminal: from the
 /// second second on, and gone at the end. One at a time; further ones stay silent.

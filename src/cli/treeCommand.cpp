@@ -4,6 +4,7 @@
 #include "commands.hpp"
 #include "model/LibTarnCmData.hpp"
 #include "outputFile.hpp"
+#include "printable.hpp"
 #include "terminal.hpp"
 
 namespace tarn {
@@ -20,7 +21,7 @@ std::string countsOf(const ContainmentTree::Node& node) {
   std::string counts;
   for (const auto& [className, count] : node.countOfClass) {
     counts += fmt::format("{}{} {}", counts.empty() ? "" : ", ", count,
-                          className.empty() ? "without class" : printable(std::string(className)));
+                          className.empty() ? "without class" : printable(className));
   }
   return counts;
 }
@@ -33,7 +34,7 @@ const LibTarnManagedObject* objectOf(const ContainmentTree::Node& node,
 
 // The segment, the object's class, and what lies below.
 std::string labelOf(const ContainmentTree::Node& node, const LibTarnCmData& cmData) {
-  std::string label = node.segment.empty() ? "(no name)" : printable(std::string(node.segment));
+  std::string label = node.segment.empty() ? "(no name)" : printable(node.segment);
   if (const LibTarnManagedObject* const object = objectOf(node, cmData)) {
     const char* const className = object->getClass();
     label = styled(Style::Bold, label) + " " + printable(className ? className : "");

@@ -111,6 +111,22 @@ class CheckTest(CommandCase):
                 left = [f"{path}: error: {150 - told} more violations"] if told < 150 else []
                 self.assertEqual(lines[told:], left)
 
+    def test_messages_that_repeat_a_long_name_are_bounded_by_their_bytes(self):
+        # Message and path of a violation take 400 kB: 300 of them would be 120 MB.
+        body = "<extension>" + "<p/>" * 300 + "</extension>"
+        path = self.file(document(managed_object("A" * 200_000 + "-1", body=body)))
+        result = tarn("check", "--all", "--limit", "0", path)
+        lines = result.stderr.splitlines()
+        self.assertEqual(result.returncode, 2)
+        self.assertLess(len(result.stderr), 64 << 20)
+        told = len(lines) - 1
+        self.assertIn(told, range(100, 200))
+        self.assertEqual(lines[-1].decode(), f"{path}: error: {300 - told} more violations")
+        found = json.loads(tarn("check", "--all", "--limit", "0", "--json", path).stdout)
+        self.assertEqual((len(found["violations"]), found["violationCount"]), (told, 300))
+        few = tarn("check", "--all", "--limit", "3", path).stderr.splitlines()
+        self.assertEqual(few, [*lines[:3], f"{path}: error: 297 more violations".encode()])
+
     def test_all_of_a_good_and_of_a_malformed_file(self):
         good = self.file(document(managed_object("A-1")), "good.xml")
         malformed = self.file("<tarn>", "malformed.xml")

@@ -47,6 +47,34 @@ class PageTest(CommandCase):
         data = page.split('type="application/json">')[1].split("</script>")[0]
         self.assertEqual(json.loads(data)["objects"][0][4], [[HOSTILE, HOSTILE]])
 
+    def data(self, page):
+        return json.loads(page.split(b'type="application/json">')[1].split(b"</script>")[0])
+
+    def test_messages_that_repeat_long_names_are_bounded_and_those_left_out_told(self):
+        # 227 kB that would make a page of 100 MB: each message has the name of its object.
+        body = "<extension>" + "<p/>" * 1000 + "</extension>"
+        source = self.file(document("".join(managed_object(f"{'A' * 4000}-{n}", body=body)
+                                            for n in range(28))))
+        result = tarn("report", source, "-o", "-")
+        self.assertEqual(result.returncode, 0)
+        self.assertLess(len(result.stdout), 16 << 20)
+        objects = self.data(result.stdout)["objects"]
+        self.assertEqual([len(each[7]) + each[8] for each in objects], [1000] * 28)
+        left_out = sum(each[8] for each in objects)
+        self.assertGreater(left_out, 0)
+        self.assertEqual(result.stderr.decode(),
+                         f"{source}: note: {left_out} violations are left out of the page\n")
+
+    def test_violations_of_the_document_that_are_left_out_are_told(self):
+        source = self.file(document(managed_object("A-1", body="<p/>"),
+                                    header="<header>" + "<log/>" * 600 + "</header>"))
+        result = tarn("report", source, "-o", "-")
+        data = self.data(result.stdout)
+        self.assertEqual((len(data["violations"]), data["leftOut"]), (1000, 200))
+        self.assertEqual((len(data["objects"][0][7]), data["objects"][0][8]), (1, 0))
+        self.assertEqual(result.stderr.decode(),
+                         f"{source}: note: 200 violations are left out of the page\n")
+
     def test_missing_output_is_wrong_usage(self):
         self.assertEqual(tarn("report", self.file(document(""))).returncode, 64)
 
@@ -153,6 +181,18 @@ class BrowserTest(CommandCase):
         self.assertIn("managedObject:A-1/B-1 > p > ' element has no attribute 'name'",
                       self.browser.find_element(By.ID, "right").text)
         self.picture("violations")
+
+    def test_number_of_violations_left_out_is_shown(self):
+        body = "<extension>" + "<p/>" * 1002 + "</extension>"
+        source = self.file(document(managed_object("A-1", body=body) + managed_object("B-1")))
+        out = self.path("out.html")
+        self.assertEqual(tarn("report", source, "-o", out).returncode, 0)
+        self.browser.get("file://" + out)
+        self.wait(lambda: self.browser.find_element(By.TAG_NAME, "body").get_attribute("data-ready"))
+        self.assertEqual(self.all("#show-violations")[0].text, "1002 violations, 2 left out")
+        self.choose("A-1")
+        self.assertEqual(self.all("#right li")[-1].text, "2 more violations left out")
+        self.picture("left-out")
 
     def test_hostile_texts_are_texts(self):
         text = HOSTILE.replace("<", "&lt;")

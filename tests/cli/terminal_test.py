@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The command on a terminal, in pipes, and under signals. Argument: the command."""
 
+import json
 import os
 import pty
 import random
@@ -167,6 +168,89 @@ class SignalTest(CommandCase):
             outcomes.add(content == before)
             self.file(before, "source.xml")
         self.assertIn(True, outcomes)
+
+
+class EscapeTest(CommandCase):
+    """What a terminal would obey is escaped, in names of files and in texts of documents."""
+
+    # Each with what is shown: C0, DEL, C1, a direction, a line separator, bytes that are no UTF-8
+    # (alone, cut off, overlong, half of a pair, beyond the last character).
+    UNPRINTABLE = {b"\x1b[2J": b"\\x1B[2J", b"\n": b"\\x0A", b"\x7f": b"\\x7F",
+                   b"\xc2\x9b": b"\\xC2\\x9B", b"\xc2\x80": b"\\xC2\\x80",
+                   b"\xe2\x80\xae": b"\\xE2\\x80\\xAE", b"\xe2\x81\xa6": b"\\xE2\\x81\\xA6",
+                   b"\xe2\x80\xa8": b"\\xE2\\x80\\xA8", b"\xd8\x9c": b"\\xD8\\x9C",
+                   b"\x9b": b"\\x9B", b"\xe9": b"\\xE9", b"\xe6\x9d": b"\\xE6\\x9D",
+                   b"\xc1\x9b": b"\\xC1\\x9B", b"\xe0\x82\x9b": b"\\xE0\\x82\\x9B",
+                   b"\xed\xa0\x80": b"\\xED\\xA0\\x80", b"\xf4\x90\x80\x80":
+                   b"\\xF4\\x90\\x80\\x80", b"\xff": b"\\xFF"}
+    # U+00A0 and U+00E9 stand next to C1, U+200D joins characters; the others are long ones.
+    PRINTABLE = "\u00a0\u00e9~\u200d\u6771\u202f\U0001f600".encode()
+
+    def test_every_unprintable_character_is_escaped_in_the_name_of_a_file(self):
+        for name, shown in self.UNPRINTABLE.items():
+            path = os.fsencode(self.folder) + b"/a" + name + self.PRINTABLE
+            with open(path, "w", encoding="utf-8") as file:
+                file.write(GOOD)
+            shown_path = os.fsencode(self.folder) + b"/a" + shown + self.PRINTABLE
+            with self.subTest(name=name):
+                self.expect(tarn("check", path), 0, shown_path + b": ok\n")
+                self.expect(tarn("check", path + b"-"), 5, b"",
+                            shown_path + b"-: error: No such file or directory\n")
+
+    def test_names_of_files_are_escaped_in_every_line(self):
+        path = self.file(GOOD, "a\x1b[2J")
+        shown = self.path("a\\x1B[2J")
+        delta = self.file(document(managed_object("B-1", "create")), "d\u0090")
+        shown_delta = self.path("d\\xC2\\x90")
+        bad = self.file("<tarn>\n<", "bad\x07")
+        os.link(path, self.path("other"))
+        self.expect(tarn("set", path, "--p", "x=1", "--in-place"), 0,
+                    f"{shown}: 1 object matched\n",
+                    f"{shown}: note: other names of the file keep what it held\n")
+        self.expect(tarn("merge", path, delta, "--check-only"), 0,
+                    f"{shown_delta}: 1 created, 0 updated, 0 deleted\n")
+        self.expect(tarn("check", bad), 1, "",
+                    f"{self.path('bad')}\\x07:2:2: error: expected element name\n")
+        self.expect(tarn("remove", path, "Z-1\u009b"), 4, "",
+                    f"{shown}: Z-1\\xC2\\x9B: error: no such object\n")
+        self.assertTrue(tarn("stats", path).stdout.startswith(f"{shown}\n".encode()))
+        self.assertEqual(tarn("check", path, "--no\u009boption").stderr,
+                         b"tarn: error: tarn check has no option '--no\\xC2\\x9Boption'\n")
+
+    def test_texts_of_a_document_are_escaped(self):
+        path = self.file(document(managed_object("A-1\u009b2J", class_name="C\u202e")))
+        shown = b"A-1\\xC2\\x9B2J"
+        self.assertIn(shown, tarn("list", path).stdout)
+        self.assertIn(b"C\\xE2\\x80\\xAE", tarn("list", path).stdout)
+        self.assertIn(shown, tarn("tree", path).stdout)
+        broken = self.file(document(managed_object("A\u009b")))
+        result = tarn("--log-level", "debug", "check", broken)
+        self.assertEqual(result.stderr.count(b"A\\xC2\\x9B"), 2)
+        self.assertNotIn(b"\xc2\x9b", result.stderr)
+
+    def test_json_stays_json(self):
+        path = self.file(GOOD, "a\x1b\u009b\u202e\u6771\x7f")
+        result = tarn("check", "--json", path)
+        self.assertEqual(json.loads(result.stdout)["file"], path)
+        self.assertIn("\\u001b\\u009B\\u202E\u6771\\u007F".encode(), result.stdout)
+        objects = self.file(document(managed_object("A-1\u0085")))
+        result = tarn("list", "--format", "json", objects)
+        self.assertEqual(json.loads(result.stdout)["dn"], "A-1\u0085")
+        self.assertNotIn(b"\xc2\x85", result.stdout)
+
+    def test_progress_shows_the_name_escaped(self):
+        path = self.path("a\u009b")
+        os.mkfifo(path)
+
+        def feed():
+            with open(path, "wb") as file:
+                for part in (GOOD[:40], GOOD[40:]):
+                    file.write(part.encode())
+                    file.flush()
+                    time.sleep(1.1)
+        status, output = on_terminal("check", path, terminal_for="stderr", feed=feed)
+        self.assertEqual(status, 0)
+        self.assertIn(b"Reading " + self.path("a\\xC2\\x9B").encode() + b": 0 MiB", output)
 
 
 class HelpTest(CommandCase):

@@ -283,7 +283,7 @@ TEST(AtomicEditTest, PoolThatEndsAnywhereLeavesEverythingAsItWas) {
     SCOPED_TRACE(work.name);
     int failed = 0;
     // From where next to nothing is left to where all of it has room.
-    for (unsigned left = 8; left < 40000 && !HasFailure(); left += left < 3000 ? 8 : 56) {
+    for (unsigned left = 8; left < 40000 && !HasFailure(); left += left < 3000 ? 16 : 56) {
       SCOPED_TRACE(left);
       // Only the blocks of the pool are so large.
       const Outcome outcome = actWith(work, {1, BLOCK, left, left % 16 == 0});

@@ -42,11 +42,14 @@ class TARN_API Validator {
   /// All violations.
   static constexpr std::size_t NO_LIMIT = std::numeric_limits<std::size_t>::max();
 
-  /// With a `collector`, which stays the caller's, the rules throw nothing: the first `limit`
-  /// violations are appended to it in the order of the walk, the others only counted. A message
-  /// holds the names on the path, so that without a limit a document of n bytes can take n * n.
-  explicit Validator(std::vector<Violation>* collector = nullptr, std::size_t limit = NO_LIMIT)
-      : collector_(collector), limit_(limit) {}
+  /// With a `collector`, which stays the caller's, the rules throw nothing: violations are appended
+  /// to it in the order of the walk, the first `limit` of them and only while the texts of those
+  /// before hold fewer than `byteLimit` bytes; the others are counted. A message and a path hold
+  /// the names from the root down, so that without a `byteLimit` a document of n bytes can take n *
+  /// n. With one, the texts take `byteLimit` and one violation more at most.
+  explicit Validator(std::vector<Violation>* collector = nullptr, std::size_t limit = NO_LIMIT,
+                     std::size_t byteLimit = NO_LIMIT)
+      : collector_(collector), limit_(limit), byteLimit_(byteLimit) {}
   virtual ~Validator() = default;
 
   /// Lets the walk take the managed objects in the order in which they lie in memory, which is
@@ -55,7 +58,7 @@ class TARN_API Validator {
   void allowAnyOrder() { isAnyOrderAllowed_ = true; }
   bool isAnyOrderAllowed() const { return isAnyOrderAllowed_; }
 
-  /// Violations that a collecting validator has found, with those beyond its limit.
+  /// Violations that a collecting validator has found, with those beyond its limits.
   std::size_t getViolationCount() const { return violationCount_; }
 
   /// Puts an element on the path; `id` may be null. A null tag throws std::invalid_argument.
@@ -108,7 +111,9 @@ class TARN_API Validator {
   std::deque<PathEntry> pathStack_;
   std::vector<Violation>* collector_;  // null: throw
   std::size_t limit_;
+  std::size_t byteLimit_;
   mutable std::size_t violationCount_ = 0;
+  mutable std::size_t byteCount_ = 0;  // of what was collected
 };
 
 }  // namespace validation

@@ -57,7 +57,10 @@ void Validator::report(MakeException makeException) const {
   TARN_ASSERT(!collector_, "this build has no collector");
 #else
   if (collector_) {
-    if (violationCount_++ < limit_) collector_->push_back({makeException().what(), getPath()});
+    const bool isCollected = violationCount_++ < limit_ && byteCount_ < byteLimit_;
+    if (!isCollected) return;
+    collector_->push_back({makeException().what(), getPath()});
+    byteCount_ += collector_->back().message.size() + collector_->back().path.size();
     return;
   }
 #endif

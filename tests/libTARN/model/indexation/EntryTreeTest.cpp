@@ -225,7 +225,7 @@ TEST(EntryTreeTest, AddThatGetsNoMemoryChangesNothing) {
 
 // Of trees of any shape: grown at random, and thinned out so that leaves go with what is erased.
 TEST(EntryTreeTest, ErasedEntryIsAddedAgainWithoutMemory) {
-  for (unsigned seed = 0; seed < 30; ++seed) {
+  for (unsigned seed = 0; seed < 13; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     LimitedPool pool;

@@ -113,6 +113,44 @@ TEST(CollectorTest, LimitBoundsWhatIsRecordedAndNotWhatIsCounted) {
   }
 }
 
+TEST(CollectorTest, ByteLimitEndsTheRecordingWithTheViolationThatReachesIt) {
+  CapturedLog log;
+  LibTarnDocument document;
+  std::string text = "<tarn xmlns='tarn21.xsd' version='1'><cmData type='actual'><header>";
+  for (int i = 0; i < 10; ++i) text += "<log dateTime='d'/>";
+  ASSERT_EQ(document.parse((text + "</header></cmData></tarn>").c_str(), false), 0);
+  const Violation one = violationsOf(document).front();
+  const std::size_t size = one.message.size() + one.path.size();
+  for (const auto& [byteLimit, recorded] : std::vector<std::pair<std::size_t, std::size_t>>{
+           {0, 0}, {1, 1}, {size, 1}, {size + 1, 2}, {9 * size, 9}, {9 * size + 1, 10}}) {
+    std::vector<Violation> violations;
+    Validator validator(&violations, Validator::NO_LIMIT, byteLimit);
+    accept(document, validator);
+    EXPECT_EQ(violations.size(), recorded) << byteLimit;
+    EXPECT_EQ(validator.getViolationCount(), 10U);
+  }
+  std::vector<Violation> violations;
+  Validator validator(&violations, 3, 9 * size);
+  accept(document, validator);
+  EXPECT_EQ(violations.size(), 3U);
+}
+
+// Each message repeats the name: without a bound 100 kB would give 200 MB.
+TEST(CollectorTest, ByteLimitBoundsMessagesThatRepeatALongName) {
+  CapturedLog log;
+  LibTarnDocument document;
+  std::string text = "<tarn xmlns='tarn21.xsd' version='1'><cmData type='actual'><header/>";
+  text += "<managedObject class='c' distName='" + std::string(50000, 'A') + "-1'><extension>";
+  for (int i = 0; i < 10000; ++i) text += "<p/>";
+  text += "</extension></managedObject></cmData></tarn>";
+  ASSERT_EQ(document.parse(text.c_str(), false), 0);
+  std::vector<Violation> violations;
+  Validator validator(&violations, Validator::NO_LIMIT, 1000000);
+  accept(document, validator);
+  EXPECT_EQ(violations.size(), 10U);
+  EXPECT_EQ(validator.getViolationCount(), 10000U);
+}
+
 // Random documents, broken here and there: what a validator throws is the first that it collects.
 TEST(CollectorTest, FirstViolationIsTheOneThatIsThrown) {
   for (unsigned seed = 0; seed < 500; ++seed) {

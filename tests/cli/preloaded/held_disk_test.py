@@ -1,0 +1,266 @@
+#!/usr/bin/env python3
+"""What happens to a file while the command replaces it: signals, and changes by others.
+
+Arguments: the command, and the library that holds it up while it flushes the new file.
+"""
+
+import fcntl
+import os
+import signal
+import subprocess
+import sys
+import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
+from command_case import CommandCase, document, main, managed_object, run  # noqa: E402
+
+TARN = sys.argv[1]
+HELD_DISK = sys.argv[2]
+
+SOURCE = document(managed_object("A-1", body='<p name="a">1</p>'))
+CHANGE = ["set", "--p", "a=2", "--in-place"]
+
+# What a process cannot handle, and what does not end one that does not.
+NO_ENDING = {signal.SIGKILL, signal.SIGSTOP, signal.SIGCHLD, signal.SIGCONT, signal.SIGURG,
+             signal.SIGWINCH, signal.SIGTSTP, signal.SIGTTIN, signal.SIGTTOU}
+# The status of what comes into effect only when the file is in place: the C library's own signals,
+# and one that the command ignores.
+LATE = {32: -32, 33: -33, signal.SIGXFSZ: 0}
+ENDING = [number for number in range(1, signal.SIGRTMAX + 1) if number not in NO_ENDING]
+
+
+class HeldCase(CommandCase):
+    def setUp(self):
+        super().setUp()
+        self.mark = self.path("mark")
+
+    def start(self, *arguments, **options):
+        return subprocess.Popen([TARN, *arguments], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                env=dict(os.environ, LD_PRELOAD=HELD_DISK,
+                                         TARN_HELD_FILE=self.mark), **options)
+
+    def start_held(self, *arguments, **options):
+        """Starts the command and waits until the new file is complete but not in place."""
+        process = self.start(*arguments, **options)
+        while not os.path.exists(self.mark):
+            self.assertIsNone(process.poll(), "the command ended early")
+            time.sleep(0.001)
+        return process
+
+    def finish(self, process):
+        """Lets the command go on; returns its status and what it wrote."""
+        if os.path.exists(self.mark):
+            os.remove(self.mark)
+        out, err = process.communicate()
+        return process.returncode, out, err
+
+    def expect_untouched(self, path, text=SOURCE):
+        self.assertEqual(self.read(path), text.encode())
+        self.assertEqual([name for name in os.listdir(self.folder) if "source.xml." in name], [])
+
+
+class SignalTest(HeldCase):
+    def test_no_signal_leaves_a_temporary_file(self):
+        self.assertGreater(len(ENDING), 50)
+        for number in ENDING:
+            with self.subTest(signal=number):
+                for name in os.listdir(self.folder):
+                    os.remove(self.path(name))
+                path = self.file(SOURCE, "source.xml")
+                process = self.start_held(*CHANGE, path)
+                self.assertEqual(len(os.listdir(self.folder)), 3)
+                process.send_signal(number)
+                if number in LATE:
+                    self.assertEqual(self.finish(process)[0], LATE[number])
+                    self.assertIn(b">2<", self.read(path))
+                    self.assertEqual(os.listdir(self.folder), ["source.xml"])
+                else:
+                    process.communicate()
+                    self.assertEqual(process.returncode, -number)
+                    self.expect_untouched(path)
+
+    def test_ignored_signals_stay_ignored(self):
+        numbers = (signal.SIGHUP, signal.SIGUSR1, signal.SIGALRM, signal.SIGRTMIN + 1)
+
+        def ignore():
+            for number in numbers:
+                signal.signal(number, signal.SIG_IGN)
+        path = self.file(SOURCE, "source.xml")
+        process = self.start_held(*CHANGE, path, preexec_fn=ignore)
+        for number in numbers:
+            process.send_signal(number)
+        status, _, _ = self.finish(process)
+        self.assertEqual(status, 0)
+        self.assertIn(b">2<", self.read(path))
+
+
+class FreshnessTest(HeldCase):
+    def refusal(self, path):
+        return f"{path}: error: was changed meanwhile and is left as it is\n".encode()
+
+    def test_file_that_changed_meanwhile_is_left(self):
+        other = SOURCE.replace(">1<", ">7<")  # as long as before
+
+        def rewrite(path):
+            with open(path, "r+b") as file:
+                file.write(other.encode())
+
+        def rewrite_with_the_old_time(path):
+            status = os.stat(path)
+            rewrite(path)
+            os.utime(path, ns=(status.st_atime_ns, status.st_mtime_ns))
+
+        def replace(path):
+            os.replace(self.file(other, "other"), path)
+        for change in (rewrite, rewrite_with_the_old_time, replace):
+            for arguments in (["--in-place"], ["-o", "{}"]):
+                with self.subTest(change=change.__name__, arguments=arguments):
+                    path = self.file(SOURCE, "source.xml")
+                    process = self.start_held("set", path, "--p", "a=2",
+                                              *(each.format(path) for each in arguments))
+                    change(path)
+                    status, _, err = self.finish(process)
+                    self.assertEqual((status, err), (5, self.refusal(path)))
+                    self.expect_untouched(path, other)
+
+    def test_file_whose_rights_changed_or_that_is_gone_is_left(self):
+        path = self.file(SOURCE, "source.xml")
+        process = self.start_held(*CHANGE, path)
+        os.chmod(path, 0o600)
+        self.assertEqual(self.finish(process)[0], 5)
+        self.expect_untouched(path)
+        process = self.start_held(*CHANGE, path)
+        os.remove(path)
+        status, _, err = self.finish(process)
+        self.assertEqual((status, err), (5, self.refusal(path)))
+        self.assertEqual(os.listdir(self.folder), [])
+
+    def test_link_that_leads_elsewhere_by_now_is_noticed(self):
+        path = self.file(SOURCE, "source.xml")
+        other = self.file(SOURCE, "other.xml")
+        link = self.path("link")
+        os.symlink("source.xml", link)
+        process = self.start_held(*CHANGE, link)
+        os.remove(link)
+        os.symlink("other.xml", link)
+        status, _, err = self.finish(process)
+        self.assertEqual((status, err), (5, self.refusal(link)))
+        self.expect_untouched(path)
+        self.expect_untouched(other)
+
+    def test_delta_that_is_the_output_and_changed_is_left(self):
+        path = self.file(SOURCE, "a.xml")
+        delta = self.file(document(managed_object("A-1", "update")), "source.xml")
+        process = self.start_held("merge", path, delta, "-o", delta)
+        self.file("changed", "source.xml")
+        status, _, err = self.finish(process)
+        self.assertEqual((status, err), (5, self.refusal(delta)))
+        self.expect_untouched(delta, "changed")
+
+    def test_standard_input_that_was_replaced_meanwhile_is_noticed(self):
+        path = self.file(SOURCE, "source.xml")
+        other = SOURCE.replace(">1<", ">7<")
+        for name in ("-", "/dev/stdin"):
+            with open(path, "rb") as file:
+                os.replace(self.file(other, "other"), path)
+                result = run(TARN, "set", name, "--p", "a=2", "-o", path, stdin=file)
+                self.assertEqual((result.returncode, result.stderr), (5, self.refusal(path)))
+                self.expect_untouched(path, other)
+        # What is not read is nobody's business.
+        with open(path, "rb") as file:
+            os.replace(self.file(SOURCE, "other"), path)
+            self.assertEqual(run(TARN, *CHANGE, path, stdin=file).returncode, 0)
+
+    def test_file_that_came_meanwhile_is_replaced(self):
+        out = self.path("out")
+        process = self.start_held("print", self.file(SOURCE, "source.xml"), "-o", out)
+        self.file("something", "out")
+        self.assertEqual(self.finish(process)[0], 0)
+        self.assertIn(b"<tarn", self.read(out))
+
+
+class ReportTest(HeldCase):
+    def test_file_is_replaced_only_when_its_report_is_written(self):
+        path = self.file(SOURCE, "source.xml")
+        with open("/dev/full", "wb") as full:
+            result = run(TARN, *CHANGE, path, stdout=full)
+        self.assertEqual((result.returncode, result.stderr),
+                         (5, b"standard output: error: No space left on device\n"))
+        self.expect_untouched(path)
+        for restore, status in ((True, -signal.SIGPIPE), (False, 141)):
+            reading, writing = os.pipe()
+            os.close(reading)
+            result = run(TARN, *CHANGE, path, stdout=writing, restore_signals=restore)
+            os.close(writing)
+            self.assertEqual((result.returncode, result.stderr), (status, b""))
+            self.expect_untouched(path)
+
+    def test_closed_standard_streams_are_no_part_of_the_file(self):
+        path = self.file(SOURCE, "source.xml")
+        result = run("bash", "-c", 'exec "$@" >&-', "bash", TARN, *CHANGE, path)
+        self.assertEqual((result.returncode, result.stderr),
+                         (5, b"standard output: error: Bad file descriptor\n"))
+        self.expect_untouched(path)
+        result = run("bash", "-c", 'exec "$@" <&- 2>&-', "bash", TARN, *CHANGE, path)
+        self.assertEqual(result.returncode, 0)
+        self.assertTrue(self.read(path).endswith(b"</tarn>\n"))
+
+
+class LockTest(HeldCase):
+    def test_second_command_waits_and_works_on_what_the_first_made(self):
+        path = self.file(SOURCE, "source.xml")
+        first = self.start_held(*CHANGE, path)
+        second = subprocess.Popen([TARN, "set", path, "--p", "b=3", "--in-place"],
+                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.assertEqual(second.stderr.readline(),
+                         f"{path}: note: waiting for another program\n".encode())
+        self.assertEqual(self.finish(first)[0], 0)
+        second.communicate()
+        self.assertEqual(second.returncode, 0)
+        text = self.read(path)
+        self.assertIn(b'name="a">2<', text)
+        self.assertIn(b'name="b">3<', text)
+        self.assertEqual(os.listdir(self.folder), ["source.xml"])
+
+    def test_waiting_ends(self):
+        path = self.file(SOURCE, "source.xml")
+        with open(path, "r+b") as file:
+            fcntl.lockf(file, fcntl.LOCK_EX)
+            result = run(TARN, *CHANGE, path,
+                         env=dict(os.environ, LD_PRELOAD=HELD_DISK, TARN_NO_PAUSE="1"))
+        self.assertEqual((result.returncode, result.stdout, result.stderr.decode()), (
+            5, b"", f"{path}: note: waiting for another program\n"
+            f"{path}: error: another program is changing it\n"))
+        self.expect_untouched(path)
+
+    def test_lock_of_the_other_kind_around_the_command_is_no_obstacle(self):
+        path = self.file(SOURCE, "source.xml")
+        with open(path, "rb") as file:
+            fcntl.flock(file, fcntl.LOCK_EX)
+            self.assertEqual(run(TARN, *CHANGE, path).returncode, 0)
+
+    def expect_no_loss(self, script):
+        """`script` is of a shell, $0 the command, $1 the file and $2 the change."""
+        path = self.file(document(managed_object("A-1")), "source.xml")
+        for number in range(10):
+            names = [f"r{number}w{writer}" for writer in range(8)]
+            writers = [subprocess.Popen(["bash", "-c", script, TARN, path, name + "=1"],
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                       for name in names]
+            succeeded = [writer.wait() == 0 for writer in writers]
+            text = self.read(path).decode()
+            self.assertEqual([f'"{name}"' in text for name in names], succeeded)
+            self.assertIn(True, succeeded)
+        self.assertEqual(os.listdir(self.folder), ["source.xml"])
+        return succeeded
+
+    def test_eight_writers_lose_no_change(self):
+        succeeded = self.expect_no_loss('exec "$0" set "$1" --p "$2" --in-place')
+        self.assertNotIn(False, succeeded)
+
+    def test_eight_writers_that_read_standard_input_lose_no_change(self):
+        self.expect_no_loss('exec "$0" set - --p "$2" -o "$1" <"$1"')
+
+
+if __name__ == "__main__":
+    main()
