@@ -88,6 +88,10 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
   /// Called before the text of an earlier parse goes: what stays in use moves its texts into the
   /// pool.
   virtual void leaveText();
+  /// Says that the texts of the declaration point into the parsed text.
+  void setDeclarationInText() { declarationIsInText_ = true; }
+  /// Moves the texts of the declaration into the pool when they point into the parsed text.
+  void moveDeclarationIntoPool();
 
   /// The declaration that is printed, or null.
   DomElement* declaration_ = nullptr;
@@ -97,6 +101,7 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
   void moveDeclarationOut();
 
   std::unique_ptr<char[]> buffer_;
+  bool declarationIsInText_ = false;
 };
 
 }  // namespace libDomXml

@@ -86,8 +86,13 @@ int DomDocument::rapidParse(char* text) {
   return 0;
 }
 
-void DomDocument::leaveText() {
-  if (buffer_ && declaration_) declaration_->moveTextsIntoPool();
+void DomDocument::leaveText() { moveDeclarationIntoPool(); }
+
+// Once for each text that brings one: parse after parse would take as much memory again.
+void DomDocument::moveDeclarationIntoPool() {
+  if (!declarationIsInText_) return;
+  declaration_->moveTextsIntoPool();
+  declarationIsInText_ = false;
 }
 
 // With several declarations the last one wins.
@@ -98,6 +103,7 @@ void DomDocument::moveDeclarationOut() {
     if (child->type() == rapidxml::node_declaration) {
       remove_node(child);
       declaration_ = static_cast<DomElement*>(child);
+      setDeclarationInText();
     }
     child = next;
   }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -70,6 +71,18 @@ TEST_P(DomTest, DeclarationOutlivesTheTextItCameFrom) {
   EXPECT_EQ(parse("<c"), 1);
   EXPECT_EQ(parse("<c/>"), 0);
   EXPECT_EQ(document_->printDocument(), "<?xml version=\"1.1\" x=\"&lt;\"?>\n<c></c>\n\n");
+}
+
+TEST_P(DomTest, DeclarationIsCopiedOnceHoweverManyParsesFollow) {
+  constexpr std::size_t LONG = std::size_t{1} << 20U;
+  EXPECT_EQ(parse("<?xml a='" + std::string(LONG, 'x') + "'?><a/>"), 0);
+  const std::size_t before = document_->pool_size();
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(parse("<a"), 1);
+  for (int i = 0; i < 10; ++i) {
+    EXPECT_EQ(document_->parse("<b/>", boost::shared_ptr<IStripper>()), 0);
+  }
+  EXPECT_LT(document_->pool_size() - before, 2 * LONG);
+  EXPECT_EQ(std::strlen(document_->getDocumentDeclaration()->getAttribute("a")), LONG);
 }
 
 TEST_P(DomTest, StripperCopiesTheText) {

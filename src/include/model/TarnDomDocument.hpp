@@ -88,7 +88,7 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   Element* makeNode();
   void takeText(std::vector<char>& text);
   void parseDoc(char* text, IndexingParse* indexing);
-  /// Of declaration and root.
+  /// Of declaration and root, when they point into the parsed text.
   void moveTextsIntoPool();
   void forgetObject(LibTarnManagedObjectImp& object, LibTarnCmDataImp& cmData,
                     const IndexingParse& indexing);
@@ -102,6 +102,7 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   char* parsePosition_ = nullptr;
   LibTarnDocumentInternal* root_ = nullptr;
   bool isParsing_ = false;
+  bool rootIsInText_ = false;        // its name, value and attributes
   bool beforeTopLevelNode_ = false;  // set until the first node behind a top-level "<" is made
   std::list<std::vector<char>> keptTexts_;
 };

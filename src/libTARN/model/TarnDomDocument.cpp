@@ -70,6 +70,7 @@ TarnDomElement* TarnDomDocument::reuseDeclaration() {
   }
   if (declaration_->parent()) remove_node(declaration_);
   declaration_->remove_all_attributes();
+  setDeclarationInText();
   return static_cast<TarnDomElement*>(declaration_);
 }
 
@@ -80,6 +81,7 @@ TarnDomElement* TarnDomDocument::reuseRoot(const char* nameEnd) {
   }
   if (root_->parent()) remove_node(root_);
   root_->remove_all_attributes();
+  rootIsInText_ = true;
   return root_;
 }
 
@@ -242,8 +244,10 @@ void TarnDomDocument::parseDoc(char* text, IndexingParse* indexing) {
 }
 
 void TarnDomDocument::moveTextsIntoPool() {
-  declaration_->moveTextsIntoPool();
-  if (root_) root_->moveTextsIntoPool();
+  moveDeclarationIntoPool();
+  if (!rootIsInText_) return;
+  root_->moveTextsIntoPool();
+  rootIsInText_ = false;
 }
 
 // The object was the first to be made of all that is in it.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -306,6 +307,37 @@ TEST(HostileTextTest, RootAndDeclarationOutliveATextThatGoesBackToItsOwner) {
   dom.parse("<tarn e='f'/>");
   dom.parse("<p/>");
   EXPECT_EQ(printed(document), "<?xml a=\"b\"?>\n<tarn e=\"f\"></tarn>\n");
+}
+
+// Bytes that the pool takes for one parse after another.
+std::size_t poolGrowth(TarnDomDocument& dom, const std::function<void()>& parse, int count) {
+  const std::size_t before = dom.pool_size();
+  for (int i = 0; i < count; ++i) parse();
+  return dom.pool_size() - before;
+}
+
+TEST(HostileTextTest, TextsOfDeclarationAndRootAreCopiedOnceHoweverManyParsesFollow) {
+  constexpr std::size_t LONG = std::size_t{1} << 20U;
+  const std::string value(LONG, 'x');
+  for (const std::string& first : {"<?xml a='" + value + "'?><tarn/>", "<tarn a='" + value + "'/>",
+                                   "<tarn a='" + value + "'>" + value, "<?xml a='" + value}) {
+    for (const char* const next : {"<tarn", "<p/>", "", "<", "<?xml", "<tarn/><p>"}) {
+      SCOPED_TRACE(first.substr(0, 8) + " and " + next);
+      CapturedLog log;
+      LibTarnDocument document;
+      TarnDomDocument& dom = *document.getItsTarnDomDocument();
+      document.parse(vectorOf(first), false);
+      EXPECT_LT(poolGrowth(
+                    dom, [&] { document.parse(next, false); }, 10),
+                3 * LONG);
+      EXPECT_EQ(tarn_test::brokenDocument(document), "");
+      libDomXml::DomDocument& plain = dom;
+      const boost::shared_ptr<libDomXml::IStripper> none;
+      EXPECT_LT(poolGrowth(
+                    dom, [&] { plain.parse(next, none); }, 10),
+                LONG);
+    }
+  }
 }
 
 TEST(HostileTextTest, ParsesOfTheDomLayerAreTypedToo) {
