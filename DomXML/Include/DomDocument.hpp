@@ -85,9 +85,10 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
   IDomDocument* getDocument() const override;
 
  protected:
-  /// Called before the text of an earlier parse goes: what stays in use moves its texts into the
-  /// pool.
-  virtual void leaveText();
+  /// A zero-terminated copy of `text`, made by `stripper` when one is given.
+  static std::unique_ptr<char[]> copyOf(const char* text, IStripper* stripper);
+  /// Parses `text` in place once the text of an earlier parse has been freed. Returns 0 or 1.
+  int parseInPlaceOfEarlier(std::unique_ptr<char[]> text);
   /// Says that the texts of the declaration point into the parsed text.
   void setDeclarationInText() { declarationIsInText_ = true; }
   /// Moves the texts of the declaration into the pool when they point into the parsed text.
@@ -97,6 +98,7 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
   DomElement* declaration_ = nullptr;
 
  private:
+  void leaveText();
   int parseBuffer();
   void moveDeclarationOut();
 

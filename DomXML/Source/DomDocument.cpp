@@ -56,6 +56,10 @@ int DomDocument::parse(std::unique_ptr<char[]> text) {
 }
 
 int DomDocument::parse(const char* text, boost::shared_ptr<IStripper> stripper) {
+  return parseInPlaceOfEarlier(copyOf(text, stripper.get()));
+}
+
+std::unique_ptr<char[]> DomDocument::copyOf(const char* text, IStripper* stripper) {
   TARN_ASSERT(text, "text");
   std::size_t length = std::strlen(text);
   std::unique_ptr<char[]> copy(new char[length + 1]);
@@ -65,8 +69,12 @@ int DomDocument::parse(const char* text, boost::shared_ptr<IStripper> stripper) 
     std::memcpy(copy.get(), text, length);
   }
   copy[length] = '\0';
+  return copy;
+}
+
+int DomDocument::parseInPlaceOfEarlier(std::unique_ptr<char[]> text) {
   leaveText();
-  buffer_ = std::move(copy);
+  buffer_ = std::move(text);
   return parseBuffer();
 }
 
@@ -86,7 +94,12 @@ int DomDocument::rapidParse(char* text) {
   return 0;
 }
 
-void DomDocument::leaveText() { moveDeclarationIntoPool(); }
+// What a host's own rapidParse() makes of the next text is not known: it may detach nothing.
+void DomDocument::leaveText() {
+  moveDeclarationIntoPool();
+  remove_all_nodes();
+  remove_all_attributes();
+}
 
 // Once for each text that brings one: parse after parse would take as much memory again.
 void DomDocument::moveDeclarationIntoPool() {

@@ -364,6 +364,61 @@ TEST_P(DomTest, TextsWithSizesAreCopiedAndComparedByThem) {
   EXPECT_STREQ(element->getAttribute("property"), "quantityX");
 }
 
+// A host's own reading of a text, which may refuse it.
+struct Refusing : DomDocument {
+  Refusing() : DomDocument(false) {}
+  int rapidParse(char* text) override { return refuses ? 1 : DomDocument::rapidParse(text); }
+  bool refuses = false;
+};
+
+TEST(DomDocumentTest, RefusedTextLeavesNothingOverTheTextBefore) {
+  const boost::shared_ptr<IStripper> none;
+  for (const bool isCopied : {false, true}) {
+    SCOPED_TRACE(isCopied);
+    Refusing document;
+    EXPECT_EQ(document.parse("<?xml a='b'?><a x='y'>text</a>", none), 0);
+    const DomElement& earlier = *static_cast<DomElement*>(document.getFirstChild("a"));
+    document.refuses = true;
+    EXPECT_EQ(isCopied ? document.parse("<b/>", none) : document.parse(textOf("<b/>")), 1);
+    EXPECT_EQ(earlier.parent(), nullptr);
+    EXPECT_EQ(document.printDocument(), "<?xml a=\"b\"?>\n\n");
+  }
+}
+
+// The number of a virtual function in the table of its class.
+template <class Function>
+std::size_t slotOf(Function function) {
+  std::uintptr_t word = 0;
+  std::memcpy(&word, &function, sizeof(word));
+  return word / sizeof(void*);
+}
+
+TEST(DomDocumentTest, VirtualFunctionsStandInTheirOrder) {
+  struct Derived : DomDocument {
+    Derived() : DomDocument(false) {}
+    virtual void next() {}
+  };
+  const std::size_t slots[] = {
+      slotOf(&DomDocument::hasAttributes),
+      slotOf(&DomDocument::getParent),
+      slotOf(&DomDocument::getDocument),
+      slotOf<int (DomDocument::*)(const char*, boost::shared_ptr<IStripper>)>(&DomDocument::parse),
+      slotOf<int (DomDocument::*)(std::unique_ptr<char[]>)>(&DomDocument::parse),
+      slotOf(&DomDocument::getDocumentDeclaration),
+      slotOf(&DomDocument::createDomElement),
+      slotOf(&DomDocument::createDomAttribute),
+      slotOf(&DomDocument::printDocument),
+      slotOf(&DomDocument::rapidParse),
+      slotOf(&DomDocument::allocateMemory),
+      slotOf(&DomDocument::deallocateMemory),
+      slotOf(&DomDocument::allocate_node),
+      slotOf(&DomDocument::allocate_attribute),
+      slotOf(&Derived::next)};
+  // Behind the two of the destructor come those of an element.
+  std::size_t expected = 24;
+  for (const std::size_t slot : slots) EXPECT_EQ(slot, expected++);
+}
+
 // One text at a time, when the next one is given as a text to be copied.
 TEST(DomDocumentTest, TextOfAnEarlierParseGoesBeforeTheNextParse) {
   struct Counting : DomDocument {

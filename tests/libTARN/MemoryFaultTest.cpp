@@ -10,8 +10,10 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "libtarn.hpp"
+#include "model/LibTarnDocumentInternal.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/HeapCount.hpp"
 #include "support/MapFault.hpp"
@@ -270,6 +272,34 @@ TEST(MemoryFaultTest, ADocumentThatDidNotFitLoadsOnceThereIsMemory) {
     ASSERT_EQ(brokenDocument(*document), "");
     ASSERT_EQ(document->getItsTarnDomDocument()->printDocument(),
               loaded(Blocks::HEAP, text)->get().getItsTarnDomDocument()->printDocument());
+  }
+}
+
+// The text of a parse goes with the next one, also with one that had no memory.
+TEST(MemoryFaultTest, RootAndDeclarationHaveTheirTextsWhenThereWasNoRoomToMoveThem) {
+  constexpr std::size_t LONG = std::size_t{1} << 20U;
+  const std::string value(LONG, 'x');
+  const auto vectorOf = [](const std::string& text) {
+    return std::vector<char>(text.c_str(), text.c_str() + text.size() + 1);
+  };
+  for (const std::string& text :
+       {"<?xml a='" + value + "'?><tarn/>", "<tarn a='" + value + "'/>"}) {
+    LibTarnDocument document(new TarnDomDocument(nullptr, nullptr));
+    TarnDomDocument& dom = *document.getItsTarnDomDocument();
+    {
+      std::vector<char> first = vectorOf(text);
+      dom.parse(first);
+    }
+    std::vector<char> next = vectorOf("<p/>");
+    {
+      HeapFault fault(1, LONG);
+      EXPECT_THROW(dom.parse(next), std::bad_alloc);
+    }
+    dom.parse(next);
+    next.assign(next.capacity(), 'y');
+    const libDomXml::IDomElement* const root = dom.getRootElement();
+    const char* const found = root->getAttribute("a");
+    EXPECT_EQ(found ? found : dom.getDocumentDeclaration()->getAttribute("a"), value);
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <list>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -53,7 +54,8 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   /// none of the model's.
   TarnDomElement* createTarnElement();
 
-  using DomDocument::parse;
+  int parse(const char* text, boost::shared_ptr<libDomXml::IStripper> stripper) override;
+  int parse(std::unique_ptr<char[]> text) override;
   /// Parses a copy of `text`, in place of what the document held. Throws rapidxml::parse_error.
   /// The text of an earlier parse goes, and with it the elements of that parse.
   void parse(const char* text);
@@ -77,15 +79,13 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   /// The declaration and the root, whatever else the document node holds.
   std::string printDocument() override;
 
- protected:
-  void leaveText() override;
-
  private:
   struct Events;
 
   TarnDomElement* makeTarnElement(const char* name, std::size_t size);
   template <class Element>
   Element* makeNode();
+  void leaveTree();
   void takeText(std::vector<char>& text);
   void parseDoc(char* text, IndexingParse* indexing);
   /// Of declaration and root, when they point into the parsed text.

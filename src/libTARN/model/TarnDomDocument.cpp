@@ -155,6 +155,17 @@ TarnDomElement* TarnDomDocument::createTarnElement() {
 
 // Parsing
 
+int TarnDomDocument::parse(const char* text, boost::shared_ptr<libDomXml::IStripper> stripper) {
+  std::unique_ptr<char[]> copy = copyOf(text, stripper.get());
+  leaveTree();
+  return parseInPlaceOfEarlier(std::move(copy));
+}
+
+int TarnDomDocument::parse(std::unique_ptr<char[]> text) {
+  leaveTree();
+  return DomDocument::parse(std::move(text));
+}
+
 void TarnDomDocument::parse(const char* text) {
   TARN_ASSERT(text, "text");
   std::vector<char> copy(text, text + std::strlen(text) + 1);
@@ -176,7 +187,7 @@ void TarnDomDocument::takeText(std::vector<char>& text) {
   if (text.empty() || text.back() != '\0') {
     throw rapidxml::parse_error("unexpected end of data", text.data() + text.size());
   }
-  leaveText();
+  leaveTree();
   buffer_.swap(text);
 }
 
@@ -227,7 +238,7 @@ void TarnDomDocument::parseDoc(char* text) { parseDoc(text, nullptr); }
 
 void TarnDomDocument::parseDoc(char* text, IndexingParse* indexing) {
   TARN_ASSERT(text, "text");
-  leaveText();
+  leaveTree();
   textStart_ = text;
   parsePosition_ = text;
   Events events{{}, *this, indexing};
@@ -263,15 +274,14 @@ std::size_t TarnDomDocument::getTextOffset(const rapidxml::parse_error& error) c
 }
 
 // Declaration and root outlive the text of a parse; what hangs below the root goes with it. What a
-// host added before the first parse stays.
-void TarnDomDocument::leaveText() {
-  if (!parsePosition_) return;
-  parsePosition_ = nullptr;
-  if (root_) {
-    root_->remove_all_nodes();
-    root_->rapidxml::xml_base<char>::value(static_cast<const char*>(nullptr), 0);
-  }
+// host added before the first parse stays. Without memory for the texts the elements stay, too.
+void TarnDomDocument::leaveTree() {
+  LibTarnDocumentInternal* const parsed = parsePosition_ ? root_ : nullptr;
+  if (parsed) parsed->rapidxml::xml_base<char>::value(static_cast<const char*>(nullptr), 0);
   moveTextsIntoPool();
+  if (parsed) parsed->remove_all_nodes();
+  remove_all_nodes();
+  parsePosition_ = nullptr;
 }
 
 std::size_t TarnDomDocument::getMemorySize() const {

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "DomDocument.hpp"
@@ -351,6 +353,32 @@ TEST(HostileTextTest, ParsesOfTheDomLayerAreTypedToo) {
   touchEverything(document);
   EXPECT_EQ(document.parse("<tarn/>", false), 0);
   EXPECT_EQ(printed(document), "<?xml x=\"1\"?>\n<tarn></tarn>\n");
+}
+
+// A host's own reading of a text, which may refuse it.
+struct Refusing : TarnDomDocument {
+  Refusing() : TarnDomDocument(nullptr, nullptr) {}
+  int rapidParse(char* text) override { return refuses ? 1 : TarnDomDocument::rapidParse(text); }
+  bool refuses = false;
+};
+
+TEST(HostileTextTest, RefusedTextLeavesNothingOverTheTextBefore) {
+  const boost::shared_ptr<libDomXml::IStripper> none;
+  for (const bool isCopied : {false, true}) {
+    SCOPED_TRACE(isCopied);
+    auto* const dom = new Refusing;
+    LibTarnDocument document(dom);
+    libDomXml::DomDocument& plain = *dom;
+    EXPECT_EQ(plain.parse("<?xml a='b'?><tarn x='y'>v<cmData type='plan'/></tarn><p>w</p>", none),
+              0);
+    dom->refuses = true;
+    std::unique_ptr<char[]> text(new char[1]{'\0'});
+    EXPECT_EQ(isCopied ? plain.parse("<tarn/>", none) : plain.parse(std::move(text)), 1);
+    EXPECT_EQ(document.getLibTarnCmData(), nullptr);
+    EXPECT_EQ(plain.getFirstChild("p"), nullptr);
+    EXPECT_EQ(tarn_test::brokenDocument(document), "");
+    EXPECT_EQ(printed(document), "<?xml a=\"b\"?>\n<tarn x=\"y\"></tarn>\n");
+  }
 }
 
 TEST(HostileTextTest, ElementsAddedBeforeTheFirstParseStayAndArePartOfIt) {
