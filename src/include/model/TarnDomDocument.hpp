@@ -100,6 +100,7 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   util::TarnFactory factory_;
   const char* textStart_ = nullptr;  // of the last parse; its text may be gone
   char* parsePosition_ = nullptr;
+  char* nameEnd_ = nullptr;  // of the last element that was made in this parse
   LibTarnDocumentInternal* root_ = nullptr;
   bool isParsing_ = false;
   bool rootIsInText_ = false;        // its name, value and attributes

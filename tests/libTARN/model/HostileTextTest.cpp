@@ -381,6 +381,25 @@ TEST(HostileTextTest, RefusedTextLeavesNothingOverTheTextBefore) {
   }
 }
 
+TEST(HostileTextTest, NameOfANodeThatAHostUsesAgainIsThatOfTheNewText) {
+  struct Recycling : TarnDomDocument {
+    Recycling() : TarnDomDocument(nullptr, nullptr) {}
+    TarnDomElement* allocate_node(rapidxml::node_type type, const char* name, const char* value,
+                                  std::size_t nameSize, std::size_t valueSize) override {
+      if (!only) only = TarnDomDocument::allocate_node(type, name, value, nameSize, valueSize);
+      return only;
+    }
+    TarnDomElement* only = nullptr;
+  };
+  auto* const dom = new Recycling;
+  LibTarnDocument document(dom);
+  std::string text = "<managedObject/>";
+  EXPECT_EQ(dom->rapidParse(text.data()), 0);
+  text = "<anything/>";
+  EXPECT_EQ(dom->rapidParse(text.data()), 0);
+  EXPECT_EQ(tarn_test::dump(*dom), "{anything}");
+}
+
 TEST(HostileTextTest, ElementsAddedBeforeTheFirstParseStayAndArePartOfIt) {
   LibTarnDocument document;
   LibTarnCmData& own = *document.getFactory().createLibTarnCmData(LibTarnCmData::Type::PLAN);
