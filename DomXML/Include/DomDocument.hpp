@@ -46,8 +46,9 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
 
   void* allocateMemory(unsigned int size) override;
   void deallocateMemory(void* memory) override;
-  /// A detached element or attribute in the pool. One without texts is taken from the pool itself,
-  /// not by way of allocateMemory(): the parser asks too often for one more virtual call each time.
+  /// A detached element or attribute, by way of allocateMemory(). While a document of the library's
+  /// own class is parsed, whose allocateMemory() is known, the parser's come straight from the
+  /// pool.
   DomElement* allocate_node(rapidxml::node_type type, const char* name, const char* value,
                             std::size_t nameSize, std::size_t valueSize) override;
   DomAttribute* allocate_attribute(const char* name, const char* value, std::size_t nameSize,
@@ -89,6 +90,14 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
   static std::unique_ptr<char[]> copyOf(const char* text, IStripper* stripper);
   /// Parses `text` in place once the text of an earlier parse has been freed. Returns 0 or 1.
   int parseInPlaceOfEarlier(std::unique_ptr<char[]> text);
+  /// Memory for one node or attribute; never null (asserted).
+  void* allocateObject(std::size_t size) {
+    return takesFromPool_ ? allocate_aligned(size) : DomFactory(this).allocateObject(size);
+  }
+  /// Whether the class of this document is known to have this allocateMemory(): decided at the
+  /// start of a parse, which asks for nodes too often for one more virtual call each time.
+  void setTakesFromPool(bool takesFromPool) { takesFromPool_ = takesFromPool; }
+  bool takesFromPool() const { return takesFromPool_; }
   /// Says that the texts of the declaration point into the parsed text.
   void setDeclarationInText() { declarationIsInText_ = true; }
   /// Moves the texts of the declaration into the pool when they point into the parsed text.
@@ -104,6 +113,7 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
 
   std::unique_ptr<char[]> buffer_;
   bool declarationIsInText_ = false;
+  bool takesFromPool_ = false;
 };
 
 }  // namespace libDomXml

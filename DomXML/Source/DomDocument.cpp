@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <limits>
+#include <typeinfo>
 
 #include "MappedRegion.hpp"
 #include "rapidxml/rapidxml_print.hpp"
@@ -86,6 +87,7 @@ int DomDocument::parseBuffer() {
 }
 
 int DomDocument::rapidParse(char* text) {
+  setTakesFromPool(typeid(*this) == typeid(DomDocument));
   try {
     xml_document::parse<33>(text);
   } catch (const rapidxml::parse_error&) {
@@ -149,7 +151,7 @@ DomElement* DomDocument::allocate_node(rapidxml::node_type type, const char* nam
                                        const char* value, std::size_t nameSize,
                                        std::size_t valueSize) {
   if (name || value) return DomFactory(this).allocateNode(type, name, value, nameSize, valueSize);
-  auto* const element = new (allocate_aligned(sizeof(DomElement))) DomElement(this);
+  auto* const element = new (allocateObject(sizeof(DomElement))) DomElement(this);
   element->type(type);
   return element;
 }
@@ -157,7 +159,7 @@ DomElement* DomDocument::allocate_node(rapidxml::node_type type, const char* nam
 DomAttribute* DomDocument::allocate_attribute(const char* name, const char* value,
                                               std::size_t nameSize, std::size_t valueSize) {
   if (name || value) return DomFactory(this).allocateAttribute(name, value, nameSize, valueSize);
-  return new (allocate_aligned(sizeof(DomAttribute))) DomAttribute(this);
+  return new (allocateObject(sizeof(DomAttribute))) DomAttribute(this);
 }
 
 IDomElement* DomDocument::clone() const {

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "DomDocument.hpp"
 #include "rapidxml/rapidxml_print.hpp"
@@ -383,6 +385,28 @@ TEST(DomDocumentTest, RefusedTextLeavesNothingOverTheTextBefore) {
     EXPECT_EQ(earlier.parent(), nullptr);
     EXPECT_EQ(document.printDocument(), "<?xml a=\"b\"?>\n\n");
   }
+}
+
+// A host's own memory.
+struct CountingMemory : DomDocument {
+  CountingMemory() : DomDocument(false) {}
+  void* allocateMemory(unsigned int size) override {
+    sizes.push_back(size);
+    return DomDocument::allocateMemory(size);
+  }
+  std::vector<std::size_t> sizes;
+};
+
+TEST(DomDocumentTest, OwnMemoryOfAHostIsAskedForEveryNodeAndAttributeOfAText) {
+  CountingMemory document;
+  EXPECT_EQ(document.parse(textOf("<a x='1'><b y='2'/></a>")), 0);
+  const std::vector<std::size_t> expected = {sizeof(DomElement), sizeof(DomAttribute),
+                                             sizeof(DomElement), sizeof(DomAttribute)};
+  EXPECT_EQ(document.sizes, expected);
+  document.sizes.clear();
+  EXPECT_NE(document.allocate_node(rapidxml::node_element, nullptr, nullptr, 0, 0), nullptr);
+  EXPECT_NE(document.allocate_attribute(nullptr, nullptr, 0, 0), nullptr);
+  EXPECT_EQ(document.sizes, (std::vector<std::size_t>{sizeof(DomElement), sizeof(DomAttribute)}));
 }
 
 // The number of a virtual function in the table of its class.

@@ -1,6 +1,7 @@
 #include "model/TarnDomDocument.hpp"
 
 #include <cstring>
+#include <typeinfo>
 #include <utility>
 
 #include "IndexingParse.hpp"
@@ -85,11 +86,11 @@ TarnDomElement* TarnDomDocument::reuseRoot(const char* nameEnd) {
   return root_;
 }
 
-// A node as the factory would make it, without asking for the memory by way of a virtual function.
+// A node as the factory would make it.
 template <class Element>
 Element* TarnDomDocument::makeNode() {
   static_assert(alignof(Element) <= alignment, "a pool aligns to the size of a pointer");
-  return new (allocate_aligned(sizeof(Element))) Element(this, factory_);
+  return new (allocateObject(sizeof(Element))) Element(this, factory_);
 }
 
 // The first tag of which the name is a beginning decides, so that "manag" is a managed object. The
@@ -244,6 +245,7 @@ void TarnDomDocument::parseDoc(char* text) { parseDoc(text, nullptr); }
 void TarnDomDocument::parseDoc(char* text, IndexingParse* indexing) {
   TARN_ASSERT(text, "text");
   leaveTree();
+  setTakesFromPool(typeid(*this) == typeid(TarnDomDocument));
   textStart_ = text;
   parsePosition_ = text;
   nameEnd_ = text;
@@ -272,7 +274,7 @@ void TarnDomDocument::forgetObject(LibTarnManagedObjectImp& object, LibTarnCmDat
                                    const IndexingParse& indexing) {
   if (!indexing.followsRules || !cmData.isAllPlain()) throw IndexingParse::Unknown();
   cmData.remove_node(&object);
-  forget_from(&object);
+  if (takesFromPool()) forget_from(&object);
 }
 
 std::size_t TarnDomDocument::getTextOffset(const rapidxml::parse_error& error) const {

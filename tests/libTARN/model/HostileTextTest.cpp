@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <random>
@@ -379,6 +380,46 @@ TEST(HostileTextTest, RefusedTextLeavesNothingOverTheTextBefore) {
     EXPECT_EQ(tarn_test::brokenDocument(document), "");
     EXPECT_EQ(printed(document), "<?xml a=\"b\"?>\n<tarn x=\"y\"></tarn>\n");
   }
+}
+
+TEST(HostileTextTest, OwnMemoryOfAHostIsAskedForEveryNodeAndAttributeOfAText) {
+  struct CountingMemory : TarnDomDocument {
+    CountingMemory() : TarnDomDocument(nullptr, nullptr) {}
+    void* allocateMemory(unsigned int size) override {
+      ++requests;
+      return TarnDomDocument::allocateMemory(size);
+    }
+    std::size_t requests = 0;
+  };
+  auto* const dom = new CountingMemory;
+  LibTarnDocument document(dom);
+  for (const char* const tag :
+       {"managedObject", "cmData", "header", "log", "list", "p", "item", "extension"}) {
+    std::string text = "<" + std::string(tag) + " x='1' y='2'/>";
+    dom->requests = 0;
+    EXPECT_EQ(dom->rapidParse(text.data()), 0);
+    EXPECT_GE(dom->requests, 3U) << tag;
+  }
+}
+
+TEST(HostileTextTest, CheckForgetsNothingThatIsInOtherMemoryThanThePool) {
+  struct OwnMemory : TarnDomDocument {
+    OwnMemory() : TarnDomDocument(nullptr, nullptr) {}
+    void* allocateMemory(unsigned int size) override {
+      blocks.emplace_back(new char[size]);
+      return blocks.back().get();
+    }
+    std::vector<std::unique_ptr<char[]>> blocks;
+  };
+  auto* const dom = new OwnMemory;
+  LibTarnDocument document(dom);
+  const std::string before = printed(document);
+  std::vector<char> text = vectorOf(
+      "<tarn><cmData type='plan'><header/><managedObject class='C' distName='A-1'/></cmData>"
+      "</tarn>");
+  dom->getRootElement()->check(text);
+  std::memset(dom->allocate_string(nullptr, 256), 'x', 256);
+  EXPECT_EQ(printed(document).substr(0, 40), before.substr(0, 40));
 }
 
 TEST(HostileTextTest, NameOfANodeThatAHostUsesAgainIsThatOfTheNewText) {
