@@ -205,6 +205,34 @@ TEST_P(DomTest, EqualAttributeValueDoesNotGrowThePool) {
   EXPECT_GT(growth(), nothing);
 }
 
+TEST_P(DomTest, AttributeTextsAreComparedUpToAZeroThatTheyHold) {
+  ASSERT_EQ(parse("<e a='x&#0;y' b='&#0;'/>"), 0);
+  const char* const before = root()->getAttribute("a");
+  growth();
+  const std::size_t nothing = growth();
+  root()->setAttribute("a", "x");
+  root()->getFirstAttribute("b")->setValue("");
+  root()->getFirstAttribute("b")->setValue(nullptr);
+  EXPECT_EQ(growth(), nothing);
+  EXPECT_EQ(root()->getAttribute("a"), before);
+  root()->setAttribute("a", "xy");
+  EXPECT_STREQ(root()->getAttribute("a"), "xy");
+  EXPECT_EQ(root()->getFirstAttribute("a")->value_size(), 2U);
+
+  DomAttribute* const unset = document_->createDomAttribute(nullptr, nullptr);
+  growth();
+  unset->setValue("");
+  unset->setTagName("");
+  EXPECT_EQ(growth(), nothing);
+  const char withZero[] = {'n', '\0', 'm'};
+  DomAttribute* const named =
+      DomFactory(document_.get()).allocateAttribute(withZero, withZero, sizeof(withZero), 2);
+  growth();
+  named->setTagName("n");
+  named->setValue("n");
+  EXPECT_EQ(growth(), nothing);
+}
+
 TEST_P(DomTest, NullNameOfAnAttributeIsAnEmptyOne) {
   DomElement* const e = make("e", "v");
   e->setAttribute("a", "1");
