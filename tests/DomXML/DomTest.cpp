@@ -349,6 +349,26 @@ TEST_P(DomTest, ObjectsOfDifferentPoolsAreNotLinked) {
                "!where \\|\\| where->parent\\(\\) == this");
 }
 
+TEST_P(DomTest, ElementIsNoChildOfItselfOrOfWhatIsBelowIt) {
+  DomElement* const top = make("top");
+  DomElement* const middle = make("middle");
+  DomElement* const bottom = make("bottom");
+  top->addChild(middle);
+  middle->addChild(bottom);
+  const char* const ring = "assertion failed: child is no ancestor";
+  EXPECT_DEATH(bottom->addChild(bottom), "child && !child->parent");
+  EXPECT_DEATH(top->addChild(top), ring);
+  EXPECT_DEATH(middle->addChild(top), ring);
+  EXPECT_DEATH(bottom->addChild(top), ring);
+  EXPECT_DEATH(middle->insertChild(top, bottom), ring);
+  EXPECT_DEATH(middle->insertChild(top, nullptr), ring);
+  DomElement* const alone = make("alone");
+  EXPECT_DEATH(alone->addChild(alone), ring);
+  DomElement* const other = make("other");
+  other->addChild(top);
+  EXPECT_EQ(tarn_test::dump(*other), "other{top{middle{bottom}}}");
+}
+
 TEST_P(DomTest, FactoryCopiesTextsByTheirSizes) {
   DomFactory factory(document_.get());
   EXPECT_EQ(std::string(factory.allocateString("abc", 2), 2), "ab");
