@@ -5,6 +5,7 @@
 
 #include "DomElement.hpp"
 #include "IDomDocument.hpp"
+#include "OutOfMemory.hpp"
 #include "TarnApi.hpp"
 #include "rapidxml/rapidxml.hpp"
 
@@ -21,6 +22,8 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
   /// An empty document without declaration. `useMmap` takes the pool's blocks from anonymous memory
   /// maps, which go back to the system with the document.
   explicit DomDocument(bool useMmap);
+  /// As above, from memory maps, with `outOfMemory` for when there are none.
+  explicit DomDocument(OutOfMemory outOfMemory);
   DomDocument(const DomDocument&) = delete;
   DomDocument& operator=(const DomDocument&) = delete;
   ~DomDocument() override;
@@ -30,6 +33,7 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
 
   /// Blocks from anonymous memory maps from now on; nothing may have been allocated (asserted).
   void useMmapPoolAllocator();
+  void useMmapPoolAllocator(OutOfMemory outOfMemory);
   /// Maps `size` bytes and what it needs to know their length; null when there is no memory.
   static void* mmapAlloc(std::size_t size);
   static void mmapFree(void* memory);

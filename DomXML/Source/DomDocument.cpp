@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <limits>
+#include <new>
 #include <typeinfo>
 
 #include "MappedRegion.hpp"
@@ -11,9 +12,21 @@
 
 namespace libDomXml {
 
+namespace {
+
+void* allocateOrThrow(std::size_t size, void* newest) {
+  void* const block = MappedRegion::allocate(size, newest);
+  if (!block) throw std::bad_alloc();
+  return block;
+}
+
+}  // namespace
+
 DomDocument::DomDocument(bool useMmap) {
   if (useMmap) useMmapPoolAllocator();
 }
+
+DomDocument::DomDocument(OutOfMemory outOfMemory) { useMmapPoolAllocator(outOfMemory); }
 
 DomDocument::~DomDocument() = default;
 
@@ -26,8 +39,13 @@ DomDocument* DomDocument::createDomDocument(bool useMmap) {
   return document.release();
 }
 
-void DomDocument::useMmapPoolAllocator() {
-  set_growing_allocator(&MappedRegion::allocate, &MappedRegion::release);
+void DomDocument::useMmapPoolAllocator() { useMmapPoolAllocator(OutOfMemory::Assert); }
+
+// The pool asserts that it gets a block.
+void DomDocument::useMmapPoolAllocator(OutOfMemory outOfMemory) {
+  const bool throws = outOfMemory == OutOfMemory::Throw;
+  set_growing_allocator(throws ? &allocateOrThrow : &MappedRegion::allocate,
+                        &MappedRegion::release);
 }
 
 // Block from a memory map:

@@ -58,7 +58,7 @@ bool isKnownToBeValid(TextFile& file) {
 
 Finding checkFile(const std::string& path, const CheckRequest& request) {
   Finding finding;
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   try {
     TextFile file(path);
     if (isKnownToBeValid(file)) {

@@ -65,7 +65,7 @@ void refuseSameFile(const std::string& source, const std::string& delta) {
 std::string applyDelta(const MergeRequest& request, const std::string& path,
                        LibTarnDocument& source) {
   refuseSameFile(request.source, path);
-  LibTarnDocument delta;
+  LibTarnDocument delta(libtarn::model::OutOfMemory::Throw);
   load(path, delta, request.validate);
   try {
     if (!TarnMerge(source).mergeDocument(delta)) throwRefusal(request, path, source, delta);
@@ -78,7 +78,7 @@ std::string applyDelta(const MergeRequest& request, const std::string& path,
 }  // namespace
 
 void mergeCommand(const MergeRequest& request) {
-  LibTarnDocument source;
+  LibTarnDocument source(libtarn::model::OutOfMemory::Throw);
   load(request.source, source, request.validate);
   std::string summaries;
   for (const std::string& path : request.deltas) summaries += applyDelta(request, path, source);

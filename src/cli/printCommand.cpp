@@ -3,7 +3,7 @@
 namespace tarn {
 
 void printCommand(const std::string& path, const std::string& output) {
-  libtarn::model::LibTarnDocument document;
+  libtarn::model::LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   loadDocument(path, document);
   writeResult(document, path, Target{output, false}, "");
 }

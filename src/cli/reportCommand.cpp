@@ -146,7 +146,7 @@ std::string dataOf(const std::string& path, const LibTarnDocument& document) {
 }  // namespace
 
 void reportCommand(const std::string& path, const std::string& output) {
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   loadDocument(path, document);
   std::string page = REPORT_PAGE;
   page.replace(page.find(DATA_MARK), DATA_MARK.size(), dataOf(path, document));

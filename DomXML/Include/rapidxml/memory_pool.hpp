@@ -103,7 +103,8 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
   }
 
   /// Installs where blocks come from and go to, before anything has been allocated (asserted).
-  /// `allocate` must not return null (asserted when it does).
+  /// `allocate` must not return null (asserted when it does); what it throws comes out of the
+  /// request, with the pool unchanged.
   void set_allocator(alloc_func* allocate, free_func* release) {
     assert_unused();
     m_alloc_func = allocate;

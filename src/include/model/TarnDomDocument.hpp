@@ -27,6 +27,8 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
  public:
   /// Pool blocks from memory maps, own name validator and index factory.
   TarnDomDocument();
+  /// As above, with `outOfMemory` for when there are no maps.
+  explicit TarnDomDocument(libDomXml::OutOfMemory outOfMemory);
   /// Pool blocks from the heap. Validator and index factory stay the caller's and must outlive the
   /// document; for null the document has its own, in its pool.
   TarnDomDocument(IDistinguishedNameValidator* validator,

@@ -21,7 +21,10 @@
 namespace libtarn {
 namespace model {
 
-TarnDomDocument::TarnDomDocument() : DomDocument(true), factory_(*this) {
+TarnDomDocument::TarnDomDocument() : TarnDomDocument(libDomXml::OutOfMemory::Assert) {}
+
+TarnDomDocument::TarnDomDocument(libDomXml::OutOfMemory outOfMemory)
+    : DomDocument(outOfMemory), factory_(*this) {
   declaration_ = createDocumentDeclaration();
 }
 
