@@ -44,8 +44,9 @@ std::string HostLog::takeError() {
 }
 
 void HostLog::flush() {
-  const std::unique_ptr<HeldLine> taken(std::exchange(held, nullptr));
-  if (taken && !taken->line.empty()) writeLine(taken->line);
+  if (!held || held->line.empty()) return;
+  writeLine(held->line);
+  held->line.clear();
 }
 
 void HostLog::drop() {
@@ -76,6 +77,6 @@ void libtarn::util::Logger::print(Level level, const char* location, const char*
     tarn::writeLine(line);
   }
   if (!isError) return;
-  tarn::held = next.release();
+  delete std::exchange(tarn::held, next.release());
   tarn::isErrorLost = false;
 }

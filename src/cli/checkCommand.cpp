@@ -94,6 +94,7 @@ Finding checkFile(const std::string& path, const CheckRequest& request) {
     if (request.json && error.status() == Status::RuleBroken) findPath(document, finding);
   }
   HostLog::flush();
+  HostLog::drop();  // a thread does not keep it
   return finding;
 }
 
