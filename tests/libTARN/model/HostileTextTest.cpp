@@ -343,6 +343,18 @@ TEST(HostileTextTest, TextsOfDeclarationAndRootAreCopiedOnceHoweverManyParsesFol
   }
 }
 
+TEST(HostileTextTest, WorstTextTakesTheMemoryThatIsSaid) {
+  constexpr std::size_t MULTIPLE = sizeof(void*) > 4 ? 92 : 50;
+  for (const char* const element : {"<c>", "<m>", "<c/>", "<m/>"}) {
+    CapturedLog log;
+    std::string text = "<tarn>";
+    while (text.size() < std::size_t{1} << 20U) text += element;
+    LibTarnDocument document;
+    document.parse(vectorOf(text), true);
+    EXPECT_LT(document.getMemorySize(), MULTIPLE * text.size()) << element;
+  }
+}
+
 TEST(HostileTextTest, ParsesOfTheDomLayerAreTypedToo) {
   LibTarnDocument document;
   libDomXml::DomDocument& dom = *document.getItsTarnDomDocument();
