@@ -183,6 +183,12 @@ const Shape SHAPES[] = {
      [](std::size_t bytes) { return whole(always(bytes, HEADER, "<p/>", "")); }},
     {"smallest objects",
      [](std::size_t bytes) { return whole(always(bytes, HEADER, "<m/>", "")); }},
+    {"smallest bodies without an end",
+     [](std::size_t bytes) { return always(bytes, "<tarn>", "<c>", ""); }},
+    {"smallest objects without an end",
+     [](std::size_t bytes) { return always(bytes, "<tarn>", "<m>", ""); }},
+    {"smallest attributes",
+     [](std::size_t bytes) { return whole(always(bytes, HEADER + "<m ", "a=''", "/>")); }},
     {"attributes of one object",
      [](std::size_t bytes) {
        return whole(repeat(

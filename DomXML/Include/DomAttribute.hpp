@@ -25,8 +25,8 @@ class TARN_API DomAttribute : public rapidxml::xml_attribute<char> {
   /// The value, or "" when unset.
   const char* getValue() const { return value(); }
 
-  /// Copies the text into the pool and takes the copy, unless it equals the current one. The text
-  /// may be the attribute's own. Null counts as "".
+  /// Copies the text into the pool and takes the copy, unless it equals the current one up to a
+  /// zero that this may hold. The text may be the attribute's own. Null counts as "".
   void setTagName(const char* name);
   void setValue(const char* value);
 

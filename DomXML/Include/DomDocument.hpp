@@ -5,6 +5,7 @@
 
 #include "DomElement.hpp"
 #include "IDomDocument.hpp"
+#include "OutOfMemory.hpp"
 #include "TarnApi.hpp"
 #include "rapidxml/rapidxml.hpp"
 
@@ -21,6 +22,8 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
   /// An empty document without declaration. `useMmap` takes the pool's blocks from anonymous memory
   /// maps, which go back to the system with the document.
   explicit DomDocument(bool useMmap);
+  /// As above, from memory maps, with `outOfMemory` for when there are none.
+  explicit DomDocument(OutOfMemory outOfMemory);
   DomDocument(const DomDocument&) = delete;
   DomDocument& operator=(const DomDocument&) = delete;
   ~DomDocument() override;
@@ -30,6 +33,7 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
 
   /// Blocks from anonymous memory maps from now on; nothing may have been allocated (asserted).
   void useMmapPoolAllocator();
+  void useMmapPoolAllocator(OutOfMemory outOfMemory);
   /// Maps `size` bytes and what it needs to know their length; null when there is no memory.
   static void* mmapAlloc(std::size_t size);
   static void mmapFree(void* memory);
@@ -46,8 +50,9 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
 
   void* allocateMemory(unsigned int size) override;
   void deallocateMemory(void* memory) override;
-  /// A detached element or attribute in the pool. One without texts is taken from the pool itself,
-  /// not by way of allocateMemory(): the parser asks too often for one more virtual call each time.
+  /// A detached element or attribute, by way of allocateMemory(). While a document of the library's
+  /// own class is parsed, whose allocateMemory() is known, the parser's come straight from the
+  /// pool.
   DomElement* allocate_node(rapidxml::node_type type, const char* name, const char* value,
                             std::size_t nameSize, std::size_t valueSize) override;
   DomAttribute* allocate_attribute(const char* name, const char* value, std::size_t nameSize,
@@ -85,18 +90,34 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
   IDomDocument* getDocument() const override;
 
  protected:
-  /// Called before the text of an earlier parse goes: what stays in use moves its texts into the
-  /// pool.
-  virtual void leaveText();
+  /// A zero-terminated copy of `text`, made by `stripper` when one is given.
+  static std::unique_ptr<char[]> copyOf(const char* text, IStripper* stripper);
+  /// Parses `text` in place once the text of an earlier parse has been freed. Returns 0 or 1.
+  int parseInPlaceOfEarlier(std::unique_ptr<char[]> text);
+  /// Memory for one node or attribute; never null (asserted).
+  void* allocateObject(std::size_t size) {
+    return takesFromPool_ ? allocate_aligned(size) : DomFactory(this).allocateObject(size);
+  }
+  /// Whether the class of this document is known to have this allocateMemory(): decided at the
+  /// start of a parse, which asks for nodes too often for one more virtual call each time.
+  void setTakesFromPool(bool takesFromPool) { takesFromPool_ = takesFromPool; }
+  bool takesFromPool() const { return takesFromPool_; }
+  /// Says that the texts of the declaration point into the parsed text.
+  void setDeclarationInText() { declarationIsInText_ = true; }
+  /// Moves the texts of the declaration into the pool when they point into the parsed text.
+  void moveDeclarationIntoPool();
 
   /// The declaration that is printed, or null.
   DomElement* declaration_ = nullptr;
 
  private:
+  void leaveText();
   int parseBuffer();
   void moveDeclarationOut();
 
   std::unique_ptr<char[]> buffer_;
+  bool declarationIsInText_ = false;
+  bool takesFromPool_ = false;
 };
 
 }  // namespace libDomXml

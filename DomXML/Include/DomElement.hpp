@@ -13,7 +13,8 @@ namespace libDomXml {
 /// An element of a DOM tree that is at the same time the node record of the XML core.
 ///
 /// Lives in its document's pool until the document goes, also after it has been removed from the
-/// tree. Linking objects of different pools, or one that is linked already, is an assertion.
+/// tree. Linking objects of different pools, one that is linked already, or an element below itself
+/// is an assertion.
 class TARN_API DomElement : public IDomElement, public rapidxml::xml_node<char> {
  public:
   /// A detached element without name and text, to be made in `pool`.
@@ -80,6 +81,7 @@ class TARN_API DomElement : public IDomElement, public rapidxml::xml_node<char> 
 
  private:
   DomElement* linkable(IDomElement* child) const;
+  bool isAtOrBelow(const DomElement& top) const;
 };
 
 }  // namespace libDomXml

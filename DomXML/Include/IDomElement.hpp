@@ -52,9 +52,11 @@ class TARN_API IDomElement {
   virtual IDomElement* getFirstChild(const char* name) const = 0;
   virtual IDomElement* getLastChild(const char* name) const = 0;
 
-  /// Links a detached element of the same pool before `where` (null: as the last child).
+  /// Links a detached element of the same pool, in which this one is not (asserted), before `where`
+  /// (null: as the last child).
   virtual void insertChild(IDomElement* child, IDomElement* where) = 0;
-  /// Links a detached element of the same pool as the last child.
+  /// Links a detached element of the same pool, in which this one is not (asserted), as the last
+  /// child.
   virtual void addChild(IDomElement* child) = 0;
   /// True when `child` was a child and has been unlinked.
   virtual bool removeChild(IDomElement* child) = 0;

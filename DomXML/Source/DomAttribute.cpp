@@ -1,18 +1,28 @@
 #include "DomAttribute.hpp"
 
+#include <cstring>
 #include <string_view>
 
 namespace libDomXml {
 
+namespace {
+
+// As texts, up to a zero that the current one may hold; one that came with its size may have none.
+bool isSame(const char* current, std::size_t size, const char* text) {
+  return std::string_view(current, strnlen(current, size)) == text;
+}
+
+}  // namespace
+
 void DomAttribute::setTagName(const char* name) {
   if (!name) name = "";
-  if (std::string_view(this->name(), name_size()) == name) return;
+  if (isSame(this->name(), name_size(), name)) return;
   this->name(domFactory_.allocateString(name, 0));
 }
 
 void DomAttribute::setValue(const char* value) {
   if (!value) value = "";
-  if (std::string_view(this->value(), value_size()) == value) return;
+  if (isSame(this->value(), value_size(), value)) return;
   this->value(domFactory_.allocateString(value, 0));
 }
 

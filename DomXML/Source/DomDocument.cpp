@@ -4,15 +4,29 @@
 
 #include <cstring>
 #include <limits>
+#include <new>
+#include <typeinfo>
 
 #include "MappedRegion.hpp"
 #include "rapidxml/rapidxml_print.hpp"
 
 namespace libDomXml {
 
+namespace {
+
+void* allocateOrThrow(std::size_t size, void* newest) {
+  void* const block = MappedRegion::allocate(size, newest);
+  if (!block) throw std::bad_alloc();
+  return block;
+}
+
+}  // namespace
+
 DomDocument::DomDocument(bool useMmap) {
   if (useMmap) useMmapPoolAllocator();
 }
+
+DomDocument::DomDocument(OutOfMemory outOfMemory) { useMmapPoolAllocator(outOfMemory); }
 
 DomDocument::~DomDocument() = default;
 
@@ -25,8 +39,13 @@ DomDocument* DomDocument::createDomDocument(bool useMmap) {
   return document.release();
 }
 
-void DomDocument::useMmapPoolAllocator() {
-  set_growing_allocator(&MappedRegion::allocate, &MappedRegion::release);
+void DomDocument::useMmapPoolAllocator() { useMmapPoolAllocator(OutOfMemory::Assert); }
+
+// The pool asserts that it gets a block.
+void DomDocument::useMmapPoolAllocator(OutOfMemory outOfMemory) {
+  const bool throws = outOfMemory == OutOfMemory::Throw;
+  set_growing_allocator(throws ? &allocateOrThrow : &MappedRegion::allocate,
+                        &MappedRegion::release);
 }
 
 // Block from a memory map:
@@ -56,6 +75,10 @@ int DomDocument::parse(std::unique_ptr<char[]> text) {
 }
 
 int DomDocument::parse(const char* text, boost::shared_ptr<IStripper> stripper) {
+  return parseInPlaceOfEarlier(copyOf(text, stripper.get()));
+}
+
+std::unique_ptr<char[]> DomDocument::copyOf(const char* text, IStripper* stripper) {
   TARN_ASSERT(text, "text");
   std::size_t length = std::strlen(text);
   std::unique_ptr<char[]> copy(new char[length + 1]);
@@ -65,8 +88,12 @@ int DomDocument::parse(const char* text, boost::shared_ptr<IStripper> stripper) 
     std::memcpy(copy.get(), text, length);
   }
   copy[length] = '\0';
+  return copy;
+}
+
+int DomDocument::parseInPlaceOfEarlier(std::unique_ptr<char[]> text) {
   leaveText();
-  buffer_ = std::move(copy);
+  buffer_ = std::move(text);
   return parseBuffer();
 }
 
@@ -78,6 +105,7 @@ int DomDocument::parseBuffer() {
 }
 
 int DomDocument::rapidParse(char* text) {
+  setTakesFromPool(typeid(*this) == typeid(DomDocument));
   try {
     xml_document::parse<33>(text);
   } catch (const rapidxml::parse_error&) {
@@ -86,8 +114,18 @@ int DomDocument::rapidParse(char* text) {
   return 0;
 }
 
+// What a host's own rapidParse() makes of the next text is not known: it may detach nothing.
 void DomDocument::leaveText() {
-  if (buffer_ && declaration_) declaration_->moveTextsIntoPool();
+  moveDeclarationIntoPool();
+  remove_all_nodes();
+  remove_all_attributes();
+}
+
+// Once for each text that brings one: parse after parse would take as much memory again.
+void DomDocument::moveDeclarationIntoPool() {
+  if (!declarationIsInText_) return;
+  declaration_->moveTextsIntoPool();
+  declarationIsInText_ = false;
 }
 
 // With several declarations the last one wins.
@@ -98,6 +136,7 @@ void DomDocument::moveDeclarationOut() {
     if (child->type() == rapidxml::node_declaration) {
       remove_node(child);
       declaration_ = static_cast<DomElement*>(child);
+      setDeclarationInText();
     }
     child = next;
   }
@@ -130,7 +169,7 @@ DomElement* DomDocument::allocate_node(rapidxml::node_type type, const char* nam
                                        const char* value, std::size_t nameSize,
                                        std::size_t valueSize) {
   if (name || value) return DomFactory(this).allocateNode(type, name, value, nameSize, valueSize);
-  auto* const element = new (allocate_aligned(sizeof(DomElement))) DomElement(this);
+  auto* const element = new (allocateObject(sizeof(DomElement))) DomElement(this);
   element->type(type);
   return element;
 }
@@ -138,7 +177,7 @@ DomElement* DomDocument::allocate_node(rapidxml::node_type type, const char* nam
 DomAttribute* DomDocument::allocate_attribute(const char* name, const char* value,
                                               std::size_t nameSize, std::size_t valueSize) {
   if (name || value) return DomFactory(this).allocateAttribute(name, value, nameSize, valueSize);
-  return new (allocate_aligned(sizeof(DomAttribute))) DomAttribute(this);
+  return new (allocateObject(sizeof(DomAttribute))) DomAttribute(this);
 }
 
 IDomElement* DomDocument::clone() const {

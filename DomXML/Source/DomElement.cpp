@@ -155,7 +155,17 @@ DomElement* DomElement::linkable(IDomElement* child) const {
   TARN_ASSERT(newDomElement, "child && !child->parent() && child->type() != node_document");
   TARN_ASSERT(domFactory_.getMemoryPool() == newDomElement->getDomFactory()->getMemoryPool(),
               "domFactory_.getMemoryPool() == newDomElement->getDomFactory()->getMemoryPool()");
+  // One that is linked is refused where it would be linked again.
+  TARN_ASSERT(newDomElement->parent() || !isAtOrBelow(*newDomElement), "child is no ancestor");
   return newDomElement;
+}
+
+// Mostly answered without a walk: what is linked has no children yet, or is linked near the top.
+bool DomElement::isAtOrBelow(const DomElement& top) const {
+  if (!top.first_node()) return this == &top;
+  const rapidxml::xml_node<char>* node = this;
+  while (node && node != &top) node = node->parent();
+  return node != nullptr;
 }
 
 void DomElement::insertChild(IDomElement* child, IDomElement* where) {

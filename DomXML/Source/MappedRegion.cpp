@@ -40,7 +40,10 @@ void* MappedRegion::allocate(std::size_t size, void* newest) {
   if (!region || static_cast<std::size_t>(region->end_ - region->free_) < needed) {
     const auto length =
         region ? static_cast<std::size_t>(region->end_ - reinterpret_cast<char*>(region)) : 0;
-    region = map(std::max(sizeof(MappedRegion) + needed, std::min(2 * length, LARGEST)));
+    const std::size_t least = sizeof(MappedRegion) + needed;
+    const std::size_t preferred = std::max(least, std::min(2 * length, LARGEST));
+    region = map(preferred);
+    if (!region && preferred > least) region = map(least);
     if (!region) return nullptr;
   }
   void* const block = region->free_ + WORD;

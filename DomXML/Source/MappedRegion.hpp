@@ -8,8 +8,9 @@ namespace libDomXml {
 ///
 /// A map for each block would leave the kernel to fill in page after page of a large document. So
 /// the maps of a pool grow with it: the first one holds a single block, each further one twice as
-/// much as the one before, up to LARGEST; those from HUGE_PAGES_FROM on ask for huge pages. Memory
-/// that is not touched is not taken from the system, but that a huge page comes as a whole.
+/// much as the one before, up to LARGEST, or a single block when there is no room for that; those
+/// from HUGE_PAGES_FROM on ask for huge pages. Memory that is not touched is not taken from the
+/// system, but that a huge page comes as a whole.
 ///
 /// Region, as mapped:
 ///

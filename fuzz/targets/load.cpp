@@ -32,6 +32,25 @@ std::string print(LibTarnDocument& document) {
   return out;
 }
 
+// Parses the text, and then texts that are cut off again and again on the same document, by way of
+// the model and of the DOM layer.
+void loadAgain(LibTarnDocument& document, const char* text, std::size_t size) {
+  constexpr std::size_t ROUNDS = 100;
+  constexpr std::size_t MOST_OF_A_ROUND = 1024;                                      // bytes
+  constexpr std::size_t BLOCK = rapidxml::memory_pool<char>::dynamic_pool_size * 2;  // taken whole
+  libtarn::model::TarnDomDocument& dom = *document.getItsTarnDomDocument();
+  document.parse(text, true);
+  fuzz::checkNothing(tarn_test::brokenDocument(document, tarn_test::Indexes::SOUND));
+  const std::size_t before = dom.pool_size();
+  for (std::size_t round = 0; round < ROUNDS; ++round) {
+    document.parse(round % 2 == 0 ? "<tarn" : "<p", true);
+    dom.parse("<p/>", boost::shared_ptr<libDomXml::IStripper>());
+  }
+  fuzz::check(dom.pool_size() - before <= 8 * (size + 1) + ROUNDS * MOST_OF_A_ROUND + BLOCK,
+              "what stays of a text is copied once");
+  fuzz::checkNothing(tarn_test::brokenDocument(document, tarn_test::Indexes::SOUND));
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -55,6 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       tarn_test::brokenDocument(document, loaded ? Indexes::IN_STEP : Indexes::SOUND));
   const std::string printed = print(document);
   fuzz::check(printed == print(checked), "both loads give the same document");
+  loadAgain(checked, text.get(), size);
   if (!loaded || printed.find('\0') != std::string::npos) return 0;
 
   LibTarnDocument again;

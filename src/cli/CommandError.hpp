@@ -15,7 +15,7 @@ enum class Status {
   RuleBroken = 2,  ///< A rule of the model is broken.
   Conflict = 3,    ///< What is to be merged or added does not fit.
   NothingMatched = 4,
-  FileError = 5,    ///< A file cannot be read or written.
+  FileError = 5,    ///< A file cannot be read or written, or memory has run out.
   UsageError = 64,  ///< The command line is wrong.
 };
 

@@ -1,6 +1,8 @@
 #include "HostLog.hpp"
 
 #include <cstdio>
+#include <memory>
+#include <new>
 #include <utility>
 
 #include "printable.hpp"
@@ -11,12 +13,16 @@ namespace tarn {
 namespace {
 
 struct HeldLine {
-  std::string line;  // empty: none, or written already
+  std::string line;  // empty when it has been written already
   std::string message;
 };
 
 HostLog::Level threshold = HostLog::Level::Error;
-thread_local HeldLine held;
+// Null: none. Not an object, whose destructor the C library would have to note: without memory for
+// that it ends the process.
+thread_local HeldLine* held = nullptr;
+// An ERROR line came for which there was no memory.
+thread_local bool isErrorLost = false;
 
 HostLog::Level levelOf(const libtarn::util::Logger::Level& level) {
   if (level == libtarn::util::Logger::Level::ERROR) return HostLog::Level::Error;
@@ -33,13 +39,20 @@ void HostLog::setLevel(Level level) { threshold = level; }
 bool HostLog::isAskedFor() { return threshold < Level::Error; }
 
 std::string HostLog::takeError() {
-  held.line.clear();
-  return std::exchange(held.message, std::string());
+  const std::unique_ptr<HeldLine> taken(std::exchange(held, nullptr));
+  if (std::exchange(isErrorLost, false)) throw std::bad_alloc();
+  return taken ? std::move(taken->message) : std::string();
 }
 
 void HostLog::flush() {
-  if (!held.line.empty()) writeLine(held.line);
-  held = HeldLine();
+  if (!held || held->line.empty()) return;
+  writeLine(held->line);
+  held->line.clear();
+}
+
+void HostLog::drop() {
+  delete std::exchange(held, nullptr);
+  isErrorLost = false;
 }
 
 }  // namespace tarn
@@ -52,11 +65,19 @@ void libtarn::util::Logger::print(Level level, const char* location, const char*
   const bool isError = hostLevel == HostLog::Level::Error;
   if (hostLevel < tarn::threshold && !isError) return;
   HostLog::flush();
+  // Until it is held. No line of the library is empty but one for which there was no memory.
+  if (isError) tarn::isErrorLost = true;
+  if (isError && *message == '\0') return;
   std::string line = level.toString() + " " + location + " " + function + ": " + message;
-  if (isError) tarn::held.message = message;
-  if (isError && tarn::threshold == HostLog::Level::Error) {
-    tarn::held.line = std::move(line);
+  auto next = std::make_unique<tarn::HeldLine>();
+  next->message = message;
+  const bool isHeld = isError && tarn::threshold == HostLog::Level::Error;
+  if (isHeld) {
+    next->line = std::move(line);
   } else if (tarn::threshold != HostLog::Level::None) {
     tarn::writeLine(line);
   }
+  if (!isError) return;
+  delete std::exchange(tarn::held, next.release());
+  tarn::isErrorLost = false;
 }

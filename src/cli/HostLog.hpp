@@ -18,10 +18,13 @@ class HostLog {
   static void setLevel(Level level);
   /// Whether lines are written that tell no error.
   static bool isAskedFor();
-  /// The message of the last ERROR line, "" when there was none since the last call.
+  /// The message of the last ERROR line, whatever lines came after it; "" when there was none since
+  /// the last call. Throws std::bad_alloc when there was no memory to hold it.
   static std::string takeError();
   /// Writes a line that is still held back.
   static void flush();
+  /// Forgets a line that is still held back, and the message.
+  static void drop();
 };
 
 }  // namespace tarn

@@ -56,7 +56,7 @@ constexpr unsigned BUFFER_SIZE = 1U << 17U;
   int code = Z_OK;
   gzerror(file, &code);
   if (code == Z_ERRNO) throwFileError(path, errno);
-  if (code == Z_MEM_ERROR) throwFileError(path, ENOMEM);
+  if (code == Z_MEM_ERROR) throw std::bad_alloc();
   throw CommandError(Status::FileError, path, "compressed data is damaged or cut off");
 }
 
@@ -133,7 +133,12 @@ InputFile::InputFile(const std::string& path) : path_(path) {
   const int descriptor =
       path == STANDARD_INPUT ? ::dup(STDIN_FILENO) : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) throwFileError(path_, errno);
-  reader_ = std::make_unique<Reader>(descriptor);
+  try {
+    reader_ = std::make_unique<Reader>(descriptor);
+  } catch (const std::bad_alloc&) {
+    ::close(descriptor);
+    throw;
+  }
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) throwFileError(path_, errno);
   if (S_ISDIR(status.st_mode)) throwFileError(path_, EISDIR);

@@ -33,7 +33,10 @@ class ObjectPattern {
   const libtarn::model::LibTarnManagedObject& object() const { return *object_; }
 
  private:
-  ObjectPattern() : document_(std::make_unique<libtarn::model::LibTarnDocument>()) {}
+  ObjectPattern()
+      : document_(
+            std::make_unique<libtarn::model::LibTarnDocument>(libtarn::model::OutOfMemory::Throw)) {
+  }
   void load(const std::string& path);
   void build(const PatternOptions& options, const char* valueOfBareName);
 

@@ -1,11 +1,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cstdio>
-#include <future>
+#include <condition_variable>
+#include <exception>
+#include <filesystem>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <stdexcept>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "HostLog.hpp"
@@ -40,6 +45,20 @@ struct Finding {
   std::size_t violationCount = 0;  // with those left out
 };
 
+constexpr const char* NO_MEMORY = "not enough memory";
+
+// What is found in a file for which there is no memory; takes none itself.
+Finding withoutMemory() {
+  HostLog::drop();
+  Finding finding;
+  finding.status = Status::FileError;
+  return finding;
+}
+
+bool lacksMemory(const Finding& finding) {
+  return finding.status == Status::FileError && !finding.error;
+}
+
 void collect(const LibTarnDocument& document, std::size_t limit, Finding& finding) {
   Validator validator(&finding.violations, limit, MOST_VIOLATION_BYTES);
   document.getItsTarnDomDocument()->getRootElement()->accept(validator);
@@ -63,7 +82,7 @@ bool isKnownToBeValid(TextFile& file) {
 
 Finding checkFile(const std::string& path, const CheckRequest& request) {
   Finding finding;
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   try {
     TextFile file(path);
     if (isKnownToBeValid(file)) {
@@ -80,10 +99,23 @@ Finding checkFile(const std::string& path, const CheckRequest& request) {
     if (request.json && error.status() == Status::RuleBroken) findPath(document, finding);
   }
   HostLog::flush();
+  HostLog::drop();  // a thread does not keep it
   return finding;
 }
 
+// A file that takes more memory than there is keeps none of the others from being checked.
+Finding checkWithinMemory(const std::string& path, const CheckRequest& request) {
+  try {
+    return checkFile(path, request);
+  } catch (const std::bad_alloc&) {
+    return withoutMemory();
+  } catch (const std::length_error&) {  // more than could be addressed
+    return withoutMemory();
+  }
+}
+
 void tell(const std::string& path, const Finding& finding) {
+  if (lacksMemory(finding)) return tellError(errorLine(path, NO_MEMORY));
   if (finding.error) return tellError(finding.error->what());
   if (finding.status == Status::Done) {
     return writeOutput(fmt::format("{}: {}\n", printable(path), styled(Style::Good, "ok")));
@@ -109,6 +141,7 @@ void tellJson(const std::string& path, const Finding& finding, bool all) {
                {"column", placeOf(finding, &libtarn::util::TextPosition::column)},
                {"path", nullptr}};
   if (finding.error) json["message"] = finding.error->message();
+  if (lacksMemory(finding)) json["message"] = NO_MEMORY;
   if (!finding.path.empty()) json["path"] = finding.path;
   if (!finding.violations.empty()) {
     json["message"] = finding.violations.front().message;
@@ -124,67 +157,144 @@ void tellJson(const std::string& path, const Finding& finding, bool all) {
   writeOutput(jsonText(json) + "\n");
 }
 
+void tell(const std::string& path, const Finding& finding, const CheckRequest& request) {
+  if (request.json) {
+    tellJson(path, finding, request.all);
+  } else {
+    tell(path, finding);
+  }
+}
+
 std::size_t workerCount(const CheckRequest& request) {
   const unsigned wanted = request.jobs > 0 ? request.jobs : std::thread::hardware_concurrency();
   return std::clamp<std::size_t>(wanted, 1, request.files.size());
 }
 
+bool canBeReadAgain(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::is_regular_file(path, ignored);
+}
+
 /// Checks the files on several threads, each document on one of them.
 class Workers {
  public:
+  /// Throws std::bad_alloc before the first thread has been started.
   explicit Workers(const CheckRequest& request)
       : request_(request), findings_(request.files.size()) {
-    for (std::size_t i = workerCount(request); i > 0; --i) addThread();
+    const std::size_t count = workerCount(request);
+    // One at a time is what the caller can do itself.
+    if (count == 1) return;
+    threads_.reserve(count);
+    while (threads_.size() < count && addThread()) {
+    }
   }
   Workers(const Workers&) = delete;
   Workers& operator=(const Workers&) = delete;
   ~Workers() {
-    next_ = findings_.size();  // no further ones
-    for (std::thread& thread : threads_) thread.join();
+    stop();
+    joinAll();
   }
 
-  /// Waits for the finding of a file.
-  Finding finding(std::size_t number) { return findings_[number].get_future().get(); }
+  /// Waits for the finding of a file, or checks it when there is no thread for that. Throws what
+  /// its check threw.
+  Finding finding(std::size_t number) {
+    const std::string& path = request_.files[number];
+    Result& result = findings_[number];
+    if (threads_.empty() && !result.isThere()) return checkWithinMemory(path, request_);
+    wait(result);
+    if (result.exception) std::rethrow_exception(result.exception);
+    if (!lacksMemory(*result.finding) || !canBeReadAgain(path)) return std::move(*result.finding);
+    // Alone there may be enough.
+    joinAll();
+    return checkWithinMemory(path, request_);
+  }
 
  private:
-  // Fewer threads than wanted do as well, only slower.
-  void addThread() {
+  struct Result {
+    bool isThere() const { return finding || exception; }
+
+    std::optional<Finding> finding;
+    std::exception_ptr exception;
+  };
+
+  void wait(const Result& result) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    done_.wait(lock, [&result] { return result.isThere(); });
+  }
+
+  void joinAll() {
+    for (std::thread& thread : threads_) thread.join();
+    threads_.clear();
+  }
+
+  // False when no further thread can be had; fewer than wanted do as well, only slower.
+  bool addThread() {
     try {
       threads_.emplace_back([this] { work(); });
     } catch (const std::system_error&) {
-      if (threads_.empty()) throw;
+      return false;
+    } catch (const std::bad_alloc&) {
+      return false;
     }
+    return true;
+  }
+
+  void stop() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    next_ = findings_.size();
+  }
+
+  std::size_t nextNumber() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return next_ < findings_.size() ? next_++ : next_;
   }
 
   void work() {
-    for (std::size_t i = next_++; i < findings_.size(); i = next_++) {
+    for (std::size_t i = nextNumber(); i < findings_.size(); i = nextNumber()) {
+      Result result;
       try {
-        findings_[i].set_value(checkFile(request_.files[i], request_));
+        result.finding = checkWithinMemory(request_.files[i], request_);
       } catch (...) {
-        findings_[i].set_exception(std::current_exception());
+        result.exception = std::current_exception();
       }
+      const std::lock_guard<std::mutex> lock(mutex_);
+      findings_[i] = std::move(result);
+      done_.notify_one();
     }
   }
 
   const CheckRequest& request_;
-  std::vector<std::promise<Finding>> findings_;
-  std::atomic<std::size_t> next_{0};
+  std::mutex mutex_;
+  std::condition_variable done_;
+  std::vector<Result> findings_;  // under the mutex
+  std::size_t next_ = 0;          // under the mutex
   std::vector<std::thread> threads_;
 };
+
+// Returns the status of the file.
+Status checkAndTell(std::size_t number, const CheckRequest& request, Workers* workers) {
+  const std::string& path = request.files[number];
+  try {
+    const Finding finding = workers ? workers->finding(number) : checkWithinMemory(path, request);
+    tell(path, finding, request);
+    return finding.status;
+  } catch (const std::bad_alloc&) {
+    tellNoMemory(path.c_str());
+    return Status::FileError;
+  }
+}
 
 }  // namespace
 
 Status checkCommand(const CheckRequest& request) {
   Status highest = Status::Done;
-  Workers workers(request);
+  std::optional<Workers> workers;
+  try {
+    workers.emplace(request);
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the main thread does it alone
+  }
   for (std::size_t i = 0; i < request.files.size(); ++i) {
-    const Finding finding = workers.finding(i);
-    if (request.json) {
-      tellJson(request.files[i], finding, request.all);
-    } else {
-      tell(request.files[i], finding);
-    }
-    highest = std::max(highest, finding.status);
+    highest = std::max(highest, checkAndTell(i, request, workers ? &*workers : nullptr));
   }
   return highest;
 }

@@ -69,7 +69,7 @@ void setCommand(const std::string& path, const PatternOptions& mask, const Patte
   const ObjectPattern maskPattern = ObjectPattern::mask(mask);
   const ObjectPattern valuesPattern = ObjectPattern::values(values);
   Destination destination(path, target);
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   loadDocument(path, document);
   const std::size_t count = document.getMOsMatchingMask(maskPattern.object()).size();
   if (count == 0) throw CommandError(Status::NothingMatched, path, "no object matches");
@@ -90,9 +90,9 @@ void setCommand(const std::string& path, const PatternOptions& mask, const Patte
 
 void addCommand(const std::string& path, const std::string& objectPath, const Target& target) {
   Destination destination(path, target);
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   loadDocument(path, document);
-  LibTarnDocument objects;
+  LibTarnDocument objects(libtarn::model::OutOfMemory::Throw);
   loadDocument(objectPath, objects);
   LibTarnCmData& cmData = cmDataOf(document, path);
   Outcomes outcomes(path);
@@ -117,7 +117,7 @@ void addCommand(const std::string& path, const std::string& objectPath, const Ta
 void removeCommand(const std::string& path, const std::vector<std::string>& distNames,
                    const Target& target) {
   Destination destination(path, target);
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   loadDocument(path, document);
   LibTarnCmData& cmData = cmDataOf(document, path);
   Outcomes outcomes(path);

@@ -119,7 +119,7 @@ std::string xmlOf(const LibTarnManagedObject& object) {
 }  // namespace
 
 void getCommand(const std::string& path, const std::string& distName, const std::string& name) {
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   loadDocument(path, document);
   const libtarn::model::LibTarnCmData* const cmData = document.getLibTarnCmData();
   const LibTarnManagedObject* const object =

@@ -220,7 +220,7 @@ void write(const std::vector<LibTarnManagedObject*>& objects, ListFormat format,
 }  // namespace
 
 void listCommand(const std::string& path, const PatternOptions& mask, ListFormat format) {
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   LineWriter writer;
   write(loadMatching(path, mask, document), format, writer);
   writer.flush();

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <exception>
 #include <new>
+#include <stdexcept>
+#include <system_error>
 
 #include "CommandError.hpp"
 #include "CommandLine.hpp"
@@ -21,13 +23,14 @@ namespace {
 // What a shell tells of a program that ends by SIGPIPE, as this one does unless that is ignored.
 constexpr int OUTPUT_CLOSED = 141;
 
-// For memory that ends in a function of another library that lets no exception out.
+// For memory that ends in a function of another library that lets no exception out, or before
+// main().
 [[noreturn]] void endWithoutMemory() {
   if (const std::exception_ptr current = std::current_exception()) {
     try {
       std::rethrow_exception(current);
     } catch (const std::bad_alloc&) {
-      std::fputs("tarn: error: not enough memory\n", stderr);
+      tarn::tellNoMemory("tarn");
       std::_Exit(static_cast<int>(tarn::Status::FileError));
     } catch (...) {  // NOLINT(bugprone-empty-catch): ends as it would have
     }
@@ -56,17 +59,29 @@ int runAndTell(int argc, char** argv) {
   } catch (const tarn::OutputClosed&) {
     return OUTPUT_CLOSED;
   } catch (const std::bad_alloc&) {
-    tarn::tellError(tarn::errorLine("tarn", "not enough memory"));
+    tarn::tellNoMemory("tarn");
+  } catch (const std::length_error&) {  // more than could be addressed
+    tarn::tellNoMemory("tarn");
+  } catch (const std::system_error& error) {
+    if (error.code() == std::errc::not_enough_memory) {
+      tarn::tellNoMemory("tarn");
+    } else {
+      tarn::tellError(tarn::errorLine("tarn", error.what()));
+    }
   } catch (const std::exception& error) {
     tarn::tellError(tarn::errorLine("tarn", error.what()));
   }
   return static_cast<int>(status);
 }
 
+void setTerminate() { std::set_terminate(endWithoutMemory); }
+
+// Run before the constants of the libraries are made, which takes memory, too.
+[[gnu::section(".preinit_array"), gnu::used]] void (*const setTerminateFirst)() = setTerminate;
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::set_terminate(endWithoutMemory);
   reserveStandardDescriptors();
   // So that a write beyond the limit of sizes fails as one to a full disk does.
   std::signal(SIGXFSZ, SIG_IGN);

@@ -107,7 +107,7 @@ struct Applied {
 
 Applied applyDelta(const MergeRequest& request, const std::string& path, LibTarnDocument& source) {
   refuseSameFile(request.source, path);
-  LibTarnDocument delta;
+  LibTarnDocument delta(libtarn::model::OutOfMemory::Throw);
   load(path, delta, request.validate);
   try {
     if (!TarnMerge(source).mergeDocument(delta)) throwRefusal(request, path, source, delta);
@@ -122,7 +122,7 @@ Applied applyDelta(const MergeRequest& request, const std::string& path, LibTarn
 void mergeCommand(const MergeRequest& request) {
   std::optional<Destination> destination;
   if (!request.checkOnly) destination.emplace(request.source, request.target);
-  LibTarnDocument source;
+  LibTarnDocument source(libtarn::model::OutOfMemory::Throw);
   load(request.source, source, request.validate);
   std::string summaries;
   bool mayHaveBecomeInvalid = false;

@@ -186,7 +186,7 @@ std::string dataOf(const std::string& path, const LibTarnDocument& document,
 
 void reportCommand(const std::string& path, const std::string& output) {
   Destination destination(path, Target{output, false});
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   loadDocument(path, document);
   ViolationSearch search(document);
   std::string page = REPORT_PAGE;

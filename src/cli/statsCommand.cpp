@@ -80,7 +80,7 @@ void countObjects(const LibTarnDocument& document, Stats& stats) {
 // Memory is taken before anything is asked of the document that builds more.
 Stats statsOf(const std::string& path) {
   Stats stats;
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   stats.loadMilliseconds = millisecondsOf([&] { loadDocument(path, document); });
   stats.memoryBytes = document.getMemorySize();
   stats.validationMilliseconds = millisecondsOf([&] { stats.isValid = document.validate() == 0; });

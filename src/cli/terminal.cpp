@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
+#include <new>
 
 #include "printable.hpp"
 
@@ -78,15 +79,23 @@ std::size_t displayWidth(std::string_view text) {
   return width;
 }
 
-void tellError(const std::string& line) {
-  const std::string word = "error:";
-  std::string text = line;
-  const std::size_t position = text.find(": " + word);
-  if (position != std::string::npos) {
-    text.replace(position + 2, word.size(), styledFor(STDERR_FILENO, Style::Bad, word));
+void tellError(std::string_view line) {
+  try {
+    const std::string word = "error:";
+    std::string text(line);
+    const std::size_t position = text.find(": " + word);
+    if (position != std::string::npos) {
+      text.replace(position + 2, word.size(), styledFor(STDERR_FILENO, Style::Bad, word));
+    }
+    text += '\n';
+    std::fwrite(text.data(), 1, text.size(), stderr);
+  } catch (const std::bad_alloc&) {
+    std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
   }
-  text += '\n';
-  std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+void tellNoMemory(const char* subject) {
+  std::fprintf(stderr, "%s: error: not enough memory\n", subject);
 }
 
 void tellNote(const std::string& subject, const std::string& message) {

@@ -21,8 +21,11 @@ std::string styled(Style style, const std::string& text);
 /// Columns that `text`, in UTF-8, takes on a terminal.
 std::size_t displayWidth(std::string_view text);
 
-/// Writes an error's line to standard error, the word "error:" coloured.
-void tellError(const std::string& line);
+/// Writes an error's line to standard error, the word "error:" coloured where there is memory for
+/// it.
+void tellError(std::string_view line);
+/// Writes "SUBJECT: error: not enough memory", without any itself.
+void tellNoMemory(const char* subject);
 
 /// Writes a line that is no error to standard error: "SUBJECT: note: MESSAGE".
 void tellNote(const std::string& subject, const std::string& message);

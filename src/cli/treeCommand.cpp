@@ -102,7 +102,7 @@ class Drawing {
 void treeCommand(const std::string& path, const std::string& distName, std::size_t depth) {
   PatternOptions options;
   options.distName = distName;
-  LibTarnDocument document;
+  LibTarnDocument document(libtarn::model::OutOfMemory::Throw);
   ContainmentTree tree;
   for (const LibTarnManagedObject* object : loadMatching(path, options, document)) {
     tree.add(*object);

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "DomDocument.hpp"
 #include "rapidxml/rapidxml_print.hpp"
@@ -70,6 +73,18 @@ TEST_P(DomTest, DeclarationOutlivesTheTextItCameFrom) {
   EXPECT_EQ(parse("<c"), 1);
   EXPECT_EQ(parse("<c/>"), 0);
   EXPECT_EQ(document_->printDocument(), "<?xml version=\"1.1\" x=\"&lt;\"?>\n<c></c>\n\n");
+}
+
+TEST_P(DomTest, DeclarationIsCopiedOnceHoweverManyParsesFollow) {
+  constexpr std::size_t LONG = std::size_t{1} << 20U;
+  EXPECT_EQ(parse("<?xml a='" + std::string(LONG, 'x') + "'?><a/>"), 0);
+  const std::size_t before = document_->pool_size();
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(parse("<a"), 1);
+  for (int i = 0; i < 10; ++i) {
+    EXPECT_EQ(document_->parse("<b/>", boost::shared_ptr<IStripper>()), 0);
+  }
+  EXPECT_LT(document_->pool_size() - before, 2 * LONG);
+  EXPECT_EQ(std::strlen(document_->getDocumentDeclaration()->getAttribute("a")), LONG);
 }
 
 TEST_P(DomTest, StripperCopiesTheText) {
@@ -190,6 +205,34 @@ TEST_P(DomTest, EqualAttributeValueDoesNotGrowThePool) {
   EXPECT_GT(growth(), nothing);
 }
 
+TEST_P(DomTest, AttributeTextsAreComparedUpToAZeroThatTheyHold) {
+  ASSERT_EQ(parse("<e a='x&#0;y' b='&#0;'/>"), 0);
+  const char* const before = root()->getAttribute("a");
+  growth();
+  const std::size_t nothing = growth();
+  root()->setAttribute("a", "x");
+  root()->getFirstAttribute("b")->setValue("");
+  root()->getFirstAttribute("b")->setValue(nullptr);
+  EXPECT_EQ(growth(), nothing);
+  EXPECT_EQ(root()->getAttribute("a"), before);
+  root()->setAttribute("a", "xy");
+  EXPECT_STREQ(root()->getAttribute("a"), "xy");
+  EXPECT_EQ(root()->getFirstAttribute("a")->value_size(), 2U);
+
+  DomAttribute* const unset = document_->createDomAttribute(nullptr, nullptr);
+  growth();
+  unset->setValue("");
+  unset->setTagName("");
+  EXPECT_EQ(growth(), nothing);
+  const char withZero[] = {'n', '\0', 'm'};
+  DomAttribute* const named =
+      DomFactory(document_.get()).allocateAttribute(withZero, withZero, sizeof(withZero), 2);
+  growth();
+  named->setTagName("n");
+  named->setValue("n");
+  EXPECT_EQ(growth(), nothing);
+}
+
 TEST_P(DomTest, NullNameOfAnAttributeIsAnEmptyOne) {
   DomElement* const e = make("e", "v");
   e->setAttribute("a", "1");
@@ -306,6 +349,26 @@ TEST_P(DomTest, ObjectsOfDifferentPoolsAreNotLinked) {
                "!where \\|\\| where->parent\\(\\) == this");
 }
 
+TEST_P(DomTest, ElementIsNoChildOfItselfOrOfWhatIsBelowIt) {
+  DomElement* const top = make("top");
+  DomElement* const middle = make("middle");
+  DomElement* const bottom = make("bottom");
+  top->addChild(middle);
+  middle->addChild(bottom);
+  const char* const ring = "assertion failed: child is no ancestor";
+  EXPECT_DEATH(bottom->addChild(bottom), "child && !child->parent");
+  EXPECT_DEATH(top->addChild(top), ring);
+  EXPECT_DEATH(middle->addChild(top), ring);
+  EXPECT_DEATH(bottom->addChild(top), ring);
+  EXPECT_DEATH(middle->insertChild(top, bottom), ring);
+  EXPECT_DEATH(middle->insertChild(top, nullptr), ring);
+  DomElement* const alone = make("alone");
+  EXPECT_DEATH(alone->addChild(alone), ring);
+  DomElement* const other = make("other");
+  other->addChild(top);
+  EXPECT_EQ(tarn_test::dump(*other), "other{top{middle{bottom}}}");
+}
+
 TEST_P(DomTest, FactoryCopiesTextsByTheirSizes) {
   DomFactory factory(document_.get());
   EXPECT_EQ(std::string(factory.allocateString("abc", 2), 2), "ab");
@@ -349,6 +412,83 @@ TEST_P(DomTest, TextsWithSizesAreCopiedAndComparedByThem) {
   EXPECT_EQ(attribute->getValue(), before);
   attribute->setValue("quantityX");
   EXPECT_STREQ(element->getAttribute("property"), "quantityX");
+}
+
+// A host's own reading of a text, which may refuse it.
+struct Refusing : DomDocument {
+  Refusing() : DomDocument(false) {}
+  int rapidParse(char* text) override { return refuses ? 1 : DomDocument::rapidParse(text); }
+  bool refuses = false;
+};
+
+TEST(DomDocumentTest, RefusedTextLeavesNothingOverTheTextBefore) {
+  const boost::shared_ptr<IStripper> none;
+  for (const bool isCopied : {false, true}) {
+    SCOPED_TRACE(isCopied);
+    Refusing document;
+    EXPECT_EQ(document.parse("<?xml a='b'?><a x='y'>text</a>", none), 0);
+    const DomElement& earlier = *static_cast<DomElement*>(document.getFirstChild("a"));
+    document.refuses = true;
+    EXPECT_EQ(isCopied ? document.parse("<b/>", none) : document.parse(textOf("<b/>")), 1);
+    EXPECT_EQ(earlier.parent(), nullptr);
+    EXPECT_EQ(document.printDocument(), "<?xml a=\"b\"?>\n\n");
+  }
+}
+
+// A host's own memory.
+struct CountingMemory : DomDocument {
+  CountingMemory() : DomDocument(false) {}
+  void* allocateMemory(unsigned int size) override {
+    sizes.push_back(size);
+    return DomDocument::allocateMemory(size);
+  }
+  std::vector<std::size_t> sizes;
+};
+
+TEST(DomDocumentTest, OwnMemoryOfAHostIsAskedForEveryNodeAndAttributeOfAText) {
+  CountingMemory document;
+  EXPECT_EQ(document.parse(textOf("<a x='1'><b y='2'/></a>")), 0);
+  const std::vector<std::size_t> expected = {sizeof(DomElement), sizeof(DomAttribute),
+                                             sizeof(DomElement), sizeof(DomAttribute)};
+  EXPECT_EQ(document.sizes, expected);
+  document.sizes.clear();
+  EXPECT_NE(document.allocate_node(rapidxml::node_element, nullptr, nullptr, 0, 0), nullptr);
+  EXPECT_NE(document.allocate_attribute(nullptr, nullptr, 0, 0), nullptr);
+  EXPECT_EQ(document.sizes, (std::vector<std::size_t>{sizeof(DomElement), sizeof(DomAttribute)}));
+}
+
+// The number of a virtual function in the table of its class.
+template <class Function>
+std::size_t slotOf(Function function) {
+  std::uintptr_t word = 0;
+  std::memcpy(&word, &function, sizeof(word));
+  return word / sizeof(void*);
+}
+
+TEST(DomDocumentTest, VirtualFunctionsStandInTheirOrder) {
+  struct Derived : DomDocument {
+    Derived() : DomDocument(false) {}
+    virtual void next() {}
+  };
+  const std::size_t slots[] = {
+      slotOf(&DomDocument::hasAttributes),
+      slotOf(&DomDocument::getParent),
+      slotOf(&DomDocument::getDocument),
+      slotOf<int (DomDocument::*)(const char*, boost::shared_ptr<IStripper>)>(&DomDocument::parse),
+      slotOf<int (DomDocument::*)(std::unique_ptr<char[]>)>(&DomDocument::parse),
+      slotOf(&DomDocument::getDocumentDeclaration),
+      slotOf(&DomDocument::createDomElement),
+      slotOf(&DomDocument::createDomAttribute),
+      slotOf(&DomDocument::printDocument),
+      slotOf(&DomDocument::rapidParse),
+      slotOf(&DomDocument::allocateMemory),
+      slotOf(&DomDocument::deallocateMemory),
+      slotOf(&DomDocument::allocate_node),
+      slotOf(&DomDocument::allocate_attribute),
+      slotOf(&Derived::next)};
+  // Behind the two of the destructor come those of an element.
+  std::size_t expected = 24;
+  for (const std::size_t slot : slots) EXPECT_EQ(slot, expected++);
 }
 
 // One text at a time, when the next one is given as a text to be copied.

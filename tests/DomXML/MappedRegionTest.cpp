@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <fstream>
@@ -9,6 +13,7 @@
 
 #include "../../DomXML/Source/MappedRegion.hpp"
 #include "DomDocument.hpp"
+#include "support/MapFault.hpp"
 
 namespace {
 
@@ -81,6 +86,46 @@ TEST(MappedRegionTest, LargeBlocksGetMapsOfTheirOwn) {
   MappedRegion::release(next);
   MappedRegion::release(large);
   MappedRegion::release(small);
+}
+
+// How many blocks fit into `bytes` more of address space, in a process of its own.
+// At most `most`, where the limit does not hold: under an emulator.
+std::size_t blocksWithin(std::size_t bytes, std::size_t most, bool alone) {
+  std::array<int, 2> ends{};
+  if (pipe(ends.data()) != 0) return 0;
+  if (fork() == 0) {
+    std::size_t count = 0;
+    const rlim_t used = mappedPages() * 4096;
+    const rlimit limit{used + bytes, used + bytes};
+    setrlimit(RLIMIT_AS, &limit);
+    if (alone) {
+      while (count < most && libDomXml::DomDocument::mmapAlloc(BLOCK)) ++count;
+    } else {
+      void* newest = nullptr;
+      for (; count < most; ++count) {
+        newest = MappedRegion::allocate(BLOCK, newest);
+        if (!newest) break;
+      }
+    }
+    _exit(write(ends[1], &count, sizeof(count)) == sizeof(count) ? 0 : 1);
+  }
+  std::size_t count = 0;
+  const bool isTold = read(ends[0], &count, sizeof(count)) == sizeof(count);
+  wait(nullptr);
+  for (const int end : ends) close(end);
+  return isTold ? count : 0;
+}
+
+TEST(MappedRegionTest, MemoryThatIsLeftIsUsedWhenTheNextMapWouldBeTooLarge) {
+  if (!tarn_test::canFailMaps()) GTEST_SKIP() << "a sanitizer takes the address space";
+  for (const std::size_t mebibytes : {6U, 40U, 70U}) {
+    const std::size_t bytes = mebibytes << 20U;
+    const std::size_t most = bytes / BLOCK + 1;
+    const std::size_t alone = blocksWithin(bytes, most, true);
+    ASSERT_GT(alone, 10U);
+    if (alone == most) GTEST_SKIP() << "nothing limits the address space";
+    EXPECT_GE(blocksWithin(bytes, most, false), alone * 95 / 100) << mebibytes;
+  }
 }
 
 TEST(MappedRegionTest, SizesThatNoMemoryHasAreRefused) {

@@ -126,6 +126,17 @@ class RemoveTest(EditCase):
         self.assertNotIn(b"A-2", result.stdout)
         self.assertIn(b"A-1/B-1", result.stdout)
 
+    def test_names_that_meet_are_a_conflict_whatever_is_logged(self):
+        path = self.file(document(managed_object("A-1") + managed_object("A-2")
+                                  + managed_object("A-3")))
+        mask = self.file(document(managed_object("A-1")), "mask.xml")
+        values = self.file(document(managed_object("A-2")), "values.xml")
+        for level in ("debug", "info", "error", "none"):
+            result = tarn("--log-level", level, "set", path, "--mask", mask, "--values", values,
+                          "--in-place")
+            self.assertEqual(result.returncode, 3, (level, result))
+            self.assertIn(b"two objects would have one name", result.stderr)
+
 
 if __name__ == "__main__":
     main()

@@ -10,8 +10,10 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "libtarn.hpp"
+#include "model/LibTarnDocumentInternal.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/HeapCount.hpp"
 #include "support/MapFault.hpp"
@@ -48,16 +50,18 @@ std::string documentText(int from, int to, const std::string& attributes = "") {
 }
 
 // Where the pool's blocks come from.
-enum class Blocks { HEAP, MAPS };
+enum class Blocks { HEAP, MAPS, MAPS_THAT_THROW };
 
 class Side {
  public:
   explicit Side(Blocks blocks) {
     if (blocks == Blocks::MAPS) {
       document_.emplace();
-      return;
+    } else if (blocks == Blocks::MAPS_THAT_THROW) {
+      document_.emplace(OutOfMemory::Throw);
+    } else {
+      document_.emplace(new TarnDomDocument(nullptr, nullptr));
     }
-    document_.emplace(new TarnDomDocument(nullptr, nullptr));
   }
 
   LibTarnDocument& get() { return *document_; }
@@ -273,6 +277,34 @@ TEST(MemoryFaultTest, ADocumentThatDidNotFitLoadsOnceThereIsMemory) {
   }
 }
 
+// The text of a parse goes with the next one, also with one that had no memory.
+TEST(MemoryFaultTest, RootAndDeclarationHaveTheirTextsWhenThereWasNoRoomToMoveThem) {
+  constexpr std::size_t LONG = std::size_t{1} << 20U;
+  const std::string value(LONG, 'x');
+  const auto vectorOf = [](const std::string& text) {
+    return std::vector<char>(text.c_str(), text.c_str() + text.size() + 1);
+  };
+  for (const std::string& text :
+       {"<?xml a='" + value + "'?><tarn/>", "<tarn a='" + value + "'/>"}) {
+    LibTarnDocument document(new TarnDomDocument(nullptr, nullptr));
+    TarnDomDocument& dom = *document.getItsTarnDomDocument();
+    {
+      std::vector<char> first = vectorOf(text);
+      dom.parse(first);
+    }
+    std::vector<char> next = vectorOf("<p/>");
+    {
+      HeapFault fault(1, LONG);
+      EXPECT_THROW(dom.parse(next), std::bad_alloc);
+    }
+    dom.parse(next);
+    next.assign(next.capacity(), 'y');
+    const libDomXml::IDomElement* const root = dom.getRootElement();
+    const char* const found = root->getAttribute("a");
+    EXPECT_EQ(found ? found : dom.getDocumentDeclaration()->getAttribute("a"), value);
+  }
+}
+
 // The pool has so many bytes left that the memory ends within an operation, wherever that is.
 TEST(MemoryFaultTest, PoolMayEndWithinEveryOperation) {
   struct Operations {
@@ -448,6 +480,53 @@ TEST(MemoryFaultDeathTest, EveryMapMayFail) {
       EXPECT_GT(number, 1U);
     }
   }
+}
+
+TEST(MemoryFaultTest, EveryMapMayFailForADocumentThatThrows) {
+  if (!tarn_test::canFailMaps()) GTEST_SKIP() << "the sanitizer keeps maps for itself";
+  for (const Work& work : allWorks(Blocks::MAPS_THAT_THROW)) {
+    SCOPED_TRACE(work.name);
+    std::size_t exceptions = 0;
+    for (bool done = false; !done;) {
+      ASSERT_LT(exceptions, 1000U);
+      tarn_test::CapturedLog log;
+      Documents documents;
+      work.prepare(documents);
+      done = true;
+      {
+        MapFault fault(exceptions + 1);
+        try {
+          work.act(documents);
+        } catch (const std::bad_alloc&) {
+          done = false;
+          ++exceptions;
+        }
+        EXPECT_EQ(done, !fault.happened());
+      }
+      const bool loading = std::string(work.name).find("load") == 0;
+      ASSERT_EQ(broken(documents, done || !loading), "") << "fault " << exceptions;
+      // There is memory again.
+      if (!done && documents.source) {
+        ASSERT_EQ(documents.source->get().parse(documents.sourceText.c_str(), true), 0);
+        ASSERT_EQ(broken(documents, true), "") << "fault " << exceptions;
+      }
+    }
+    const std::string name = work.name;
+    if (name != "print" && name != "change") {
+      EXPECT_GT(exceptions, 0U);
+    }
+  }
+}
+
+TEST(MemoryFaultTest, CheckOfATextThrowsWithoutMaps) {
+  if (!tarn_test::canFailMaps()) GTEST_SKIP() << "the sanitizer keeps maps for itself";
+  const std::string text = documentText(0, 1) + std::string(1, '\0');
+  const auto check = [&text] {
+    return LibTarnDocument::isKnownToBeValid(std::vector<char>(text.begin(), text.end()));
+  };
+  EXPECT_TRUE(check());
+  MapFault fault(1);
+  EXPECT_THROW(check(), std::bad_alloc);
 }
 
 // A pool of the host's that has no memory for one request.

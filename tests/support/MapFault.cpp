@@ -17,6 +17,7 @@
 namespace {
 
 thread_local std::size_t callsToFault = 0;
+thread_local bool isFailing = false;
 
 }  // namespace
 
@@ -32,9 +33,12 @@ bool canFailMaps() {
 
 MapFault::MapFault(std::size_t number) { callsToFault = number; }
 
-MapFault::~MapFault() { callsToFault = 0; }
+MapFault::~MapFault() {
+  callsToFault = 0;
+  isFailing = false;
+}
 
-bool MapFault::happened() const { return callsToFault == 0; }
+bool MapFault::happened() const { return isFailing; }
 
 }  // namespace tarn_test
 
@@ -43,7 +47,8 @@ bool MapFault::happened() const { return callsToFault == 0; }
 // In place of the C library's.
 extern "C" void* mmap(void* address, std::size_t length, int protection, int flags, int file,
                       off_t offset) noexcept {
-  if (callsToFault > 0 && --callsToFault == 0) {
+  if (callsToFault > 0 && --callsToFault == 0) isFailing = true;
+  if (isFailing) {
     errno = ENOMEM;
     return MAP_FAILED;
   }

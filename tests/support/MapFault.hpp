@@ -7,8 +7,8 @@ namespace tarn_test {
 /// Whether maps can be made to fail in this program: a sanitizer keeps mmap() for itself.
 bool canFailMaps();
 
-/// Lets one call of mmap() fail, as without memory: the `number`-th from now on, from 1. Maps that
-/// the C library makes for itself do not count. One at a time.
+/// Lets calls of mmap() fail, as without memory: the `number`-th from now on, from 1, and all that
+/// follow it. Maps that the C library makes for itself do not count. One at a time, on its thread.
 class MapFault {
  public:
   explicit MapFault(std::size_t number);

@@ -22,8 +22,7 @@ class TARN_API IXMLFactory {
  public:
   virtual ~IXMLFactory() = default;
 
-  /// A detached node. The parser passes null and 0 for all but `type`; the node may come back with
-  /// its name already set to the parser's position, which spares a second scan of that name.
+  /// A detached node. The parser passes null and 0 for all but `type`.
   virtual xml_node<Ch>* allocate_node(node_type type, const Ch* name, const Ch* value,
                                       std::size_t name_size, std::size_t value_size) = 0;
 
@@ -104,7 +103,8 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
   }
 
   /// Installs where blocks come from and go to, before anything has been allocated (asserted).
-  /// `allocate` must not return null (asserted when it does).
+  /// `allocate` must not return null (asserted when it does); what it throws comes out of the
+  /// request, with the pool unchanged.
   void set_allocator(alloc_func* allocate, free_func* release) {
     assert_unused();
     m_alloc_func = allocate;

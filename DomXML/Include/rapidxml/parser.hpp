@@ -47,6 +47,12 @@ class TARN_API parse_error : public std::exception {
 struct parse_events {
   /// Before the node that follows a "<" outside of every element is asked for.
   void before_top_level_node() {}
+  /// The end of the element name at `name`, when the document has counted it to choose the node;
+  /// null otherwise.
+  template <class Ch>
+  Ch* end_of_counted_name(Ch* /*name*/) const {
+    return nullptr;
+  }
   /// When a reference that stands for a zero byte has been expanded.
   void zero_byte() {}
   /// When the whole of an element within another has been read and linked to that other one, which
@@ -192,9 +198,9 @@ class parser {
   [[gnu::always_inline]] Ch* parse_start_tag(Ch* const name, node*& parsed, bool& has_content) {
     m_text = name;
     node* const element = allocate(node_element);
-    // The allocation hook may have counted the name already.
-    Ch* const name_end =
-        element->m_name == name ? name + element->m_name_size : skip_name<node_name>(name);
+    // What the node holds says nothing: a host's hook may give one that it has used before.
+    Ch* const counted = m_events.end_of_counted_name(name);
+    Ch* const name_end = counted ? counted : skip_name<node_name>(name);
     if (name_end == name) throw parse_error("expected element name", name);
     element->name(name, token_size(name, name_end));
     Ch* cursor = name_end;

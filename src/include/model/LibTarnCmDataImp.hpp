@@ -106,8 +106,8 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   void forgetUnindexed(const LibTarnManagedObjectImp& object);
   // A part of a row.
   struct Part {
-    std::size_t begin = 0;
-    std::size_t end = 0;
+    std::uint32_t begin = 0;
+    std::uint32_t end = 0;
   };
 
   void dispatchToObjectsAsTheyLie(validation::Validator& validator) const;
@@ -121,7 +121,8 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   Unindexed* unindexed_ = nullptr;
   bool allPlain_ = true;  // of the children parsed so far
   bool parsedInEffect_ = false;
-  std::size_t parsedHeaders_ = 0;
+  bool hasOneParsedHeader_ = false;
+  bool hasManyParsedHeaders_ = false;
   Part parsed_;         // of IndexingParse::objects
   Part withOperation_;  // likewise
 };

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "OutOfMemory.hpp"
 #include "TarnApi.hpp"
 #include "model/Diagnostic.hpp"
 
@@ -14,6 +15,8 @@ class TarnFactory;
 }
 
 namespace model {
+
+using libDomXml::OutOfMemory;
 
 class LibTarnCmData;
 class LibTarnDocumentInternal;
@@ -29,6 +32,9 @@ class TARN_API LibTarnDocument {
  public:
   /// Its memory comes from maps; without any the process ends (assertion "memory").
   LibTarnDocument();
+  /// Its memory comes from maps. OutOfMemory::Throw: where there is none, std::bad_alloc comes out
+  /// of the operation, and the document can be used on, parsed again or destroyed.
+  explicit LibTarnDocument(OutOfMemory outOfMemory);
   /// Takes over `document`, made with `new`: for a name validator or an index factory of the
   /// host's, or for memory from the heap.
   explicit LibTarnDocument(TarnDomDocument* document);
@@ -48,7 +54,7 @@ class TARN_API LibTarnDocument {
   /// Whether a text that ends with a zero byte is known to be one for which a parse() of a new
   /// document, with validation, returns 0. False also for some for which it does, and for every
   /// other one: parse() tells, and why. Takes little more memory than the text, and less time than
-  /// that parse. Logs nothing.
+  /// that parse. Logs nothing. Throws std::bad_alloc without memory.
   static bool isKnownToBeValid(std::vector<char> text);
   /// Checks the rules of the format on the document as it is now, and that no object was given the
   /// name of another one. Returns 0, or 2 for a broken rule; the first one goes to the log at level

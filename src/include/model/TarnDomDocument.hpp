@@ -1,6 +1,7 @@
 #pragma once
 
 #include <list>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
  public:
   /// Pool blocks from memory maps, own name validator and index factory.
   TarnDomDocument();
+  /// As above, with `outOfMemory` for when there are no maps.
+  explicit TarnDomDocument(libDomXml::OutOfMemory outOfMemory);
   /// Pool blocks from the heap. Validator and index factory stay the caller's and must outlive the
   /// document; for null the document has its own, in its pool.
   TarnDomDocument(IDistinguishedNameValidator* validator,
@@ -53,7 +56,8 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   /// none of the model's.
   TarnDomElement* createTarnElement();
 
-  using DomDocument::parse;
+  int parse(const char* text, boost::shared_ptr<libDomXml::IStripper> stripper) override;
+  int parse(std::unique_ptr<char[]> text) override;
   /// Parses a copy of `text`, in place of what the document held. Throws rapidxml::parse_error.
   /// The text of an earlier parse goes, and with it the elements of that parse.
   void parse(const char* text);
@@ -77,18 +81,16 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   /// The declaration and the root, whatever else the document node holds.
   std::string printDocument() override;
 
- protected:
-  void leaveText() override;
-
  private:
   struct Events;
 
   TarnDomElement* makeTarnElement(const char* name, std::size_t size);
   template <class Element>
   Element* makeNode();
+  void leaveTree();
   void takeText(std::vector<char>& text);
   void parseDoc(char* text, IndexingParse* indexing);
-  /// Of declaration and root.
+  /// Of declaration and root, when they point into the parsed text.
   void moveTextsIntoPool();
   void forgetObject(LibTarnManagedObjectImp& object, LibTarnCmDataImp& cmData,
                     const IndexingParse& indexing);
@@ -100,8 +102,10 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   util::TarnFactory factory_;
   const char* textStart_ = nullptr;  // of the last parse; its text may be gone
   char* parsePosition_ = nullptr;
+  char* nameEnd_ = nullptr;  // of the last element that was made in this parse
   LibTarnDocumentInternal* root_ = nullptr;
   bool isParsing_ = false;
+  bool rootIsInText_ = false;        // its name, value and attributes
   bool beforeTopLevelNode_ = false;  // set until the first node behind a top-level "<" is made
   std::list<std::vector<char>> keptTexts_;
 };

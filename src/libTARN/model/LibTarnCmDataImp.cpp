@@ -1,6 +1,8 @@
 #include "model/LibTarnCmDataImp.hpp"
 
+#include <cstdint>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <string_view>
 #include <vector>
@@ -33,10 +35,12 @@ DistinguishedName nameOf(const LibTarnManagedObject& object) {
   return DistinguishedName(textOrEmpty(object.getDistName().getText()));
 }
 
-// Makes `element` the end of the part of the row. False when something else stands between.
+// Makes `element` the end of the part of the row. False when something else stands between, or when
+// there are more than can be counted.
 template <class Part, class Element>
 bool addTo(Part& part, std::vector<Element>& row, Element element) {
-  if (part.begin == part.end) part.begin = part.end = row.size();
+  if (row.size() >= std::numeric_limits<std::uint32_t>::max()) return false;
+  if (part.begin == part.end) part.begin = part.end = static_cast<std::uint32_t>(row.size());
   if (part.end != row.size()) return false;
   row.push_back(element);
   ++part.end;
@@ -285,7 +289,8 @@ void LibTarnCmDataImp::indexParsed(LibTarnManagedObjectImp& object, IndexingPars
 }
 
 void LibTarnCmDataImp::headerParsed(const LibTarnHeaderImp& header, IndexingParse& parse) {
-  ++parsedHeaders_;
+  hasManyParsedHeaders_ = hasOneParsedHeader_;
+  hasOneParsedHeader_ = true;
   if (parse.followsRules) parse.followsRules = header.followsRules();
 }
 
@@ -295,7 +300,7 @@ bool LibTarnCmDataImp::finishParsing(const IndexingParse& parse) {
     if (!parse.forgetsObjects) rebuildIndexers();
     return false;
   }
-  return parse.followsRules && parsedHeaders_ == 1;
+  return parse.followsRules && hasOneParsedHeader_ && !hasManyParsedHeaders_;
 }
 
 bool LibTarnCmDataImp::adoptParsed(const IndexingParse& parse) {

@@ -21,6 +21,9 @@ constexpr int MODEL_RULE_BROKEN = 2;
 
 LibTarnDocument::LibTarnDocument() : LibTarnDocument(new TarnDomDocument()) {}
 
+LibTarnDocument::LibTarnDocument(OutOfMemory outOfMemory)
+    : LibTarnDocument(new TarnDomDocument(outOfMemory)) {}
+
 LibTarnDocument::LibTarnDocument(TarnDomDocument* document)
     : domDocument_(document),
       root_(static_cast<LibTarnDocumentInternal*>(
@@ -61,7 +64,7 @@ int LibTarnDocument::parseImpl(Text& text, bool validate) {
 }
 
 bool LibTarnDocument::isKnownToBeValid(std::vector<char> text) {
-  LibTarnDocument document;
+  LibTarnDocument document(OutOfMemory::Throw);
   try {
     if (!document.root_->check(text)) return false;
     document.checkRootRules();

@@ -1,6 +1,7 @@
 #include "model/TarnDomDocument.hpp"
 
 #include <cstring>
+#include <typeinfo>
 #include <utility>
 
 #include "IndexingParse.hpp"
@@ -20,7 +21,10 @@
 namespace libtarn {
 namespace model {
 
-TarnDomDocument::TarnDomDocument() : DomDocument(true), factory_(*this) {
+TarnDomDocument::TarnDomDocument() : TarnDomDocument(libDomXml::OutOfMemory::Assert) {}
+
+TarnDomDocument::TarnDomDocument(libDomXml::OutOfMemory outOfMemory)
+    : DomDocument(outOfMemory), factory_(*this) {
   declaration_ = createDocumentDeclaration();
 }
 
@@ -70,6 +74,7 @@ TarnDomElement* TarnDomDocument::reuseDeclaration() {
   }
   if (declaration_->parent()) remove_node(declaration_);
   declaration_->remove_all_attributes();
+  setDeclarationInText();
   return static_cast<TarnDomElement*>(declaration_);
 }
 
@@ -80,14 +85,15 @@ TarnDomElement* TarnDomDocument::reuseRoot(const char* nameEnd) {
   }
   if (root_->parent()) remove_node(root_);
   root_->remove_all_attributes();
+  rootIsInText_ = true;
   return root_;
 }
 
-// A node as the factory would make it, without asking for the memory by way of a virtual function.
+// A node as the factory would make it.
 template <class Element>
 Element* TarnDomDocument::makeNode() {
   static_assert(alignof(Element) <= alignment, "a pool aligns to the size of a pointer");
-  return new (allocate_aligned(sizeof(Element))) Element(this, factory_);
+  return new (allocateObject(sizeof(Element))) Element(this, factory_);
 }
 
 // The first tag of which the name is a beginning decides, so that "manag" is a managed object. The
@@ -133,7 +139,7 @@ TarnDomElement* TarnDomDocument::createTarnElement() {
   const auto isNameCharacter = [](char c) {
     return rapidxml::internal::contains<rapidxml::internal::node_name>(c);
   };
-  const char* const name = parsePosition_;
+  char* const name = parsePosition_;
   if (!name || !isNameCharacter(*name)) {
     throw rapidxml::parse_error("expected element name", parsePosition_);
   }
@@ -146,12 +152,22 @@ TarnDomElement* TarnDomDocument::createTarnElement() {
     element = makeTarnElement(name, size);
   }
   beforeTopLevelNode_ = false;
-  // Spares the parser a second scan of the name.
-  element->rapidxml::xml_base<char>::name(name, size);
+  nameEnd_ = name + size;
   return element;
 }
 
 // Parsing
+
+int TarnDomDocument::parse(const char* text, boost::shared_ptr<libDomXml::IStripper> stripper) {
+  std::unique_ptr<char[]> copy = copyOf(text, stripper.get());
+  leaveTree();
+  return parseInPlaceOfEarlier(std::move(copy));
+}
+
+int TarnDomDocument::parse(std::unique_ptr<char[]> text) {
+  leaveTree();
+  return DomDocument::parse(std::move(text));
+}
 
 void TarnDomDocument::parse(const char* text) {
   TARN_ASSERT(text, "text");
@@ -174,7 +190,7 @@ void TarnDomDocument::takeText(std::vector<char>& text) {
   if (text.empty() || text.back() != '\0') {
     throw rapidxml::parse_error("unexpected end of data", text.data() + text.size());
   }
-  leaveText();
+  leaveTree();
   buffer_.swap(text);
 }
 
@@ -198,6 +214,12 @@ struct TarnDomDocument::Events : rapidxml::parse_events {
   using Node = rapidxml::xml_node<char>;
 
   void before_top_level_node() { document.beforeTopLevelNode_ = true; }
+
+  // Spares the parser a second scan. Names come one behind the other: the end of an earlier one,
+  // when a host's hook did not ask this document for the node, is not behind this one.
+  char* end_of_counted_name(const char* name) const {
+    return document.nameEnd_ > name ? document.nameEnd_ : nullptr;
+  }
 
   void zero_byte() {
     if (indexing) indexing->zeroByte = true;
@@ -225,9 +247,11 @@ void TarnDomDocument::parseDoc(char* text) { parseDoc(text, nullptr); }
 
 void TarnDomDocument::parseDoc(char* text, IndexingParse* indexing) {
   TARN_ASSERT(text, "text");
-  leaveText();
+  leaveTree();
+  setTakesFromPool(typeid(*this) == typeid(TarnDomDocument));
   textStart_ = text;
   parsePosition_ = text;
+  nameEnd_ = text;
   Events events{{}, *this, indexing};
   isParsing_ = true;
   try {
@@ -242,8 +266,10 @@ void TarnDomDocument::parseDoc(char* text, IndexingParse* indexing) {
 }
 
 void TarnDomDocument::moveTextsIntoPool() {
-  declaration_->moveTextsIntoPool();
-  if (root_) root_->moveTextsIntoPool();
+  moveDeclarationIntoPool();
+  if (!rootIsInText_) return;
+  root_->moveTextsIntoPool();
+  rootIsInText_ = false;
 }
 
 // The object was the first to be made of all that is in it.
@@ -251,7 +277,7 @@ void TarnDomDocument::forgetObject(LibTarnManagedObjectImp& object, LibTarnCmDat
                                    const IndexingParse& indexing) {
   if (!indexing.followsRules || !cmData.isAllPlain()) throw IndexingParse::Unknown();
   cmData.remove_node(&object);
-  forget_from(&object);
+  if (takesFromPool()) forget_from(&object);
 }
 
 std::size_t TarnDomDocument::getTextOffset(const rapidxml::parse_error& error) const {
@@ -259,15 +285,14 @@ std::size_t TarnDomDocument::getTextOffset(const rapidxml::parse_error& error) c
 }
 
 // Declaration and root outlive the text of a parse; what hangs below the root goes with it. What a
-// host added before the first parse stays.
-void TarnDomDocument::leaveText() {
-  if (!parsePosition_) return;
-  parsePosition_ = nullptr;
-  if (root_) {
-    root_->remove_all_nodes();
-    root_->rapidxml::xml_base<char>::value(static_cast<const char*>(nullptr), 0);
-  }
+// host added before the first parse stays. Without memory for the texts the elements stay, too.
+void TarnDomDocument::leaveTree() {
+  LibTarnDocumentInternal* const parsed = parsePosition_ ? root_ : nullptr;
+  if (parsed) parsed->rapidxml::xml_base<char>::value(static_cast<const char*>(nullptr), 0);
   moveTextsIntoPool();
+  if (parsed) parsed->remove_all_nodes();
+  remove_all_nodes();
+  parsePosition_ = nullptr;
 }
 
 std::size_t TarnDomDocument::getMemorySize() const {

@@ -226,6 +226,26 @@ TEST(ParserTest, OpenElementsAreLeftDetachedAndWithoutTheBlanksBehindTheirTag) {
 }
 
 // A host's hook may hand out one node for several, which the document links where it does not look.
+TEST(ParserTest, NameOfANodeThatIsUsedAgainIsThatOfTheNewText) {
+  struct Recycling : xml_document<char> {
+    rapidxml::xml_node<char>* allocate_node(rapidxml::node_type type, const char* name,
+                                            const char* value, std::size_t nameSize,
+                                            std::size_t valueSize) override {
+      if (!only) only = xml_document::allocate_node(type, name, value, nameSize, valueSize);
+      return only;
+    }
+    rapidxml::xml_node<char>* only = nullptr;
+  };
+  Recycling document;
+  std::string text = "<longname/>";
+  char* cursor = text.data();
+  document.parse<33>(cursor);
+  text = "<a/>";
+  cursor = text.data();
+  document.parse<33>(cursor);
+  EXPECT_EQ(tarn_test::dump(document), "{a}");
+}
+
 TEST(ParserTest, NodeThatIsLinkedAlreadyIsAnAssertion) {
   struct Repeating : xml_document<char> {
     std::vector<rapidxml::xml_node<char>*> made;

@@ -1,10 +1,13 @@
-// Loaded before a program: lets one of its allocations fail, the one of the number in
-// TARN_FAIL_NEW (operator new) or TARN_FAIL_MAP (mmap), from 1. They count from the program's first
-// call of setlocale(), with which its main() begins: what fails before has nobody to tell it. With
-// TARN_FAULT_FILE that file is made when it has come to that.
+// Loaded before a program: lets one of its allocations fail, the one of the number in TARN_FAIL_NEW
+// (operator new), TARN_FAIL_MALLOC (malloc() and its kin, by others), TARN_FAIL_MAP (mmap) or
+// TARN_FAIL_THREAD (the start of a thread), from 1; with TARN_FAIL_LASTING those that follow it,
+// too. They count from the program's first call of setlocale(), with which its main() begins, or
+// with TARN_FAIL_EARLY from its start. With TARN_FAULT_FILE that file is made when it has come to
+// that.
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -17,6 +20,12 @@ namespace {
 
 std::atomic<bool> armed{false};
 
+// Whether faults count already.
+bool isArmed() {
+  static const bool early = std::getenv("TARN_FAIL_EARLY") != nullptr;
+  return early || armed;
+}
+
 class Fault {
  public:
   explicit Fault(const char* variable) {
@@ -24,9 +33,12 @@ class Fault {
     if (text) left_ = std::atol(text);
   }
 
-  // True for the one call.
+  // True for the one call, and for those behind it when the fault is a lasting one.
   bool happens() {
-    if (!armed || left_ <= 0 || --left_ != 0) return false;
+    if (!isArmed()) return false;
+    if (isLasting_ && hasHappened_) return true;
+    if (left_ <= 0 || --left_ != 0) return false;
+    hasHappened_ = true;
     if (const char* const path = std::getenv("TARN_FAULT_FILE")) {
       close(open(path, O_CREAT | O_WRONLY, 0600));
     }
@@ -35,11 +47,29 @@ class Fault {
 
  private:
   std::atomic<long> left_{0};
+  std::atomic<bool> hasHappened_{false};
+  bool isLasting_ = std::getenv("TARN_FAIL_LASTING") != nullptr;
 };
 
 Fault& newFault() {
   static Fault fault("TARN_FAIL_NEW");
   return fault;
+}
+
+Fault& mallocFault() {
+  static Fault fault("TARN_FAIL_MALLOC");
+  return fault;
+}
+
+Fault& threadFault() {
+  static Fault fault("TARN_FAIL_THREAD");
+  return fault;
+}
+
+bool failsMalloc() {
+  if (!mallocFault().happens()) return false;
+  errno = ENOMEM;
+  return true;
 }
 
 Fault& mapFault() {
@@ -49,8 +79,25 @@ Fault& mapFault() {
 
 }  // namespace
 
+// What the C library's own functions are called beside those that are replaced below.
+extern "C" void* __libc_malloc(std::size_t size);
+extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
+extern "C" void* __libc_realloc(void* memory, std::size_t size);
+
+extern "C" void* malloc(std::size_t size) noexcept {
+  return failsMalloc() ? nullptr : __libc_malloc(size);
+}
+
+extern "C" void* calloc(std::size_t count, std::size_t size) noexcept {
+  return failsMalloc() ? nullptr : __libc_calloc(count, size);
+}
+
+extern "C" void* realloc(void* memory, std::size_t size) noexcept {
+  return failsMalloc() ? nullptr : __libc_realloc(memory, size);
+}
+
 void* operator new(std::size_t size) {
-  void* const memory = newFault().happens() ? nullptr : std::malloc(size != 0 ? size : 1);
+  void* const memory = newFault().happens() ? nullptr : __libc_malloc(size != 0 ? size : 1);
   if (!memory) throw std::bad_alloc();
   return memory;
 }
@@ -79,4 +126,11 @@ extern "C" void* mmap(void* address, std::size_t length, int protection, int fla
     return MAP_FAILED;
   }
   return next(address, length, protection, flags, file, offset);
+}
+
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                              void* (*start)(void*), void* argument) noexcept {
+  using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+  static const auto next = reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"));
+  return threadFault().happens() ? EAGAIN : next(thread, attributes, start, argument);
 }

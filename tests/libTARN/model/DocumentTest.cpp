@@ -510,6 +510,18 @@ TEST_F(DocumentTest, CopyOfAPlainElementHasCopiesOfItsElementsOfTheModel) {
   EXPECT_NE(dynamic_cast<ScalarImp*>(copy->getFirstChild("p")), nullptr);
 }
 
+TEST_F(DocumentTest, ElementIsNoPartOfWhatIsInIt) {
+  parse("<cmData type='plan'/>");
+  List& list = *factory().createList("l");
+  Structure& item = *factory().createStructure();
+  dynamic_cast<StructureImp&>(item).addChild(&dynamic_cast<ListImp&>(list));
+  EXPECT_DEATH(list.addValue(item), "assertion failed: child is no ancestor");
+  auto& container = dynamic_cast<LibTarnManagedObjectImp&>(object("A-1"));
+  auto& inner = *factory().createLibTarnCmData(LibTarnCmData::Type::PLAN);
+  container.addChild(&dynamic_cast<LibTarnCmDataImp&>(inner));
+  EXPECT_DEATH(inner.addLibTarnManagedObject(container), "assertion failed: child is no ancestor");
+}
+
 TEST_F(DocumentTest, CmDataThatIsRemovedIsNoPartOfTheDocument) {
   parse("<cmData type='plan'/><cmData type='actual'/>");
   LibTarnCmData* const second = dynamic_cast<LibTarnCmData*>(cmData_->getNextSiblingElement());

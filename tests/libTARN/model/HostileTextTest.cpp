@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <functional>
+#include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "DomDocument.hpp"
@@ -308,6 +312,49 @@ TEST(HostileTextTest, RootAndDeclarationOutliveATextThatGoesBackToItsOwner) {
   EXPECT_EQ(printed(document), "<?xml a=\"b\"?>\n<tarn e=\"f\"></tarn>\n");
 }
 
+// Bytes that the pool takes for one parse after another.
+std::size_t poolGrowth(TarnDomDocument& dom, const std::function<void()>& parse, int count) {
+  const std::size_t before = dom.pool_size();
+  for (int i = 0; i < count; ++i) parse();
+  return dom.pool_size() - before;
+}
+
+TEST(HostileTextTest, TextsOfDeclarationAndRootAreCopiedOnceHoweverManyParsesFollow) {
+  constexpr std::size_t LONG = std::size_t{1} << 20U;
+  const std::string value(LONG, 'x');
+  for (const std::string& first : {"<?xml a='" + value + "'?><tarn/>", "<tarn a='" + value + "'/>",
+                                   "<tarn a='" + value + "'>" + value, "<?xml a='" + value}) {
+    for (const char* const next : {"<tarn", "<p/>", "", "<", "<?xml", "<tarn/><p>"}) {
+      SCOPED_TRACE(first.substr(0, 8) + " and " + next);
+      CapturedLog log;
+      LibTarnDocument document;
+      TarnDomDocument& dom = *document.getItsTarnDomDocument();
+      document.parse(vectorOf(first), false);
+      EXPECT_LT(poolGrowth(
+                    dom, [&] { document.parse(next, false); }, 10),
+                3 * LONG);
+      EXPECT_EQ(tarn_test::brokenDocument(document), "");
+      libDomXml::DomDocument& plain = dom;
+      const boost::shared_ptr<libDomXml::IStripper> none;
+      EXPECT_LT(poolGrowth(
+                    dom, [&] { plain.parse(next, none); }, 10),
+                LONG);
+    }
+  }
+}
+
+TEST(HostileTextTest, WorstTextTakesTheMemoryThatIsSaid) {
+  constexpr std::size_t MULTIPLE = sizeof(void*) > 4 ? 87 : 50;
+  for (const char* const element : {"<c>", "<m>", "<c/>", "<m/>"}) {
+    CapturedLog log;
+    std::string text = "<tarn>";
+    while (text.size() < std::size_t{1} << 20U) text += element;
+    LibTarnDocument document;
+    document.parse(vectorOf(text), true);
+    EXPECT_LT(document.getMemorySize(), MULTIPLE * text.size()) << element;
+  }
+}
+
 TEST(HostileTextTest, ParsesOfTheDomLayerAreTypedToo) {
   LibTarnDocument document;
   libDomXml::DomDocument& dom = *document.getItsTarnDomDocument();
@@ -319,6 +366,91 @@ TEST(HostileTextTest, ParsesOfTheDomLayerAreTypedToo) {
   touchEverything(document);
   EXPECT_EQ(document.parse("<tarn/>", false), 0);
   EXPECT_EQ(printed(document), "<?xml x=\"1\"?>\n<tarn></tarn>\n");
+}
+
+// A host's own reading of a text, which may refuse it.
+struct Refusing : TarnDomDocument {
+  Refusing() : TarnDomDocument(nullptr, nullptr) {}
+  int rapidParse(char* text) override { return refuses ? 1 : TarnDomDocument::rapidParse(text); }
+  bool refuses = false;
+};
+
+TEST(HostileTextTest, RefusedTextLeavesNothingOverTheTextBefore) {
+  const boost::shared_ptr<libDomXml::IStripper> none;
+  for (const bool isCopied : {false, true}) {
+    SCOPED_TRACE(isCopied);
+    auto* const dom = new Refusing;
+    LibTarnDocument document(dom);
+    libDomXml::DomDocument& plain = *dom;
+    EXPECT_EQ(plain.parse("<?xml a='b'?><tarn x='y'>v<cmData type='plan'/></tarn><p>w</p>", none),
+              0);
+    dom->refuses = true;
+    std::unique_ptr<char[]> text(new char[1]{'\0'});
+    EXPECT_EQ(isCopied ? plain.parse("<tarn/>", none) : plain.parse(std::move(text)), 1);
+    EXPECT_EQ(document.getLibTarnCmData(), nullptr);
+    EXPECT_EQ(plain.getFirstChild("p"), nullptr);
+    EXPECT_EQ(tarn_test::brokenDocument(document), "");
+    EXPECT_EQ(printed(document), "<?xml a=\"b\"?>\n<tarn x=\"y\"></tarn>\n");
+  }
+}
+
+TEST(HostileTextTest, OwnMemoryOfAHostIsAskedForEveryNodeAndAttributeOfAText) {
+  struct CountingMemory : TarnDomDocument {
+    CountingMemory() : TarnDomDocument(nullptr, nullptr) {}
+    void* allocateMemory(unsigned int size) override {
+      ++requests;
+      return TarnDomDocument::allocateMemory(size);
+    }
+    std::size_t requests = 0;
+  };
+  auto* const dom = new CountingMemory;
+  LibTarnDocument document(dom);
+  for (const char* const tag :
+       {"managedObject", "cmData", "header", "log", "list", "p", "item", "extension"}) {
+    std::string text = "<" + std::string(tag) + " x='1' y='2'/>";
+    dom->requests = 0;
+    EXPECT_EQ(dom->rapidParse(text.data()), 0);
+    EXPECT_GE(dom->requests, 3U) << tag;
+  }
+}
+
+TEST(HostileTextTest, CheckForgetsNothingThatIsInOtherMemoryThanThePool) {
+  struct OwnMemory : TarnDomDocument {
+    OwnMemory() : TarnDomDocument(nullptr, nullptr) {}
+    void* allocateMemory(unsigned int size) override {
+      blocks.emplace_back(new char[size]);
+      return blocks.back().get();
+    }
+    std::vector<std::unique_ptr<char[]>> blocks;
+  };
+  auto* const dom = new OwnMemory;
+  LibTarnDocument document(dom);
+  const std::string before = printed(document);
+  std::vector<char> text = vectorOf(
+      "<tarn><cmData type='plan'><header/><managedObject class='C' distName='A-1'/></cmData>"
+      "</tarn>");
+  dom->getRootElement()->check(text);
+  std::memset(dom->allocate_string(nullptr, 256), 'x', 256);
+  EXPECT_EQ(printed(document).substr(0, 40), before.substr(0, 40));
+}
+
+TEST(HostileTextTest, NameOfANodeThatAHostUsesAgainIsThatOfTheNewText) {
+  struct Recycling : TarnDomDocument {
+    Recycling() : TarnDomDocument(nullptr, nullptr) {}
+    TarnDomElement* allocate_node(rapidxml::node_type type, const char* name, const char* value,
+                                  std::size_t nameSize, std::size_t valueSize) override {
+      if (!only) only = TarnDomDocument::allocate_node(type, name, value, nameSize, valueSize);
+      return only;
+    }
+    TarnDomElement* only = nullptr;
+  };
+  auto* const dom = new Recycling;
+  LibTarnDocument document(dom);
+  std::string text = "<managedObject/>";
+  EXPECT_EQ(dom->rapidParse(text.data()), 0);
+  text = "<anything/>";
+  EXPECT_EQ(dom->rapidParse(text.data()), 0);
+  EXPECT_EQ(tarn_test::dump(*dom), "{anything}");
 }
 
 TEST(HostileTextTest, ElementsAddedBeforeTheFirstParseStayAndArePartOfIt) {

@@ -27,12 +27,18 @@ constexpr std::size_t FIRST_CAPACITY = 4;
 
 }  // namespace
 
+// A base, so that it stands where the alignment of the others would leave room.
+struct ArraySize {
+  std::uint32_t capacity : 31;
+  std::uint32_t sorted : 1;
+};
+
 // One array, which is all that most elements need, or a tree. An array that was too small is left
 // to the walks that are in it: its run has no entries and leads to that of the larger one.
 //
 //   | changes | capacity, sorted | run: begin, end, next | condition | tree | entry, entry, ... |
 template <class T>
-struct NamedEntries : EntrySource<ParameterEntry<T>>, EntryRun<ParameterEntry<T>> {
+struct NamedEntries : EntrySource<ParameterEntry<T>>, ArraySize, EntryRun<ParameterEntry<T>> {
   using Entry = ParameterEntry<T>;
   using Order = NameOrder<Entry>;
   using Tree = EntryTree<Entry, Order>;
@@ -144,8 +150,6 @@ struct NamedEntries : EntrySource<ParameterEntry<T>>, EntryRun<ParameterEntry<T>
     return erased;
   }
 
-  std::uint32_t capacity : 31;
-  std::uint32_t sorted : 1;
   const bool* condition = nullptr;  // null: the entries are there without one
   Tree* tree = nullptr;             // instead of the array
 };
