@@ -232,8 +232,8 @@ const std::vector<Work>& works() {
   return all;
 }
 
-// What fails: of the allocations of at least `leastSize` bytes the `number`-th, with so many bytes
-// left in the block of the source's pool.
+// What fails: of the allocations of at least `leastSize` bytes the `number`-th and all behind it,
+// with so many bytes left in the block of the source's pool.
 struct Fault {
   std::size_t number;
   std::size_t leastSize;
@@ -257,7 +257,7 @@ Outcome actWith(const Work& work, const Fault& fault) {
   if (fault.left > 0) source.leave(fault.left);
   Outcome outcome{false, false};
   {
-    const HeapFault heapFault(fault.number, fault.leastSize);
+    const HeapFault heapFault(fault.number, fault.leastSize, HeapFault::Lasts::FROM_THEN_ON);
     try {
       work.act(source, delta);
     } catch (const std::bad_alloc&) {
@@ -306,6 +306,72 @@ TEST(AtomicEditTest, HeapThatEndsAnywhereLeavesEverythingAsItWas) {
   }
 }
 
+// `numbered("A-", 100, 110, ...)` are the objects.
+std::string numbered(const std::string& name, int from, int to, const std::string& operation) {
+  std::string objects;
+  for (int i = from; i < to; ++i) objects += object(name + std::to_string(i), operation, "");
+  return objects;
+}
+
+bool mergeFails(Document& source, Document& delta) {
+  const HeapFault fault(1, BLOCK, HeapFault::Lasts::FROM_THEN_ON);
+  try {
+    EXPECT_TRUE(TarnMerge(source.get()).mergeDocument(delta.get()));
+    return false;
+  } catch (const std::bad_alloc&) {
+    return true;
+  }
+}
+
+// The index may have to take such an object when another one goes.
+TEST(AtomicEditTest, MergeIsTakenBackWithoutMemoryBesideAnObjectThatLostItsName) {
+  int failed = 0;
+  for (unsigned left = 8; left < 30000 && !HasFailure(); left += 400) {
+    SCOPED_TRACE(left);
+    const CapturedLog log;
+    Document source(whole(numbered("A-", 100, 156, "") + object("B-1", "", "")));
+    Document delta(whole(numbered("N-", 100, 160, "create")));
+    stateOf(source.get());
+    source.object("B-1").setDistName("A-100");
+    const std::string before = stateOf(source.get());
+    source.leave(left);
+    if (!mergeFails(source, delta)) continue;
+    ++failed;
+    EXPECT_EQ(stateOf(source.get()), before);
+  }
+  EXPECT_GT(failed, 0);
+}
+
+// One object that goes gives its name back to another one, for which the full leaf of its class is
+// split. The next one that goes finds the pool without memory.
+TEST(AtomicEditTest, ObjectsAreDeletedWithoutMemory) {
+  int deleted = 0;
+  for (unsigned left = 8; left < 8000 && !HasFailure(); left += 8) {
+    SCOPED_TRACE(left);
+    const CapturedLog log;
+    Document source(whole(numbered("C-", 100, 180, "") +
+                          "<managedObject class='Z' distName='A-1'/>"
+                          "<managedObject class='Z' distName='A-2'/>"
+                          "<managedObject class='B' distName='B-1'/>"));
+    Document delta(whole(object("A-1", "delete", "") + object("A-2", "delete", "") +
+                         object("C-100", "update", "<p name='a'>1</p>")));
+    stateOf(source.get());
+    source.object("B-1").setDistName("A-1");
+    auto& factory = source.get().getFactory();
+    source.cmData().addLibTarnManagedObject(
+        *factory.createLibTarnManagedObject("B", "B-2", nullptr));
+    const std::string before = stateOf(source.get());
+    source.leave(left);
+    if (mergeFails(source, delta)) {
+      EXPECT_EQ(stateOf(source.get()), before);
+    } else {
+      EXPECT_FALSE(source.cmData().hasLibTarnManagedObject("A-2"));
+      ++deleted;
+    }
+  }
+  EXPECT_GT(deleted, 0);
+}
+
 // One after the other, so that those before the one that fails stay changed.
 TEST(AtomicEditTest, EachObjectIsChangedByAMaskWhollyOrNotAtAll) {
   int partly = 0;
@@ -337,7 +403,7 @@ TEST(AtomicEditTest, EachObjectIsChangedByAMaskWhollyOrNotAtAll) {
     source.leave(left);
     bool failed = false;
     {
-      HeapFault fault(1, BLOCK);
+      HeapFault fault(1, BLOCK, HeapFault::Lasts::FROM_THEN_ON);
       try {
         source.get().setChangesToMOs(mask, values);
       } catch (const std::bad_alloc&) {

@@ -69,6 +69,9 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   /// Takes the memory that it needs to give a child the name `distName`, or another class with the
   /// name that it has.
   void prepareMoKeys(const LibTarnManagedObjectImp& object, const char* distName);
+  /// As removeLibTarnManagedObject(), but does not throw when there is no memory. A child that lost
+  /// the name then stays out of the index.
+  std::uint8_t removeWithoutMemory(const DistinguishedName& distName);
   /// Throws DuplicateElementException when two children have one name.
   void checkNames() const;
   /// Unlinks every indexed object and empties the index.

@@ -156,9 +156,14 @@ void LibTarnCmDataImp::addLibTarnManagedObject(LibTarnManagedObject& object) {
 }
 
 std::uint8_t LibTarnCmDataImp::removeLibTarnManagedObject(const DistinguishedName& distName) {
+  if (!hasLibTarnManagedObject(distName)) return 2;
+  if (unindexed_) managedObjectIndex_->prepareAdd(distName.getText());
+  return removeWithoutMemory(distName);
+}
+
+std::uint8_t LibTarnCmDataImp::removeWithoutMemory(const DistinguishedName& distName) {
   LibTarnManagedObject* const object = getLibTarnManagedObject(distName);
   if (!object) return 2;
-  if (unindexed_) managedObjectIndex_->prepareAdd(distName.getText());
   const bool wasChild = removeChild(&implementation<LibTarnManagedObjectImp>(*object));
   managedObjectIndex_->remove(object);
   indexUnindexed(textOrEmpty(distName.getText()));

@@ -92,7 +92,7 @@ void UndoLog::addObject(LibTarnCmDataImp& cmData, LibTarnManagedObjectImp& objec
 }
 
 void UndoLog::ObjectAdded::undo() const {
-  if (object->parent() == cmData) cmData->removeLibTarnManagedObject(object->getDistName());
+  if (object->parent() == cmData) cmData->removeWithoutMemory(object->getDistName());
 }
 
 }  // namespace model
