@@ -134,6 +134,17 @@ TEST(AtomicEditTest, MergeThatBreaksARuleHasChangedNothing) {
   }
 }
 
+// A host can write the attribute past the object, which then goes on with what it has read.
+TEST(AtomicEditTest, OperationThatWasNotReadIsNotReadWhenAMergeIsTakenBack) {
+  Document source(whole(object("A-1", "", "")));
+  Document delta(whole(object("A-1", "", "") + object("Z-1", "create", BROKEN_COPIES[0])));
+  auto& written = dynamic_cast<LibTarnManagedObjectImp&>(delta.object("A-1"));
+  written.setAttribute("operation", "delete");
+  EXPECT_THROW(TarnMerge(source.get()).mergeDocument(delta.get()), exceptions::ModelException);
+  EXPECT_TRUE(written.getOperation() == LibTarnManagedObject::Operation::AUTO);
+  EXPECT_STREQ(written.getAttribute("operation"), "delete");
+}
+
 TEST(AtomicEditTest, UpdateThatBreaksARuleHasChangedNothing) {
   // A list and an extension that cannot be copied, behind others that can.
   for (const char* const broken : {BROKEN_COPIES[3], BROKEN_COPIES[4]}) {

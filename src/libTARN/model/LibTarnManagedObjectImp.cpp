@@ -406,14 +406,6 @@ rapidxml::xml_attribute<char>* LibTarnManagedObjectImp::findOperationAttribute()
   return first_attribute(OPERATION_ATTRIBUTE, sizeof(OPERATION_ATTRIBUTE) - 1);
 }
 
-void LibTarnManagedObjectImp::readOperationAgain() {
-  if (operation_.isKnown()) {
-    operation_.initialize();
-  } else {
-    operation_.forget();
-  }
-}
-
 bool LibTarnManagedObjectImp::indexParsed(IndexingParse& parse, const bool& condition) {
   if (hasOperation() && !operation_.isKnown()) return false;
   const std::string_view kind = attributeText(*this, CLASS_ATTRIBUTE);
