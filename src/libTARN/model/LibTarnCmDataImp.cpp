@@ -222,15 +222,15 @@ bool LibTarnCmDataImp::isIndexed(const LibTarnManagedObjectImp& object) const {
   return getLibTarnManagedObject(nameOf(object)) == &object;
 }
 
-// A child that lost that name gets it back. Without memory it stays as it is: what freed the name
-// has been done.
+// A child that lost that name gets it back. When the index cannot take it, it stays as it is: what
+// freed the name has been done.
 void LibTarnCmDataImp::indexUnindexed(const char* distName) {
   for (Unindexed* each = unindexed_; each; each = each->next) {
     if (!each->object || each->object->parent() != this) continue;
     if (std::strcmp(nameOf(*each->object).getText(), distName) != 0) continue;
     try {
       if (managedObjectIndex_->add(each->object)) each->object = nullptr;
-    } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch)
+    } catch (...) {  // NOLINT(bugprone-empty-catch)
     }
     return;
   }
