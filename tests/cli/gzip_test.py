@@ -3,15 +3,15 @@
 
 import gzip
 import os
-import subprocess
 import sys
 import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "support"))
-from command_case import TARN, CommandCase, document, main, managed_object, tarn  # noqa: E402
+from command_case import (TARN, CommandCase, document, has_zlib, main,  # noqa: E402
+                          managed_object, tarn)
 
 GOOD = document(managed_object("A-1", body="<p name='x'>1</p>"))
-HAS_ZLIB = b"libz.so" in subprocess.run(["ldd", TARN], stdout=subprocess.PIPE, check=False).stdout
+HAS_ZLIB = has_zlib(TARN)
 
 
 @unittest.skipUnless(HAS_ZLIB, "the command is built without zlib")

@@ -9,13 +9,27 @@ namespace {
 std::atomic<std::size_t> allocations{0};
 std::atomic<std::size_t> blocks{0};
 
-// Calls until the one that fails; 0 for none to come.
-thread_local std::size_t callsToFault = 0;
+// The fault to come or, once it has happened, to go on.
+thread_local std::size_t callsBeforeFault = 0;
 thread_local std::size_t leastSizeOfFault = 0;
+thread_local bool isFaultSet = false;
+thread_local bool faultLasts = false;
+thread_local bool faultHappened = false;
+
+bool mustFail(std::size_t size) {
+  if (!isFaultSet || size < leastSizeOfFault) return false;
+  if (faultHappened) return faultLasts;
+  if (callsBeforeFault > 0) {
+    --callsBeforeFault;
+    return false;
+  }
+  faultHappened = true;
+  return true;
+}
 
 void* allocate(std::size_t size) {
   ++allocations;
-  if (callsToFault > 0 && size >= leastSizeOfFault && --callsToFault == 0) return nullptr;
+  if (mustFail(size)) return nullptr;
   void* const memory = std::malloc(size != 0 ? size : 1);
   if (memory) ++blocks;
   return memory;
@@ -34,14 +48,17 @@ std::size_t heapAllocations() { return allocations; }
 
 std::size_t heapBlocks() { return blocks; }
 
-HeapFault::HeapFault(std::size_t number, std::size_t leastSize) {
-  callsToFault = number;
+HeapFault::HeapFault(std::size_t number, std::size_t leastSize, Lasts lasts) {
+  callsBeforeFault = number - 1;
   leastSizeOfFault = leastSize;
+  faultLasts = lasts == Lasts::FROM_THEN_ON;
+  faultHappened = false;
+  isFaultSet = true;
 }
 
-HeapFault::~HeapFault() { callsToFault = 0; }
+HeapFault::~HeapFault() { isFaultSet = false; }
 
-bool HeapFault::happened() const { return callsToFault == 0; }
+bool HeapFault::happened() const { return faultHappened; }
 
 }  // namespace tarn_test
 

@@ -10,12 +10,14 @@ std::size_t heapAllocations();
 /// What operator new has given and operator delete has not got back.
 std::size_t heapBlocks();
 
-/// Lets one call of operator new on this thread throw std::bad_alloc, or give null where that is
-/// what it does: of those for at least `leastSize` bytes the `number`-th from now on, from 1. One
-/// at a time.
+/// Lets a call of operator new on this thread throw std::bad_alloc, or give null where that is what
+/// it does: of those for at least `leastSize` bytes the `number`-th from now on, from 1. Either
+/// that one only, or it and all that follow, as when memory has ended. One fault at a time.
 class HeapFault {
  public:
-  explicit HeapFault(std::size_t number, std::size_t leastSize = 0);
+  enum class Lasts { ONCE, FROM_THEN_ON };
+
+  explicit HeapFault(std::size_t number, std::size_t leastSize = 0, Lasts lasts = Lasts::ONCE);
   ~HeapFault();
   HeapFault(const HeapFault&) = delete;
   HeapFault& operator=(const HeapFault&) = delete;

@@ -67,8 +67,10 @@ class TARN_API EnumeratedAttribute {
     element_->removeAttribute(name_);
   }
 
-  /// Forgets the value and leaves the attribute as it is.
-  void forget() { cached_.reset(); }
+  /// The value last read or written, if any.
+  const std::optional<util::Enum<T>>& getKept() const { return cached_; }
+  /// Keeps `value` and leaves the attribute as it is.
+  void setKept(const std::optional<util::Enum<T>>& value) { cached_ = value; }
 
   /// Whether a value has been read or written.
   bool hasValue() const { return cached_.has_value(); }

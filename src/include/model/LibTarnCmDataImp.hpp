@@ -19,7 +19,10 @@ namespace model {
 
 namespace indexation {
 class ITarnIndexFactory;
-}
+template <class Order>
+class ObjectView;
+struct SharedKeyOrder;
+}  // namespace indexation
 
 struct IndexingParse;
 class LibTarnHeaderImp;
@@ -69,6 +72,9 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   /// Takes the memory that it needs to give a child the name `distName`, or another class with the
   /// name that it has.
   void prepareMoKeys(const LibTarnManagedObjectImp& object, const char* distName);
+  /// As removeLibTarnManagedObject(), but does not throw when there is no memory. A child that lost
+  /// the name then stays out of the index.
+  std::uint8_t removeWithoutMemory(const DistinguishedName& distName);
   /// Throws DuplicateElementException when two children have one name.
   void checkNames() const;
   /// Unlinks every indexed object and empties the index.
@@ -93,17 +99,16 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
 
  private:
-  // A child that lost its name to another one. The pool keeps the records.
-  struct Unindexed {
-    LibTarnManagedObjectImp* object;  // null: the record is free
-    Unindexed* next;
-  };
+  using Unindexed = indexation::ObjectView<indexation::SharedKeyOrder>;
 
   bool isIndexed(const LibTarnManagedObjectImp& object) const;
+  template <class Predicate>
+  indexation::ManagedObjectEntry findUnindexed(const char* distName, Predicate isIt) const;
+  indexation::ManagedObjectEntry findChildThatLost(const char* distName) const;
   void indexUnindexed(const char* distName);
   void prepareUnindexed();
   void rememberUnindexed(LibTarnManagedObjectImp& object);
-  void forgetUnindexed(const LibTarnManagedObjectImp& object);
+  void forgetUnindexed(const LibTarnManagedObjectImp& object, const char* distName);
   // A part of a row.
   struct Part {
     std::uint32_t begin = 0;
@@ -118,8 +123,8 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   const indexation::ITarnIndexFactory* indexFactory_;
   indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* managedObjectIndex_;
   util::TarnFactory& factory_;
-  Unindexed* unindexed_ = nullptr;
-  bool allPlain_ = true;  // of the children parsed so far
+  Unindexed* unindexed_ = nullptr;  // children that lost their names to others, by these names
+  bool allPlain_ = true;            // of the children parsed so far
   bool parsedInEffect_ = false;
   bool hasOneParsedHeader_ = false;
   bool hasManyParsedHeaders_ = false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "TarnApi.hpp"
@@ -94,9 +95,13 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
   rapidxml::xml_attribute<char>* findOperationAttribute() const;
   /// Reads the operation, which must be there and known.
   void initializeOperation() { operation_.initialize(); }
-  /// Reads the operation after the attribute was given another text; one that is unknown counts as
-  /// none.
-  void readOperationAgain();
+  /// The operation last read or written, if any; it can be set without a change of the attribute.
+  const std::optional<util::Enum<Operation>>& getKeptOperation() const {
+    return operation_.getKept();
+  }
+  void setKeptOperation(const std::optional<util::Enum<Operation>>& operation) {
+    operation_.setKept(operation);
+  }
   /// Puts a detached parameter of this document in place of the one of its name, as the last child.
   void putParameter(Scalar& parameter, UndoLog& log);
   void putParameter(List& parameter, UndoLog& log);

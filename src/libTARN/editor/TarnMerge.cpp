@@ -175,9 +175,7 @@ class Changes {
 
   /// What cannot fail.
   void finish() {
-    for (const DistinguishedName& distName : deleted_) {
-      source_.removeLibTarnManagedObject(distName);
-    }
+    for (const DistinguishedName& distName : deleted_) source_.removeWithoutMemory(distName);
     if (header_) header_->truncate();
     log_.keep();
   }

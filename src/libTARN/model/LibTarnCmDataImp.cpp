@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <new>
+#include <map>
 #include <string_view>
 #include <vector>
 
@@ -13,6 +13,7 @@
 #include "StagedAttribute.hpp"
 #include "attributeNames.hpp"
 #include "indexChildren.hpp"
+#include "indexation/ObjectView.hpp"
 #include "model/LibTarnHeaderImp.hpp"
 #include "model/LibTarnManagedObjectImp.hpp"
 #include "model/TypedChildren.hpp"
@@ -160,9 +161,16 @@ void LibTarnCmDataImp::addLibTarnManagedObject(LibTarnManagedObject& object) {
 }
 
 std::uint8_t LibTarnCmDataImp::removeLibTarnManagedObject(const DistinguishedName& distName) {
+  if (!hasLibTarnManagedObject(distName)) return 2;
+  if (findChildThatLost(textOrEmpty(distName.getText())).object) {
+    managedObjectIndex_->prepareAdd(distName.getText());
+  }
+  return removeWithoutMemory(distName);
+}
+
+std::uint8_t LibTarnCmDataImp::removeWithoutMemory(const DistinguishedName& distName) {
   LibTarnManagedObject* const object = getLibTarnManagedObject(distName);
   if (!object) return 2;
-  if (unindexed_) managedObjectIndex_->prepareAdd(distName.getText());
   const bool wasChild = removeChild(&implementation<LibTarnManagedObjectImp>(*object));
   managedObjectIndex_->remove(object);
   indexUnindexed(textOrEmpty(distName.getText()));
@@ -208,7 +216,7 @@ void LibTarnCmDataImp::setMoAttributes(LibTarnManagedObjectImp& object,
     if (wasIndexed) managedObjectIndex_->add(&object);
     throw;
   }
-  forgetUnindexed(object);
+  if (!wasIndexed) forgetUnindexed(object, earlierName);
   if (!isAdded) rememberUnindexed(object);
   if (wasIndexed) indexUnindexed(earlierName);
   if (!isAdded) {
@@ -221,46 +229,74 @@ bool LibTarnCmDataImp::isIndexed(const LibTarnManagedObjectImp& object) const {
   return getLibTarnManagedObject(nameOf(object)) == &object;
 }
 
-// A child that lost that name gets it back. Without memory it stays as it is: what freed the name
-// has been done.
+// A host can unlink or rename a child past this element: its entry then stays, and each use looks
+// at the child itself. Gives an entry without object when there is none.
+template <class Predicate>
+indexation::ManagedObjectEntry LibTarnCmDataImp::findUnindexed(const char* distName,
+                                                               Predicate isIt) const {
+  indexation::ManagedObjectEntry key{distName, nullptr, 0};
+  while (unindexed_) {
+    const indexation::ManagedObjectEntry* const entry = unindexed_->place(key).entry;
+    if (!entry || std::strcmp(entry->key, distName) != 0) break;
+    if (isIt(implementation<LibTarnManagedObjectImp>(*entry->object))) return *entry;
+    key.serial = entry->serial + 1;
+  }
+  return {};
+}
+
+indexation::ManagedObjectEntry LibTarnCmDataImp::findChildThatLost(const char* distName) const {
+  return findUnindexed(distName, [this, distName](const LibTarnManagedObjectImp& object) {
+    return object.parent() == this && std::strcmp(nameOf(object).getText(), distName) == 0;
+  });
+}
+
+// A child that lost that name gets it back. When the index cannot take it, it stays as it is: what
+// freed the name has been done.
 void LibTarnCmDataImp::indexUnindexed(const char* distName) {
-  for (Unindexed* each = unindexed_; each; each = each->next) {
-    if (!each->object || each->object->parent() != this) continue;
-    if (std::strcmp(nameOf(*each->object).getText(), distName) != 0) continue;
-    try {
-      if (managedObjectIndex_->add(each->object)) each->object = nullptr;
-    } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch)
-    }
-    return;
+  const indexation::ManagedObjectEntry entry = findChildThatLost(distName);
+  if (!entry.object) return;
+  try {
+    if (managedObjectIndex_->add(entry.object)) unindexed_->erase(entry);
+  } catch (...) {  // NOLINT(bugprone-empty-catch)
   }
 }
 
 void LibTarnCmDataImp::prepareUnindexed() {
-  for (const Unindexed* each = unindexed_; each; each = each->next) {
-    if (!each->object) return;
+  if (!unindexed_) {
+    void* const memory = domFactory_.allocateObject(sizeof(Unindexed));
+    unindexed_ = new (memory) Unindexed(domFactory_.getMemoryPool());
   }
-  unindexed_ = new (domFactory_.allocateObject(sizeof(Unindexed))) Unindexed{nullptr, unindexed_};
+  unindexed_->prepareAdd();
 }
 
 void LibTarnCmDataImp::rememberUnindexed(LibTarnManagedObjectImp& object) {
   prepareUnindexed();
-  Unindexed* free = unindexed_;
-  while (free->object) free = free->next;
-  free->object = &object;
+  // Each add() is a change, so that the numbers differ and grow.
+  unindexed_->add({nameOf(object).getText(), &object, unindexed_->changes});
 }
 
-void LibTarnCmDataImp::forgetUnindexed(const LibTarnManagedObjectImp& object) {
-  for (Unindexed* each = unindexed_; each; each = each->next) {
-    if (each->object == &object) each->object = nullptr;
-  }
+void LibTarnCmDataImp::forgetUnindexed(const LibTarnManagedObjectImp& object,
+                                       const char* distName) {
+  const indexation::ManagedObjectEntry entry = findUnindexed(
+      distName, [&object](const LibTarnManagedObjectImp& each) { return &each == &object; });
+  if (entry.object) unindexed_->erase(entry);
 }
 
+// The one that has the name in the index may be no child any more.
 void LibTarnCmDataImp::checkNames() const {
-  for (const Unindexed* each = unindexed_; each; each = each->next) {
-    if (!each->object || each->object->parent() != this || isIndexed(*each->object)) continue;
+  if (!unindexed_) return;
+  std::map<std::string_view, const LibTarnManagedObject*> children;
+  for (const LibTarnManagedObject* each : unindexed_->unfollowed()) {
+    const auto& object = implementation<LibTarnManagedObjectImp>(*each);
+    if (object.parent() != this || isIndexed(object)) continue;
+    const DistinguishedName distName = nameOf(object);
+    const auto* const holder = elementCast<LibTarnManagedObjectImp>(
+        static_cast<const LibTarnManagedObject*>(getLibTarnManagedObject(distName)));
+    const LibTarnManagedObject* const child =
+        children.emplace(distName.getText(), &object).first->second;
+    if (child == &object && !(holder && holder->parent() == this)) continue;
     throw exceptions::DuplicateElementException::instance(LibTarnManagedObject::TAG_NAME, TAG_NAME,
-                                                          DistinguishedName::ATTR_NAME,
-                                                          nameOf(*each->object));
+                                                          DistinguishedName::ATTR_NAME, distName);
   }
 }
 
@@ -268,9 +304,11 @@ void LibTarnCmDataImp::removeAllLibTarnManagedObjects() {
   for (LibTarnManagedObject* object : getLibTarnManagedObjects()) {
     removeChild(&implementation<LibTarnManagedObjectImp>(*object));
   }
-  for (Unindexed* each = unindexed_; each; each = each->next) {
-    if (each->object) removeChild(each->object);
-    each->object = nullptr;
+  if (unindexed_) {
+    for (LibTarnManagedObject* object : unindexed_->unfollowed()) {
+      removeChild(&implementation<LibTarnManagedObjectImp>(*object));
+    }
+    unindexed_->clear();
   }
   managedObjectIndex_->clear();
 }

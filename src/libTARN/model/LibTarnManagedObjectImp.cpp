@@ -313,8 +313,9 @@ bool LibTarnManagedObjectImp::change(const LibTarnManagedObject& pattern,
 void LibTarnManagedObjectImp::stageAttributes(const LibTarnManagedObject& pattern,
                                               const LibTarnManagedObject& values,
                                               StagedAttributes& attributes) {
+  // The object keeps its place among those of its class when it stays in it.
   const char* const className = values.getClass();
-  if (className && !isWildcard(className)) {
+  if (className && !isWildcard(className) && !isSameText(className, getClass())) {
     attributes.className.emplace(*this, CLASS_ATTRIBUTE, className);
   }
   const char* const version = values.getVersion();
@@ -403,14 +404,6 @@ bool LibTarnManagedObjectImp::hasOperation() const {
 
 rapidxml::xml_attribute<char>* LibTarnManagedObjectImp::findOperationAttribute() const {
   return first_attribute(OPERATION_ATTRIBUTE, sizeof(OPERATION_ATTRIBUTE) - 1);
-}
-
-void LibTarnManagedObjectImp::readOperationAgain() {
-  if (operation_.isKnown()) {
-    operation_.initialize();
-  } else {
-    operation_.forget();
-  }
 }
 
 bool LibTarnManagedObjectImp::indexParsed(IndexingParse& parse, const bool& condition) {

@@ -34,14 +34,14 @@ void UndoLog::setOperation(LibTarnManagedObjectImp& object,
                            LibTarnManagedObject::Operation operation) {
   auto* const attribute = object.findOperationAttribute();
   edits_.emplace_back(OperationSet{&object, attribute, attribute ? attribute->value() : nullptr,
-                                   attribute ? attribute->value_size() : 0});
+                                   attribute ? attribute->value_size() : 0,
+                                   object.getKeptOperation()});
   object.setOperation(operation);
 }
 
 void UndoLog::OperationSet::undo() const {
-  if (!attribute) return object->clearOperation();
-  attribute->value(text, size);
-  object->readOperationAgain();
+  attribute ? attribute->value(text, size) : object->clearOperation();
+  object->setKeptOperation(kept);
 }
 
 void UndoLog::append(libDomXml::DomElement& parent, libDomXml::DomElement& child) {
@@ -92,7 +92,7 @@ void UndoLog::addObject(LibTarnCmDataImp& cmData, LibTarnManagedObjectImp& objec
 }
 
 void UndoLog::ObjectAdded::undo() const {
-  if (object->parent() == cmData) cmData->removeLibTarnManagedObject(object->getDistName());
+  if (object->parent() == cmData) cmData->removeWithoutMemory(object->getDistName());
 }
 
 }  // namespace model

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <variant>
 #include <vector>
 
@@ -59,6 +60,7 @@ class UndoLog {
     rapidxml::xml_attribute<char>* attribute;  // null: there was none
     char* text;
     std::size_t size;
+    std::optional<util::Enum<LibTarnManagedObject::Operation>> kept;
     void undo() const;
   };
   struct ChildAppended {

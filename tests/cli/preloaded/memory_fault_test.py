@@ -12,7 +12,8 @@ import sys
 import tempfile
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
-from command_case import CommandCase, document, main, managed_object, run  # noqa: E402
+from command_case import (CommandCase, document, has_zlib, main,  # noqa: E402
+                          managed_object, run)
 
 TARN = sys.argv[1]
 FAILING_MEMORY = sys.argv[2]
@@ -38,6 +39,8 @@ COMMANDS = {
     "compressed": ["print", "{packed}", "-o", "{made}"],
     "unknown option": ["check", "{}", "--unknown"],
 }
+if not has_zlib(TARN):
+    del COMMANDS["compressed"]
 FILES = {"document.xml": SOURCE, "delta.xml": DELTA, "conflict.xml": CONFLICT,
          "broken.xml": SOURCE[:-1]}
 

@@ -19,6 +19,12 @@ def tarn(*arguments, **options):
     return run(TARN, *arguments, **options)
 
 
+def has_zlib(command):
+    """Whether the command, a native program, reads and writes compressed files."""
+    return b"libz.so" in subprocess.run(["ldd", command], stdout=subprocess.PIPE,
+                                        check=False).stdout
+
+
 def document(body, header="<header/>", kind="plan"):
     """A document whose cmData holds a header and `body`, as the printer writes none."""
     return (f'<tarn xmlns="tarn21.xsd" version="2.1"><cmData type="{kind}">{header}{body}'

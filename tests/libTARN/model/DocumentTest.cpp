@@ -406,6 +406,48 @@ TEST_F(DocumentTest, RenamingAnObjectThatTookANameLeavesTheOtherOneInTheIndex) {
   EXPECT_EQ(cmData_->getFirstChildElement("managedObject"), nullptr);
 }
 
+TEST_F(DocumentTest, ObjectsThatTookOneNameGetItInTheOrderInWhichTheyTookIt) {
+  constexpr int TAKERS = 200;
+  std::string text = "<cmData type='actual'><header/><managedObject distName='B-1' class='C'/>";
+  for (int i = 0; i < TAKERS; ++i) {
+    text += "<managedObject distName='A-" + std::to_string(i) + "' class='C'/>";
+  }
+  parseValid(text + "</cmData>");
+  std::vector<LibTarnManagedObject*> takers;
+  for (int i = 0; i < TAKERS; ++i) {
+    takers.push_back(cmData_->getLibTarnManagedObject(("A-" + std::to_string(i)).c_str()));
+    EXPECT_EQ(takers.back()->setDistName("B-1"), 0);
+  }
+  EXPECT_EQ(cmData_->getManagedObjectNumber(), 1U);
+  // One that goes on to another name wants this one no more.
+  EXPECT_EQ(takers[7]->setDistName("D-1"), 0);
+  takers.erase(takers.begin() + 7);
+  for (LibTarnManagedObject* const taker : takers) {
+    EXPECT_EQ(document_.validate(), 2);
+    EXPECT_EQ(cmData_->removeLibTarnManagedObject("B-1"), 0);
+    EXPECT_EQ(cmData_->getLibTarnManagedObject("B-1"), taker);
+  }
+  EXPECT_EQ(document_.validate(), 0);
+  EXPECT_EQ(tarn_test::brokenDocument(document_), "");
+}
+
+TEST_F(DocumentTest, NameThatOnlyOneChildHasIsNoDuplicate) {
+  parseValid(
+      "<cmData type='actual'><header/><managedObject distName='A-1' class='C'/>"
+      "<managedObject distName='B-1' class='C'/></cmData>");
+  LibTarnManagedObject* const holder = cmData_->getLibTarnManagedObject("B-1");
+  EXPECT_EQ(cmData_->getLibTarnManagedObject("A-1")->setDistName("B-1"), 0);
+  EXPECT_EQ(document_.validate(), 2);
+  // The index is not told.
+  holder->removeThisElement();
+  EXPECT_EQ(document_.validate(), 0);
+  // Two that the index does not have are two.
+  LibTarnManagedObject& added = object("C-1");
+  cmData_->addLibTarnManagedObject(added);
+  EXPECT_EQ(added.setDistName("B-1"), 0);
+  EXPECT_EQ(document_.validate(), 2);
+}
+
 TEST_F(DocumentTest, NameOfAnObjectElsewhereIsJustSet) {
   parse("<cmData type='plan'><extension><managedObject distName='A-1'/></extension></cmData>");
   LibTarnManagedObject& detached = object("A-1");

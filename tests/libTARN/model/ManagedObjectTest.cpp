@@ -410,6 +410,17 @@ TEST_F(ManagedObjectTest, ChangeOfClassMovesTheObjectInTheIndex) {
   EXPECT_STREQ(object.getClass(), "D");
 }
 
+TEST_F(ManagedObjectTest, ChangeToTheSameClassKeepsTheOrderOfTheClass) {
+  LibTarnManagedObjectImp& object =
+      parsed("<managedObject class='C' distName='A-1'/><managedObject class='C' distName='A-2'/>");
+  const LibTarnCmData& cmData = *documents_.back()->getLibTarnCmData();
+  EXPECT_FALSE(cmData.getLibTarnManagedObjectsByClass("C").empty());
+  EXPECT_TRUE(object.change(parsed("<managedObject class='C'/>"),
+                            parsed("<managedObject class='C' version='2' distName='_-_'/>")));
+  EXPECT_STREQ(object.getVersion(), "2");
+  EXPECT_EQ(*cmData.getLibTarnManagedObjectsByClass("C").begin(), &object);
+}
+
 TEST_F(ManagedObjectTest, ChangeWithItselfChangesAndLosesNothing) {
   LibTarnManagedObjectImp& object = parsed(
       "<managedObject class='C' distName='A-1/B-2'><p name='x'>1</p><list "

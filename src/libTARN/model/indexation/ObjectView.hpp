@@ -1,11 +1,28 @@
 #pragma once
 
 #include "EntryTree.hpp"
+#include "model/indexation/CharComparePredicate.hpp"
 #include "model/indexation/TarnCollection.hpp"
 
 namespace libtarn {
 namespace model {
 namespace indexation {
+
+/// No two entries of one key.
+struct UniqueKeyOrder {
+  static int compare(const ManagedObjectEntry& a, const ManagedObjectEntry& b) {
+    return CharComparePredicate::compare(a.key, b.key);
+  }
+};
+
+/// Equal keys in the order of insertion.
+struct SharedKeyOrder {
+  static int compare(const ManagedObjectEntry& a, const ManagedObjectEntry& b) {
+    const int order = CharComparePredicate::compare(a.key, b.key);
+    if (order != 0 || a.serial == b.serial) return order;
+    return a.serial < b.serial ? -1 : 1;
+  }
+};
 
 /// Managed objects in one order, which walks can follow while it changes.
 class FollowedView : public EntrySource<ManagedObjectEntry> {

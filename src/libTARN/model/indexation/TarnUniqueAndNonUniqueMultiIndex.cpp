@@ -12,21 +12,6 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
-struct UniqueKeyOrder {
-  static int compare(const ManagedObjectEntry& a, const ManagedObjectEntry& b) {
-    return CharComparePredicate::compare(a.key, b.key);
-  }
-};
-
-// Equal keys in the order of insertion.
-struct SharedKeyOrder {
-  static int compare(const ManagedObjectEntry& a, const ManagedObjectEntry& b) {
-    const int order = CharComparePredicate::compare(a.key, b.key);
-    if (order != 0 || a.serial == b.serial) return order;
-    return a.serial < b.serial ? -1 : 1;
-  }
-};
-
 template <>
 EntryPlace<ManagedObjectEntry> placeOf(const EntrySource<ManagedObjectEntry>& source,
                                        const ManagedObjectEntry& entry) {

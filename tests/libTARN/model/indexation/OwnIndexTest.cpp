@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <deque>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,7 @@ class ObjectVector : public ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObje
   using Entry = ManagedObjectEntry;
 
   bool add(LibTarnManagedObject* object) override {
+    if (addsUntilFault > 0 && --addsUntilFault == 0) throw std::runtime_error("full");
     const char* const name = textOf(object->getDistName().getText());
     if (findUniqueElement(name)) return false;
     entries_.push_back({name, object, serial_++});
@@ -56,6 +58,8 @@ class ObjectVector : public ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObje
   std::size_t size() const override { return entries_.size(); }
   void clear() override { entries_.clear(); }
 
+  int addsUntilFault = 0;  // 0: there is none
+
  private:
   std::vector<Entry>::iterator find(const char* key) {
     return std::find_if(entries_.begin(), entries_.end(),
@@ -82,6 +86,7 @@ class OwnFactory : public TarnIndexFactory {
       const override {
     return &indexes_.emplace_back();
   }
+  ObjectVector& last() { return indexes_.back(); }
 
  private:
   mutable std::deque<ObjectVector> indexes_;
@@ -141,6 +146,30 @@ TEST(OwnIndexTest, DocumentAnswersAsWithTheIndexesOfTheLibrary) {
   LibTarnDocument withOwn(new TarnDomDocument(nullptr, &own));
   LibTarnDocument usual;
   EXPECT_EQ(answersOf(withOwn), answersOf(usual));
+}
+
+// The second add is that of the object that gets the name back.
+TEST(OwnIndexTest, ChangeIsMadeWhollyWhenANameThatItFreesCannotBeIndexed) {
+  const tarn_test::CapturedLog log;
+  libDomXml::DomDocument memory(false);
+  OwnFactory own(memory);
+  LibTarnDocument document(new TarnDomDocument(nullptr, &own));
+  ASSERT_EQ(document.parse(text("<managedObject class='C' distName='A-1'/>"
+                                "<managedObject class='C' distName='A-2'/>")
+                               .c_str(),
+                           false),
+            0);
+  LibTarnManagedObject& object = *document.getLibTarnCmData()->getLibTarnManagedObject("A-1");
+  document.getLibTarnCmData()->getLibTarnManagedObject("A-2")->setDistName("A-1");
+  auto& factory = document.getFactory();
+  LibTarnManagedObject& mask = *factory.createLibTarnManagedObject("C", "A-1", "#");
+  LibTarnManagedObject& values = *factory.createLibTarnManagedObject("D", "B-1", "2");
+  values.addParameter(*factory.createScalar("a", "1"));
+  own.last().addsUntilFault = 2;
+  EXPECT_TRUE(object.change(mask, values));
+  EXPECT_EQ(own.last().addsUntilFault, 0);
+  EXPECT_EQ(document.getLibTarnCmData()->getLibTarnManagedObject("B-1"), &object);
+  EXPECT_TRUE(object.hasScalarParameter("a"));
 }
 
 }  // namespace
