@@ -14,10 +14,10 @@
 #include <filesystem>
 #include <mutex>
 #include <new>
+#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 #include "CommandError.hpp"
 
@@ -32,19 +32,26 @@ namespace {
 constexpr const char* STANDARD_INPUT = "-";
 constexpr std::string_view FORMER_MARK = " (deleted)";
 
-std::mutex formerPathsMutex;
-std::vector<std::string> formerPaths;
+std::mutex pathsMutex;
+std::set<std::string> readPaths;
+std::set<std::string> formerPaths;  // those of them that were no longer there
 
 // The kernel marks the path of an open file that is no longer there.
-void rememberFormerPath(int descriptor) {
+bool isMarked(const std::string& path) {
+  return path.size() > FORMER_MARK.size() &&
+         path.compare(path.size() - FORMER_MARK.size(), FORMER_MARK.size(), FORMER_MARK) == 0;
+}
+
+void rememberPath(int descriptor) {
   std::error_code ignored;
-  const std::string path =
+  std::string path =
       std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), ignored);
-  if (path.size() <= FORMER_MARK.size()) return;
-  const std::size_t size = path.size() - FORMER_MARK.size();
-  if (path.compare(size, FORMER_MARK.size(), FORMER_MARK) != 0) return;
-  const std::lock_guard<std::mutex> lock(formerPathsMutex);
-  formerPaths.push_back(path.substr(0, size));
+  const std::lock_guard<std::mutex> lock(pathsMutex);
+  if (isMarked(path)) {
+    path.resize(path.size() - FORMER_MARK.size());
+    formerPaths.insert(path);
+  }
+  readPaths.insert(path);
 }
 
 #ifdef TARN_WITH_ZLIB
@@ -137,7 +144,7 @@ InputFile::InputFile(const std::string& path) : path_(path) {
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) throwFileError(path_, errno);
   if (S_ISDIR(status.st_mode)) throwFileError(path_, EISDIR);
-  if (S_ISREG(status.st_mode)) rememberFormerPath(descriptor);
+  if (S_ISREG(status.st_mode)) rememberPath(descriptor);
   // Standard input may stand anywhere in its file.
   isSeekable_ = S_ISREG(status.st_mode) && path != STANDARD_INPUT;
   if (isSeekable_) size_ = static_cast<std::uint64_t>(status.st_size);
@@ -145,9 +152,14 @@ InputFile::InputFile(const std::string& path) : path_(path) {
 
 InputFile::~InputFile() = default;
 
+bool InputFile::hasReadFileAt(const std::string& path) {
+  const std::lock_guard<std::mutex> lock(pathsMutex);
+  return readPaths.count(path) == 1;
+}
+
 bool InputFile::hasReadFormerFileAt(const std::string& path) {
-  const std::lock_guard<std::mutex> lock(formerPathsMutex);
-  return std::find(formerPaths.begin(), formerPaths.end(), path) != formerPaths.end();
+  const std::lock_guard<std::mutex> lock(pathsMutex);
+  return formerPaths.count(path) == 1;
 }
 
 }  // namespace tarn
