@@ -42,12 +42,19 @@ bool isMarked(const std::string& path) {
          path.compare(path.size() - FORMER_MARK.size(), FORMER_MARK.size(), FORMER_MARK) == 0;
 }
 
-void rememberPath(int descriptor) {
+// A name may end in the mark, too.
+bool isAt(const std::string& path, const struct stat& status) {
+  struct stat there {};
+  return ::stat(path.c_str(), &there) == 0 && there.st_dev == status.st_dev &&
+         there.st_ino == status.st_ino;
+}
+
+void rememberPath(int descriptor, const struct stat& status) {
   std::error_code ignored;
   std::string path =
       std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), ignored);
   const std::lock_guard<std::mutex> lock(pathsMutex);
-  if (isMarked(path)) {
+  if (isMarked(path) && !isAt(path, status)) {
     path.resize(path.size() - FORMER_MARK.size());
     formerPaths.insert(path);
   }
@@ -144,7 +151,7 @@ InputFile::InputFile(const std::string& path) : path_(path) {
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) throwFileError(path_, errno);
   if (S_ISDIR(status.st_mode)) throwFileError(path_, EISDIR);
-  if (S_ISREG(status.st_mode)) rememberPath(descriptor);
+  if (S_ISREG(status.st_mode)) rememberPath(descriptor, status);
   // Standard input may stand anywhere in its file.
   isSeekable_ = S_ISREG(status.st_mode) && path != STANDARD_INPUT;
   if (isSeekable_) size_ = static_cast<std::uint64_t>(status.st_size);
