@@ -92,6 +92,7 @@ Destination::Destination(const std::string& source, const Target& target)
   const Place place = follow(name_);
   if (place.isOpenFile && target.inPlace) refuseInPlace(name_, "an open file");
   descriptor_ = place.descriptor;
+  isOpenFile_ = place.isOpenFile;
   // Now, since a file that is opened later may get the number.
   if (descriptor_ && ::fcntl(*descriptor_, F_GETFL) < 0) throwFileError(name_, errno);
   if (place.isOpenFile) return;
@@ -124,15 +125,17 @@ void Destination::commit() {
 void Destination::writeContent(const std::string& content) {
   if (isStandardOutput()) return writeOutput(content);
   if (replacement_) return replacement_->write(content);
-  Descriptor opened;
-  if (!descriptor_) {
-    opened = Descriptor(::open(name_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
-    if (!opened.isOpen()) throwFileError(name_, errno);
+  if (descriptor_) {
+    if (!writeAll(*descriptor_, name_, content)) throwFileError(name_, errno);
+    return;
   }
-  if (!writeAll(descriptor_ ? *descriptor_ : opened.get(), name_, content)) {
-    throwFileError(name_, errno);
-  }
-  if (opened.isOpen() && !opened.close()) throwFileError(name_, errno);
+  const int ofFile = isOpenFile_ ? O_TRUNC : 0;
+  Descriptor opened(::open(name_.c_str(), O_WRONLY | ofFile | O_CLOEXEC));
+  struct stat status {};
+  if (!opened.isOpen() || ::fstat(opened.get(), &status) != 0) throwFileError(name_, errno);
+  // A file that came in the place of a FIFO would have to be replaced.
+  if (S_ISREG(status.st_mode) && !isOpenFile_) throwChangedError(name_);
+  if (!writeAll(opened.get(), name_, content) || !opened.close()) throwFileError(name_, errno);
 }
 
 }  // namespace tarn

@@ -36,6 +36,7 @@ class Destination {
 
   std::string name_;
   std::optional<int> descriptor_;  // an open file of this process
+  bool isOpenFile_ = false;        // of this process or another one
   std::optional<FileReplacement> replacement_;
 };
 

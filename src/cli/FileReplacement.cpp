@@ -13,6 +13,7 @@
 
 #include <cerrno>
 #include <ctime>
+#include <system_error>
 #include <utility>
 
 #include "CommandError.hpp"
@@ -79,7 +80,7 @@ void FileReplacement::lockTarget() {
     if (!openTarget()) return;
     if (lock(file_.get())) {
       if (::fstat(file_.get(), &status_) != 0) throwFileError(name_, errno);
-      if (isTarget(status_)) return;
+      if (isTarget(status_)) return requireFile();
     } else {
       if (step == LOCK_STEPS_WITHOUT_NOTE) tellNote(name_, "waiting for another program");
       waitForLockStep();
@@ -99,6 +100,11 @@ bool FileReplacement::openTarget() {
   return file_.isOpen();
 }
 
+// What is no regular file may have come in its place.
+void FileReplacement::requireFile() const {
+  if (!S_ISREG(status_.st_mode)) throwChangedError(name_);
+}
+
 bool FileReplacement::isTarget(const struct stat& status) const {
   struct stat current {};
   return ::fstatat(folder_.get(), baseName_.c_str(), &current, AT_SYMLINK_NOFOLLOW) == 0 &&
@@ -107,10 +113,12 @@ bool FileReplacement::isTarget(const struct stat& status) const {
 
 // By the name, too, which may lead elsewhere by now.
 bool FileReplacement::isUnchanged() const {
-  if (InputFile::hasReadFormerFileAt(std::filesystem::weakly_canonical(target_).string())) {
-    return false;
-  }
-  if (!file_.isOpen()) return true;
+  std::error_code isNone;
+  const std::string path = std::filesystem::weakly_canonical(target_, isNone).string();
+  if (isNone) return false;
+  // One that came meanwhile is replaced, unless the result is made of it: there is no lock on it.
+  if (!file_.isOpen()) return !InputFile::hasReadFileAt(path);
+  if (InputFile::hasReadFormerFileAt(path)) return false;
   struct stat named {};
   return isTarget(status_) && ::stat(name_.c_str(), &named) == 0 && isSameState(named, status_);
 }
@@ -133,9 +141,7 @@ void FileReplacement::write(const std::string& content) {
 }
 
 void FileReplacement::commit() {
-  if (!isUnchanged()) {
-    throw CommandError(Status::FileError, name_, "was changed meanwhile and is left as it is");
-  }
+  if (!isUnchanged()) throwChangedError(name_);
   if (!temporary_->moveTo(baseName_)) throwFileError(name_, errno);
   // So that the new name itself is on the disk. The data is, whatever this comes to.
   ::fsync(folder_.get());

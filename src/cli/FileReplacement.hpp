@@ -38,6 +38,7 @@ class FileReplacement {
  private:
   void lockTarget();
   bool openTarget();
+  void requireFile() const;
   bool isTarget(const struct stat& status) const;
   bool isUnchanged() const;
 

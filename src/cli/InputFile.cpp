@@ -14,10 +14,10 @@
 #include <filesystem>
 #include <mutex>
 #include <new>
+#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 #include "CommandError.hpp"
 
@@ -32,19 +32,33 @@ namespace {
 constexpr const char* STANDARD_INPUT = "-";
 constexpr std::string_view FORMER_MARK = " (deleted)";
 
-std::mutex formerPathsMutex;
-std::vector<std::string> formerPaths;
+std::mutex pathsMutex;
+std::set<std::string> readPaths;
+std::set<std::string> formerPaths;  // those of them that were no longer there
 
 // The kernel marks the path of an open file that is no longer there.
-void rememberFormerPath(int descriptor) {
+bool isMarked(const std::string& path) {
+  return path.size() > FORMER_MARK.size() &&
+         path.compare(path.size() - FORMER_MARK.size(), FORMER_MARK.size(), FORMER_MARK) == 0;
+}
+
+// A name may end in the mark, too.
+bool isAt(const std::string& path, const struct stat& status) {
+  struct stat there {};
+  return ::stat(path.c_str(), &there) == 0 && there.st_dev == status.st_dev &&
+         there.st_ino == status.st_ino;
+}
+
+void rememberPath(int descriptor, const struct stat& status) {
   std::error_code ignored;
-  const std::string path =
+  std::string path =
       std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), ignored);
-  if (path.size() <= FORMER_MARK.size()) return;
-  const std::size_t size = path.size() - FORMER_MARK.size();
-  if (path.compare(size, FORMER_MARK.size(), FORMER_MARK) != 0) return;
-  const std::lock_guard<std::mutex> lock(formerPathsMutex);
-  formerPaths.push_back(path.substr(0, size));
+  const std::lock_guard<std::mutex> lock(pathsMutex);
+  if (isMarked(path) && !isAt(path, status)) {
+    path.resize(path.size() - FORMER_MARK.size());
+    formerPaths.insert(path);
+  }
+  readPaths.insert(path);
 }
 
 #ifdef TARN_WITH_ZLIB
@@ -142,7 +156,7 @@ InputFile::InputFile(const std::string& path) : path_(path) {
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) throwFileError(path_, errno);
   if (S_ISDIR(status.st_mode)) throwFileError(path_, EISDIR);
-  if (S_ISREG(status.st_mode)) rememberFormerPath(descriptor);
+  if (S_ISREG(status.st_mode)) rememberPath(descriptor, status);
   // Standard input may stand anywhere in its file.
   isSeekable_ = S_ISREG(status.st_mode) && path != STANDARD_INPUT;
   if (isSeekable_) size_ = static_cast<std::uint64_t>(status.st_size);
@@ -150,9 +164,14 @@ InputFile::InputFile(const std::string& path) : path_(path) {
 
 InputFile::~InputFile() = default;
 
+bool InputFile::hasReadFileAt(const std::string& path) {
+  const std::lock_guard<std::mutex> lock(pathsMutex);
+  return readPaths.count(path) == 1;
+}
+
 bool InputFile::hasReadFormerFileAt(const std::string& path) {
-  const std::lock_guard<std::mutex> lock(formerPathsMutex);
-  return std::find(formerPaths.begin(), formerPaths.end(), path) != formerPaths.end();
+  const std::lock_guard<std::mutex> lock(pathsMutex);
+  return formerPaths.count(path) == 1;
 }
 
 }  // namespace tarn

@@ -13,8 +13,10 @@ class InputFile {
  public:
   explicit InputFile(const std::string& path);
 
-  /// Whether one was read that had been at `path`, a path without links, but was not any more when
-  /// it was opened here: standard input is opened before the command begins.
+  /// Whether one was read that was at `path`, a path without links, when it was opened.
+  static bool hasReadFileAt(const std::string& path);
+  /// Whether it was not there any more when it was opened here: standard input is opened before the
+  /// command begins.
   static bool hasReadFormerFileAt(const std::string& path);
 
   InputFile(const InputFile&) = delete;

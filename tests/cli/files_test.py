@@ -243,6 +243,11 @@ class NameTest(FilesCase):
         path = self.path("n" * (limit + 1))
         self.expect_refused(tarn("print", self.source, "-o", path), "File name too long", path)
 
+    def test_name_that_ends_as_the_system_marks_removed_files(self):
+        marked = self.file(SOURCE, "source.xml (deleted)")
+        self.expect(tarn("set", marked, "--p", "y=1", "-o", self.source), 0,
+                    f"{marked}: 1 object matched\n")
+
     def test_paths_may_be_as_long_as_the_kernel_allows(self):
         limit = os.pathconf(self.folder, "PC_PATH_MAX") - 1
         folder = self.folder

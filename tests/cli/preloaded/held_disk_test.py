@@ -7,6 +7,7 @@ Arguments: the command, and the library that holds it up while it flushes the ne
 import fcntl
 import os
 import signal
+import stat
 import subprocess
 import sys
 import time
@@ -42,10 +43,13 @@ class HeldCase(CommandCase):
     def start_held(self, *arguments, **options):
         """Starts the command and waits until the new file is complete but not in place."""
         process = self.start(*arguments, **options)
+        self.wait_until_held(process)
+        return process
+
+    def wait_until_held(self, process):
         while not os.path.exists(self.mark):
             self.assertIsNone(process.poll(), "the command ended early")
             time.sleep(0.001)
-        return process
 
     def finish(self, process):
         """Lets the command go on; returns its status and what it wrote."""
@@ -148,6 +152,15 @@ class FreshnessTest(HeldCase):
         self.expect_untouched(path)
         self.expect_untouched(other)
 
+    def test_link_that_leads_to_itself_by_now_is_noticed(self):
+        path = self.file(SOURCE, "source.xml")
+        process = self.start_held(*CHANGE, path)
+        os.remove(path)
+        os.symlink("source.xml", path)
+        status, _, err = self.finish(process)
+        self.assertEqual((status, err), (5, self.refusal(path)))
+        self.assertEqual(os.listdir(self.folder), ["source.xml"])
+
     def test_delta_that_is_the_output_and_changed_is_left(self):
         path = self.file(SOURCE, "a.xml")
         delta = self.file(document(managed_object("A-1", "update")), "source.xml")
@@ -177,6 +190,33 @@ class FreshnessTest(HeldCase):
         self.file("something", "out")
         self.assertEqual(self.finish(process)[0], 0)
         self.assertIn(b"<tarn", self.read(out))
+
+    def test_file_that_came_meanwhile_and_was_read_is_left(self):
+        fifo = self.path("fifo")
+        os.mkfifo(fifo)
+        delta = self.path("source.xml")
+        process = self.start("merge", fifo, delta, "-o", delta)
+        # The command opens the source when it has looked where the result goes.
+        with open(fifo, "w", encoding="utf-8") as source:
+            self.file(document(managed_object("A-1", "update")), "source.xml")
+            source.write(SOURCE)
+        self.wait_until_held(process)
+        self.file("changed", "source.xml")
+        status, _, err = self.finish(process)
+        self.assertEqual((status, err), (5, self.refusal(delta)))
+        self.expect_untouched(delta, "changed")
+
+    def test_file_that_came_in_place_of_a_fifo_is_left(self):
+        source, out = self.path("source"), self.path("source.xml")
+        os.mkfifo(source)
+        os.mkfifo(out)
+        process = self.start("print", source, "-o", out)
+        with open(source, "w", encoding="utf-8") as file:
+            os.replace(self.file("something", "other"), out)
+            file.write(SOURCE)
+        status, _, err = self.finish(process)
+        self.assertEqual((status, err), (5, self.refusal(out)))
+        self.expect_untouched(out, "something")
 
 
 class ReportTest(HeldCase):
@@ -232,6 +272,21 @@ class LockTest(HeldCase):
             5, b"", f"{path}: note: waiting for another program\n"
             f"{path}: error: another program is changing it\n"))
         self.expect_untouched(path)
+
+    def test_fifo_that_came_while_the_command_waited_is_left(self):
+        path = self.file(SOURCE, "source.xml")
+        fifo = self.path("fifo")
+        os.mkfifo(fifo)
+        with open(path, "r+b") as file:
+            fcntl.lockf(file, fcntl.LOCK_EX)
+            process = subprocess.Popen([TARN, *CHANGE, path], stderr=subprocess.PIPE)
+            self.addCleanup(process.kill)
+            process.stderr.readline()
+            os.replace(fifo, path)
+        _, err = process.communicate(timeout=10)
+        self.assertEqual((process.returncode, err), (
+            5, f"{path}: error: was changed meanwhile and is left as it is\n".encode()))
+        self.assertTrue(stat.S_ISFIFO(os.stat(path).st_mode))
 
     def test_lock_of_the_other_kind_around_the_command_is_no_obstacle(self):
         path = self.file(SOURCE, "source.xml")
