@@ -13,6 +13,7 @@
 
 #include <cerrno>
 #include <ctime>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -115,6 +116,7 @@ bool FileReplacement::isTarget(const struct stat& status) const {
 bool FileReplacement::isUnchanged() const {
   std::error_code isNone;
   const std::string path = std::filesystem::weakly_canonical(target_, isNone).string();
+  if (isNone == std::errc::not_enough_memory) throw std::bad_alloc();
   if (isNone) return false;
   // One that came meanwhile is replaced, unless the result is made of it: there is no lock on it.
   if (!file_.isOpen()) return !InputFile::hasReadFileAt(path);

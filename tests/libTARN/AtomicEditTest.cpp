@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <new>
+#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -363,16 +364,21 @@ TEST(AtomicEditTest, ObjectsAreDeletedWithoutMemory) {
     SCOPED_TRACE(left);
     const CapturedLog log;
     Document source(whole(numbered("C-", 100, 180, "") +
+                          "<managedObject class='Z' distName='A-0'/>"
                           "<managedObject class='Z' distName='A-1'/>"
                           "<managedObject class='Z' distName='A-2'/>"
                           "<managedObject class='B' distName='B-1'/>"));
-    Document delta(whole(object("A-1", "delete", "") + object("A-2", "delete", "") +
+    Document delta(whole(object("A-0", "delete", "") + object("A-1", "delete", "") +
+                         object("A-2", "delete", "") +
                          object("C-100", "update", "<p name='a'>1</p>")));
     stateOf(source.get());
     source.object("B-1").setDistName("A-1");
     auto& factory = source.get().getFactory();
-    source.cmData().addLibTarnManagedObject(
-        *factory.createLibTarnManagedObject("B", "B-2", nullptr));
+    for (int i = 0; i < 70; ++i) {
+      const std::string name = "B-" + std::to_string(i);
+      source.cmData().addLibTarnManagedObject(
+          *factory.createLibTarnManagedObject("B", name.c_str(), nullptr));
+    }
     const std::string before = stateOf(source.get());
     source.leave(left);
     if (mergeFails(source, delta)) {
@@ -383,6 +389,60 @@ TEST(AtomicEditTest, ObjectsAreDeletedWithoutMemory) {
     }
   }
   EXPECT_GT(deleted, 0);
+}
+
+// A number less than `limit`.
+unsigned anyBelow(unsigned limit, std::mt19937& random) {
+  return static_cast<unsigned>(random() % limit);
+}
+
+std::string operationFor(bool isThere, std::mt19937& random) {
+  if (!isThere) return "create";
+  return anyBelow(2, random) == 0 ? "delete" : "update";
+}
+
+// Renames, removals, changes and merges among so few names that objects take them from one another.
+TEST(AtomicEditTest, EditsAmongFewNamesChangeNothingWhenMemoryEnds) {
+  int failed = 0;
+  for (unsigned seed = 0; seed < 100 && !HasFailure(); ++seed) {
+    SCOPED_TRACE(seed);
+    const CapturedLog log;
+    std::mt19937 random(seed);
+    const unsigned names = 5 + anyBelow(90, random);
+    const auto anyName = [&] { return "A-" + std::to_string(100 + anyBelow(names, random)); };
+    Document source(whole(numbered("A-", 100, 100 + static_cast<int>(names), "")));
+    auto& factory = source.get().getFactory();
+    for (int step = 0; step < 40 && !HasFailure(); ++step) {
+      const std::string name = anyName();
+      LibTarnManagedObject* const edited =
+          source.cmData().getLibTarnManagedObject(anyName().c_str());
+      LibTarnManagedObject& mask = *factory.createLibTarnManagedObject("#", "A-1", "#");
+      LibTarnManagedObject& values = *factory.createLibTarnManagedObject("D", name.c_str(), "2");
+      values.addParameter(*factory.createScalar("a", "1"));
+      std::string changes;
+      for (unsigned number = anyBelow(7, random); number < names;
+           number += 1 + anyBelow(30, random)) {
+        const std::string each = "A-" + std::to_string(100 + number);
+        const bool isThere = source.cmData().hasLibTarnManagedObject(each.c_str());
+        changes += object(each, operationFor(isThere, random), "<p name='b'>1</p>");
+      }
+      Document delta(whole(changes));
+      const std::string before = stateOf(source.get());
+      source.leave(8 + 8 * anyBelow(900, random));
+      const HeapFault fault(1, BLOCK, HeapFault::Lasts::FROM_THEN_ON);
+      try {
+        const unsigned kind = anyBelow(4, random);
+        if (kind == 0 && edited) edited->setDistName(name.c_str());
+        if (kind == 1 && edited) edited->change(mask, values);
+        if (kind == 2) source.cmData().removeLibTarnManagedObject(name.c_str());
+        if (kind == 3) TarnMerge(source.get()).mergeDocument(delta.get());
+      } catch (const std::bad_alloc&) {
+        ++failed;
+        EXPECT_EQ(stateOf(source.get()), before) << step;
+      }
+    }
+  }
+  EXPECT_GT(failed, 100);
 }
 
 // One after the other, so that those before the one that fails stay changed.
