@@ -210,6 +210,7 @@ class Session {
     auto& mask = ManagedObjectBuilder(*document_).get();
     fuzz::check(element->change(mask, values), "changing");
     Object& object = shadow_.children.at(element);
+    if (object.className == ofClass) return;
     const bool wasIndexed = object.isIndexed;
     shadow_.unindex(element);
     object.className = ofClass;
