@@ -483,7 +483,6 @@ TEST(MemoryFaultDeathTest, EveryMapMayFail) {
 }
 
 TEST(MemoryFaultTest, EveryMapMayFailForADocumentThatThrows) {
-  if (!tarn_test::canFailMaps()) GTEST_SKIP() << "the sanitizer keeps maps for itself";
   for (const Work& work : allWorks(Blocks::MAPS_THAT_THROW)) {
     SCOPED_TRACE(work.name);
     std::size_t exceptions = 0;
@@ -512,21 +511,24 @@ TEST(MemoryFaultTest, EveryMapMayFailForADocumentThatThrows) {
       }
     }
     const std::string name = work.name;
-    if (name != "print" && name != "change") {
+    if (tarn_test::canFailMaps() && name != "print" && name != "change") {
       EXPECT_GT(exceptions, 0U);
     }
   }
 }
 
 TEST(MemoryFaultTest, CheckOfATextThrowsWithoutMaps) {
-  if (!tarn_test::canFailMaps()) GTEST_SKIP() << "the sanitizer keeps maps for itself";
   const std::string text = documentText(0, 1) + std::string(1, '\0');
   const auto check = [&text] {
     return LibTarnDocument::isKnownToBeValid(std::vector<char>(text.begin(), text.end()));
   };
   EXPECT_TRUE(check());
-  MapFault fault(1);
-  EXPECT_THROW(check(), std::bad_alloc);
+  const MapFault fault(1);
+  if (tarn_test::canFailMaps()) {
+    EXPECT_THROW(check(), std::bad_alloc);
+  } else {
+    EXPECT_TRUE(check());
+  }
 }
 
 // A pool of the host's that has no memory for one request.
