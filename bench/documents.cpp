@@ -16,7 +16,7 @@
 #include <limits>
 
 #include "Work.hpp"
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 
 void libtarn::util::Logger::print(Level level, const char* /*location*/, const char* /*function*/,
                                   const char* message) {

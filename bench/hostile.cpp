@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "indexation/textHash.hpp"
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 
 using namespace libtarn::model;
 

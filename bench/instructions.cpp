@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 
 using namespace libtarn::model;
 

@@ -14,6 +14,7 @@ BUILD is the folder of an optimised build.
 import argparse
 import json
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -71,6 +72,9 @@ def main():
     parser.add_argument("--json", action="store_true", help="only print what is measured")
     arguments = parser.parse_args()
 
+    if not shutil.which("valgrind"):
+        print("valgrind is not there: nothing is measured.", file=sys.stderr)
+        return SKIPPED
     measured = measure(arguments.build)
     if arguments.json:
         print(json.dumps(measured))

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 
 using namespace libtarn::model;
 

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 
 using libtarn::editor::TarnMerge;
 using libtarn::model::LibTarnDocument;

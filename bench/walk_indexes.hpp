@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 
 namespace bench {
 

@@ -3,6 +3,7 @@
 
 include(CMakePackageConfigHelpers)
 
+target_include_directories(tarn PUBLIC $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 install(TARGETS tarn
   EXPORT tarnTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -23,9 +24,12 @@ install(FILES ${PROJECT_BINARY_DIR}/tarnConfig.cmake ${PROJECT_BINARY_DIR}/tarnC
   DESTINATION ${package_folder} COMPONENT development)
 install(EXPORT tarnTargets NAMESPACE tarn:: DESTINATION ${package_folder} COMPONENT development)
 
-cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
-  OUTPUT_VARIABLE prefix_of_package)
-configure_file(cmake/tarn.pc.in ${PROJECT_BINARY_DIR}/tarn.pc @ONLY)
+# With the prefix that `cmake --install` is given.
+set(prefix_of_package "@CMAKE_INSTALL_PREFIX@")
+configure_file(cmake/tarn.pc.in ${PROJECT_BINARY_DIR}/tarn.pc.in @ONLY)
+install(CODE "configure_file(
+  \"${PROJECT_BINARY_DIR}/tarn.pc.in\" \"${PROJECT_BINARY_DIR}/tarn.pc\" @ONLY)"
+  COMPONENT development)
 install(FILES ${PROJECT_BINARY_DIR}/tarn.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
@@ -54,4 +58,6 @@ if(TARN_COMMAND)
     install(FILES ${manual} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
   endif()
 endif()
-include(cmake/packages.cmake)
+if(PROJECT_IS_TOP_LEVEL)
+  include(cmake/packages.cmake)
+endif()

@@ -1,7 +1,7 @@
 # Debian packages: cpack -G DEB in a build folder that was configured with
 # -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_SKIP_INSTALL_RPATH=ON, as scripts/packages does.
 
-set(library_package libtarn${PROJECT_VERSION_MAJOR})
+set(library_package libtarn${TARN_ABI})
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(this_version "${library_package} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 
@@ -30,7 +30,8 @@ This package has what programs need that use the library.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libtarn-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${this_version}, libboost-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${this_version}")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS libboost-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "configuration documents of networks - development files
 ${about}
 

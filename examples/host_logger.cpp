@@ -2,8 +2,7 @@
 // write lines to whatever the host logs to.
 
 #include <cstdio>
-
-#include "util/Logger.hpp"
+#include <libtarn/util/Logger.hpp>
 
 // Called from whichever thread uses a document. One call of fprintf() is one whole line even when
 // several threads log; what it throws would be dropped.

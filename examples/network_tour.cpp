@@ -7,12 +7,11 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <libtarn/libtarn.hpp>
 #include <list>
 #include <map>
 #include <string>
 #include <vector>
-
-#include "libtarn.hpp"
 
 using libtarn::model::LibTarnCmData;
 using libtarn::model::LibTarnDocument;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "DomFactory.hpp"
-#include "TarnApi.hpp"
-#include "rapidxml/rapidxml.hpp"
+#include "libtarn/DomFactory.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/rapidxml/nodes.hpp"
 
 namespace libDomXml {
 

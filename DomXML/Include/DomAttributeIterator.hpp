@@ -1,7 +1,7 @@
 #pragma once
 
-#include "DomAttribute.hpp"
-#include "TarnApi.hpp"
+#include "libtarn/DomAttribute.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libDomXml {
 

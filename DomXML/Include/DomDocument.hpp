@@ -3,11 +3,11 @@
 #include <memory>
 #include <string>
 
-#include "DomElement.hpp"
-#include "IDomDocument.hpp"
-#include "OutOfMemory.hpp"
-#include "TarnApi.hpp"
-#include "rapidxml/rapidxml.hpp"
+#include "libtarn/DomElement.hpp"
+#include "libtarn/IDomDocument.hpp"
+#include "libtarn/OutOfMemory.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/rapidxml/rapidxml.hpp"
 
 namespace libDomXml {
 

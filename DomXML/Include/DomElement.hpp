@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <cstring>
 
-#include "DomFactory.hpp"
-#include "IDomElement.hpp"
-#include "TarnApi.hpp"
-#include "rapidxml/rapidxml.hpp"
+#include "libtarn/DomFactory.hpp"
+#include "libtarn/IDomElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/rapidxml/nodes.hpp"
 
 namespace libDomXml {
 
@@ -25,9 +25,9 @@ class TARN_API DomElement : public IDomElement, public rapidxml::xml_node<char> 
   static void operator delete(void* /*memory*/) {}
   static void* operator new(std::size_t /*size*/, void* place) { return place; }
 
-  /// Keeps the node kind, and asks children of derived classes for their own clone(); `clone(pool)`
-  /// makes plain elements, whatever the kinds and classes of this one and its children. Neither
-  /// recurses on the depth of the tree, but for what the clone() of a derived class does.
+  /// clone() keeps the node kind, `clone(pool)` makes plain elements. Children whose class
+  /// overrides the function are asked for their copies; of others plain elements are made. Neither
+  /// recurses on the depth of the tree, but for what such an override does.
   IDomElement* clone() const override;
   IDomElement* clone(IMemoryPool* pool) const override;
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include <climits>
 #include <cstddef>
-#include <limits>
 #include <new>
 
-#include "Assertion.hpp"
-#include "IMemoryPool.hpp"
-#include "TarnApi.hpp"
-#include "rapidxml/nodes.hpp"
+#include "libtarn/Assertion.hpp"
+#include "libtarn/IMemoryPool.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/rapidxml/nodes.hpp"
 
 namespace libDomXml {
 
@@ -46,7 +46,7 @@ class TARN_API DomFactory {
 
   /// Memory for one object of `size` bytes. Throws as allocateString(); never null (asserted).
   void* allocateObject(std::size_t size) {
-    if (size > std::numeric_limits<unsigned int>::max()) throw std::bad_alloc();
+    if (size > UINT_MAX) throw std::bad_alloc();
     void* const memory = pool_->allocateMemory(static_cast<unsigned int>(size));
     TARN_ASSERT(memory, "memory");
     return memory;

@@ -1,12 +1,16 @@
 #pragma once
 
-#include <boost/shared_ptr.hpp>
 #include <memory>
 #include <string>
 
-#include "IDomElement.hpp"
-#include "IStripper.hpp"
-#include "TarnApi.hpp"
+#include "libtarn/IDomElement.hpp"
+#include "libtarn/IStripper.hpp"
+#include "libtarn/TarnApi.hpp"
+
+namespace boost {
+template <class T>
+class shared_ptr;
+}
 
 namespace libDomXml {
 
@@ -14,7 +18,8 @@ namespace libDomXml {
 class TARN_API IDomDocument : public IDomElement {
  public:
   /// Parses a copy of `text`, made by `stripper` when one is given. Returns 0, or 1 for malformed
-  /// text; the elements that were complete by then stay linked.
+  /// text; the elements that were complete by then stay linked. Who calls it includes
+  /// <boost/shared_ptr.hpp>.
   virtual int parse(const char* text, boost::shared_ptr<IStripper> stripper) = 0;
   /// Takes over the zero-terminated text and parses it in place; results as above.
   virtual int parse(std::unique_ptr<char[]> text) = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "DomAttributeIterator.hpp"
-#include "TarnApi.hpp"
+#include "libtarn/DomAttributeIterator.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libDomXml {
 

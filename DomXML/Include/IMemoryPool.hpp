@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libDomXml {
 
@@ -18,9 +18,5 @@ class TARN_API IMemoryPool {
   /// Tells the pool that `memory` is no longer used. A document's pool keeps it all the same.
   virtual void deallocateMemory(void* memory);
 };
-
-inline void* IMemoryPool::allocateMemory(unsigned int /*size*/) { return nullptr; }
-
-inline void IMemoryPool::deallocateMemory(void* /*memory*/) {}
 
 }  // namespace libDomXml

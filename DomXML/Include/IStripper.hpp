@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libDomXml {
 

@@ -1,4 +1,4 @@
-#include "Assertion.hpp"
+#include "libtarn/Assertion.hpp"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "DomAttribute.hpp"
+#include "libtarn/DomAttribute.hpp"
 
 #include <cstring>
 #include <string_view>

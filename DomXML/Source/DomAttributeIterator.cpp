@@ -1,4 +1,4 @@
-#include "DomAttributeIterator.hpp"
+#include "libtarn/DomAttributeIterator.hpp"
 
 namespace libDomXml {
 

@@ -1,14 +1,15 @@
-#include "DomDocument.hpp"
+#include "libtarn/DomDocument.hpp"
 
 #include <sys/mman.h>
 
+#include <boost/shared_ptr.hpp>
 #include <cstring>
 #include <limits>
 #include <new>
 #include <typeinfo>
 
 #include "MappedRegion.hpp"
-#include "rapidxml/rapidxml_print.hpp"
+#include "libtarn/rapidxml/rapidxml_print.hpp"
 
 namespace libDomXml {
 

@@ -1,12 +1,13 @@
-#include "DomElement.hpp"
+#include "libtarn/DomElement.hpp"
 
 #include <cstring>
 #include <set>
 #include <string_view>
 #include <typeinfo>
 
-#include "DomDocument.hpp"
 #include "copyTree.hpp"
+#include "libtarn/DomDocument.hpp"
+#include "virtualFunctions.hpp"
 
 namespace libDomXml {
 
@@ -31,12 +32,20 @@ DomElement* copyWithoutChildren(const DomElement& source, IMemoryPool* pool,
   return copy;
 }
 
+// Whether the class of `element` brings a function of its own.
+bool overrides(const DomElement& element, VirtualFunction function) {
+  if (typeid(element) == typeid(DomElement)) return false;
+  const DomElement plain(nullptr);
+  return !runSameCode(element, plain, function);
+}
+
 }  // namespace
+
+// Classes with a clone() of their own know how they are copied. It is they who recurse, if any.
 
 IDomElement* DomElement::clone() const {
   const auto copyOne = [this](const DomElement& source) {
-    // Other classes of element know themselves how they are copied.
-    if (&source != this && typeid(source) != typeid(DomElement)) {
+    if (&source != this && overrides(source, VirtualFunction::CLONE)) {
       return ElementCopy{dynamic_cast<DomElement*>(source.clone()), false};
     }
     DomElement* const copy =
@@ -48,7 +57,10 @@ IDomElement* DomElement::clone() const {
 }
 
 IDomElement* DomElement::clone(IMemoryPool* pool) const {
-  const auto copyOne = [pool](const DomElement& source) {
+  const auto copyOne = [this, pool](const DomElement& source) {
+    if (&source != this && overrides(source, VirtualFunction::CLONE_INTO_POOL)) {
+      return ElementCopy{dynamic_cast<DomElement*>(source.clone(pool)), false};
+    }
     DomElement* const copy = copyWithoutChildren(source, pool, rapidxml::node_element);
     source.copyAttributesTo(*copy);
     return ElementCopy{copy, true};

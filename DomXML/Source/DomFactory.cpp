@@ -1,9 +1,9 @@
-#include "DomFactory.hpp"
+#include "libtarn/DomFactory.hpp"
 
 #include <cstring>
 
-#include "DomAttribute.hpp"
-#include "DomElement.hpp"
+#include "libtarn/DomAttribute.hpp"
+#include "libtarn/DomElement.hpp"
 
 namespace libDomXml {
 

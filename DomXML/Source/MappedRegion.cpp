@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "DomDocument.hpp"
+#include "libtarn/DomDocument.hpp"
 
 namespace libDomXml {
 

@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "../Work.hpp"
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 
 namespace bench {
 

@@ -2,7 +2,7 @@
 
 #include "../Work.hpp"
 #include "../walk_indexes.hpp"
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 
 namespace bench {
 

@@ -1,8 +1,9 @@
 // What the program loads. Built together with host_logger.cpp: the library finds Logger::print in
 // what brought it along.
 
+#include <libtarn/libtarn.hpp>
+
 #include "../host/files.hpp"
-#include "libtarn.hpp"
 
 using libtarn::model::LibTarnDocument;
 

@@ -2,8 +2,9 @@
 //
 // Usage: edit_and_save DOCUMENT RESULT
 
+#include <libtarn/libtarn.hpp>
+
 #include "files.hpp"
-#include "libtarn.hpp"
 
 using libtarn::model::LibTarnCmData;
 using libtarn::model::LibTarnDocument;

@@ -2,8 +2,9 @@
 //
 // Usage: load_and_check DOCUMENT
 
+#include <libtarn/libtarn.hpp>
+
 #include "files.hpp"
-#include "libtarn.hpp"
 
 using libtarn::model::Diagnostic;
 using libtarn::model::LibTarnDocument;

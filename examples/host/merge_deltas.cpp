@@ -2,8 +2,9 @@
 //
 // Usage: merge_deltas NETWORK RESULT DELTA...
 
+#include <libtarn/libtarn.hpp>
+
 #include "files.hpp"
-#include "libtarn.hpp"
 
 using libtarn::editor::TarnMerge;
 using libtarn::model::LibTarnDocument;

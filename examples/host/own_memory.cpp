@@ -7,11 +7,11 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <libtarn/libtarn.hpp>
 #include <limits>
 #include <new>
 
 #include "files.hpp"
-#include "libtarn.hpp"
 
 using libtarn::model::LibTarnDocument;
 using libtarn::model::TarnDomDocument;

@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <cstring>
 #include <deque>
+#include <libtarn/libtarn.hpp>
+#include <libtarn/model/DistinguishedNameValidator.hpp>
+#include <libtarn/model/indexation/TarnIndexFactory.hpp>
 
 #include "files.hpp"
-#include "libtarn.hpp"
-#include "model/DistinguishedNameValidator.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
 
 using libtarn::model::DistinguishedNameValidator;
 using libtarn::model::IDistinguishedNameValidator;

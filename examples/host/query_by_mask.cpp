@@ -2,8 +2,9 @@
 //
 // Usage: query_by_mask DOCUMENT
 
+#include <libtarn/libtarn.hpp>
+
 #include "files.hpp"
-#include "libtarn.hpp"
 
 using libtarn::model::LibTarnCmData;
 using libtarn::model::LibTarnDocument;

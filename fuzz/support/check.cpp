@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "util/Logger.hpp"
+#include "libtarn/util/Logger.hpp"
 
 // The targets' host: what the library logs is of no interest, but its text is read.
 void libtarn::util::Logger::print(Level /*level*/, const char* /*location*/,

@@ -5,7 +5,7 @@
 
 #include "../support/Text.hpp"
 #include "../support/check.hpp"
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 
 namespace {
 

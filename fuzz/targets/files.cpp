@@ -21,9 +21,9 @@
 #include "../support/FileTree.hpp"
 #include "../support/check.hpp"
 #include "CommandError.hpp"
-#include "Destination.hpp"
-#include "TextFile.hpp"
-#include "terminal.hpp"
+#include "files/Destination.hpp"
+#include "files/TextFile.hpp"
+#include "output/terminal.hpp"
 
 namespace {
 
@@ -275,6 +275,7 @@ class Session {
   bool begin() {
     const std::optional<FilePlace> place = tree_.follow(wanted_);
     const bool isFound = place.has_value();
+    if (isFound) target_ = tree_.pathIn(*place->folder, place->name);
     const bool isFifo = isFound && place->node && place->node->kind == FileNode::Fifo;
     const bool isFolder = isFound && place->node && place->node->kind == FileNode::Folder;
     const bool isRefused = !isFound || isFolder || (isFifo && isInPlace_);
@@ -294,7 +295,6 @@ class Session {
   void noteLock(const FilePlace& place) {
     folder_ = place.folder;
     name_ = place.name;
-    target_ = tree_.pathIn(*folder_, name_);
     const auto found = folder_->children.find(name_);
     if (found == folder_->children.end()) return;
     locked_ = found->second;
@@ -373,16 +373,24 @@ class Session {
     const std::optional<FilePlace> named = tree_.follow(wanted_);
     const bool isUnchanged =
         there == locked_ && locked_->changes == lockedChanges_ && named && named->node == locked_;
-    return isUnchanged ? Outcome::Replaced : Outcome::Left;
+    if (!isUnchanged) return Outcome::Left;
+    return isWhereItWas() ? Outcome::Replaced : Outcome::Either;
   }
 
   // What came meanwhile is replaced, unless the result is made of it.
   Outcome outcomeOfNew(const FileNodePtr& there) const {
     if (there && there->kind == FileNode::Folder) return Outcome::Left;
     const bool isLink = there && there->kind == FileNode::Link;
-    if (isLink || tree_.pathIn(*folder_, name_) != target_) return Outcome::Either;
+    if (isLink || !isWhereItWas()) return Outcome::Either;
     if (read_ == target_) return Outcome::Left;
     return everRead.count(target_) == 1 ? Outcome::Either : Outcome::Replaced;
+  }
+
+  // The folder may have got another name, also while the command waited for a lock.
+  bool isWhereItWas() const {
+    const std::optional<FilePlace> named = tree_.follow(wanted_);
+    return named && named->folder == folder_ && named->name == name_ &&
+           tree_.pathIn(*folder_, name_) == target_;
   }
 
   // Whether the command did what it was to.
@@ -419,7 +427,7 @@ class Session {
   bool isReplaced_ = false;
   FileNodePtr folder_;
   std::string name_;
-  std::string target_;  // both together, without links
+  std::string target_;  // what was wanted when the command began, without links
   std::string read_;
   FileNodePtr locked_;
   unsigned lockedChanges_ = 0;

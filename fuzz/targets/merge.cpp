@@ -5,8 +5,8 @@
 
 #include "../support/Text.hpp"
 #include "../support/check.hpp"
-#include "libtarn.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
 #include "support/PlainTree.hpp"
 #include "support/consistency.hpp"
 #include "support/plainMerge.hpp"

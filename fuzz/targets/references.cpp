@@ -1,11 +1,12 @@
 // References in values and texts: what the parser makes of them, compared with a decoder that does
 // one character after the other.
 
+#include <algorithm>
 #include <optional>
 
 #include "../support/Text.hpp"
 #include "../support/check.hpp"
-#include "DomDocument.hpp"
+#include "libtarn/DomDocument.hpp"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "../support/check.hpp"
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 #include "support/consistency.hpp"
 
 namespace {

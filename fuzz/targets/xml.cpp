@@ -3,8 +3,8 @@
 
 #include "../support/Text.hpp"
 #include "../support/check.hpp"
-#include "DomDocument.hpp"
-#include "rapidxml/rapidxml_print.hpp"
+#include "libtarn/DomDocument.hpp"
+#include "libtarn/rapidxml/rapidxml_print.hpp"
 #include "support/consistency.hpp"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <system_error>
 
-#include "printable.hpp"
+#include "output/printable.hpp"
 
 namespace tarn {
 

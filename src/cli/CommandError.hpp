@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "util/TextPosition.hpp"
+#include "libtarn/util/TextPosition.hpp"
 
 namespace tarn {
 

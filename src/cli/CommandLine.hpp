@@ -1,65 +1,65 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 
-#include "HostLog.hpp"
-#include "commands.hpp"
-#include "terminal.hpp"
+#include "CommandError.hpp"
+#include "Options.hpp"
+#include "output/HostLog.hpp"
+#include "output/terminal.hpp"
+
+namespace CLI {
+class App;
+class ParseError;
+}  // namespace CLI
 
 namespace tarn {
 
-/// The commands and options of `tarn`, and what a command line asks for.
+/// The commands of `tarn`, and what a command line asks for.
 class CommandLine {
  public:
   CommandLine();
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;
+  ~CommandLine();
+
+  /// A command that has been added: its options are to fill its request, which lives as long as the
+  /// command line.
+  template <class Request>
+  struct Added {
+    Options options;
+    Request& request;
+  };
+
+  /// Adds the command `name`. When a command line asks for it, `work` is called with its request
+  /// and returns the status, or throws CommandError.
+  template <class Request, class Work>
+  Added<Request> add(const char* name, const char* summary, Work work) {
+    const auto request = std::make_shared<Request>();
+    return {addCommand(name, summary, [request, work] { return work(*request); }), *request};
+  }
 
   /// Does what the arguments say. Throws CommandError; returns the status otherwise.
   Status run(int argc, char** argv);
 
- private:
-  void addGeneralOptions();
-  void addCheck();
-  void addPrint();
-  void addList();
-  void addGet();
-  void addSet();
-  void addAdd();
-  void addRemove();
-  void addMerge();
-  void addStats();
-  void addTree();
-  void addReport();
-  void addHelp();
+  /// The help on a command, or on all of them for "". Throws CommandError for one that is not
+  /// there.
+  std::string helpOn(const std::string& command) const;
 
-  CLI::App* addCommand(const char* name, const char* summary, std::function<Status()> work);
+ private:
+  Options addCommand(const char* name, const char* summary, std::function<Status()> work);
+  void addGeneralOptions();
   const CLI::App* findCommand(const std::string& name) const;
-  std::string nearestCommand(const std::string& word) const;
+  const CLI::App& requireCommand(const std::string& name) const;
   void refuseUnknownCommand(int argc, char** argv) const;
   [[noreturn]] void refuse(const CLI::ParseError& error) const;
 
-  CLI::App app_;
+  std::unique_ptr<CLI::App> app_;
   std::function<Status()> work_;  // of the command that was parsed
   HostLog::Level logLevel_ = HostLog::Level::Error;
   ColorChoice color_ = ColorChoice::Auto;
-
-  CheckRequest check_;
-  MergeRequest merge_;
-  std::string file_;
-  std::string output_ = "-";
-  Target target_;
-  PatternOptions mask_;
-  PatternOptions values_;
-  ListFormat format_ = ListFormat::Table;
-  std::string distName_;
-  std::string name_;
-  std::vector<std::string> distNames_;
-  std::string objectFile_;
-  std::size_t depth_;
-  bool json_ = false;
 };
 
 }  // namespace tarn

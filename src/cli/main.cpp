@@ -14,9 +14,9 @@
 
 #include "CommandError.hpp"
 #include "CommandLine.hpp"
-#include "HostLog.hpp"
-#include "outputFile.hpp"
-#include "terminal.hpp"
+#include "output/HostLog.hpp"
+#include "output/outputFile.hpp"
+#include "output/terminal.hpp"
 
 namespace {
 

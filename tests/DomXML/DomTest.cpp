@@ -1,13 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <boost/shared_ptr.hpp>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "DomDocument.hpp"
-#include "rapidxml/rapidxml_print.hpp"
+#include "libtarn/DomDocument.hpp"
+#include "libtarn/rapidxml/rapidxml_print.hpp"
 #include "support/HeapCount.hpp"
 #include "support/SmallStack.hpp"
 #include "support/treeDump.hpp"
@@ -48,7 +49,8 @@ class DomTest : public ::testing::TestWithParam<bool> {
   char* last_ = nullptr;
 };
 
-INSTANTIATE_TEST_SUITE_P(HeapAndMmap, DomTest, ::testing::Bool());
+INSTANTIATE_TEST_SUITE_P(HeapAndMmap, DomTest, ::testing::Bool(),
+                         [](const auto& each) { return each.param ? "Mmap" : "Heap"; });
 
 TEST_P(DomTest, FreshDocumentPrintsDeclarationAndAnEmptyLine) {
   EXPECT_EQ(document_->printDocument(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n\n");
@@ -111,6 +113,48 @@ TEST_P(DomTest, DocumentTakesOneRootAndIgnoresFurtherOnes) {
   EXPECT_FALSE(document_->removeChild(a));
   EXPECT_FALSE(document_->removeChild(document_.get()));
   EXPECT_DEATH(document_->removeChild(nullptr), "where && where->parent\\(\\) == this");
+}
+
+TEST_P(DomTest, DocumentHasChildrenWhileItHasARoot) {
+  EXPECT_FALSE(document_->hasChildren());
+  DomElement* const root = make("a");
+  document_->addChild(root);
+  EXPECT_TRUE(document_->hasChildren());
+  EXPECT_TRUE(document_->removeChild(root));
+  EXPECT_FALSE(document_->hasChildren());
+}
+
+TEST_P(DomTest, DocumentRemovesOnlyTheFirstOfItsChildren) {
+  ASSERT_EQ(parse("<a/><b/>"), 0);
+  DomElement* const first = root();
+  IDomElement* const second = first->nextSibling("b");
+  EXPECT_FALSE(document_->removeChild(second));
+  EXPECT_EQ(tarn_test::dump(*document_), "{a b}");
+  EXPECT_TRUE(document_->removeChild(first));
+  EXPECT_TRUE(document_->removeChild(second));
+  EXPECT_EQ(tarn_test::dump(*document_), "");
+}
+
+TEST_P(DomTest, DocumentFindsItsChildrenByName) {
+  ASSERT_EQ(parse("<a/><b n='1'/><c/><b n='2'/><a/>"), 0);
+  EXPECT_STREQ(document_->getFirstChild("b")->getAttribute("n"), "1");
+  EXPECT_STREQ(document_->getLastChild("b")->getAttribute("n"), "2");
+  EXPECT_EQ(document_->getFirstChild("x"), nullptr);
+  EXPECT_EQ(document_->getLastChild("x"), nullptr);
+}
+
+TEST_P(DomTest, DocumentTakesARootOfAnyPool) {
+  const std::unique_ptr<DomDocument> other(DomDocument::createDomDocument(GetParam()));
+  document_->addChild(other->createDomElement("x", nullptr));
+  EXPECT_EQ(tarn_test::dump(*document_), "{x}");
+  document_.reset();
+}
+
+TEST_P(DomTest, DocumentTakesNoLinkedRootAndNoNull) {
+  DomElement* const child = make("a");
+  make("b")->addChild(child);
+  EXPECT_DEATH(document_->addChild(child), "child && !child->parent");
+  EXPECT_DEATH(document_->addChild(nullptr), "child && !child->parent");
 }
 
 TEST_P(DomTest, DocumentIsNoElementWithNameValueOrAttributes) {
@@ -186,6 +230,38 @@ TEST_P(DomTest, AddedAttributeOfAKnownNameStaysDetached) {
   e->addAttribute(other);
   EXPECT_STREQ(e->getAttribute("a"), "1");
   EXPECT_EQ(other->parent(), nullptr);
+}
+
+TEST_P(DomTest, AddedAttributeMustBeDetached) {
+  DomElement* const owner = make("e");
+  owner->setAttribute("a", "1");
+  DomAttribute* const linked = owner->getFirstAttribute("a").get();
+  DomElement* const other = make("f");
+  EXPECT_DEATH(other->addAttribute(linked), "attribute && !attribute->parent\\(\\)");
+  EXPECT_DEATH(other->addAttribute(nullptr), "attribute && !attribute->parent\\(\\)");
+  // A known name comes first: nothing is linked then.
+  other->setAttribute("a", "2");
+  other->addAttribute(linked);
+  EXPECT_EQ(tarn_test::dump(*owner), "e(a=1)");
+  EXPECT_EQ(tarn_test::dump(*other), "f(a=2)");
+}
+
+TEST_P(DomTest, SetAttributeWithoutANameSetsTheFirst) {
+  DomElement* const e = make("e");
+  e->setAttribute(nullptr, "1");
+  EXPECT_EQ(tarn_test::dump(*e), "e(=1)");
+  EXPECT_STREQ(e->getAttribute(""), "1");
+  e->setAttribute("b", "2");
+  e->setAttribute(nullptr, "3");
+  EXPECT_EQ(tarn_test::dump(*e), "e(=3 b=2)");
+}
+
+TEST_P(DomTest, LastAttributeOfANameIsSearchedFromTheEnd) {
+  ASSERT_EQ(parse("<e a='1' b='2' a='3' b='4' c='5'/>"), 0);
+  EXPECT_STREQ(root()->getLastAttribute("a")->getValue(), "3");
+  EXPECT_STREQ(root()->getLastAttribute("b")->getValue(), "4");
+  EXPECT_STREQ(root()->getFirstAttribute("b")->getValue(), "2");
+  EXPECT_STREQ(root()->getLastAttribute(nullptr)->getValue(), "5");
 }
 
 TEST_P(DomTest, EqualAttributeValueDoesNotGrowThePool) {
@@ -308,6 +384,46 @@ TEST_P(DomTest, ChildrenAreFoundLinkedAndRemoved) {
   EXPECT_DEATH(a->nextSibling(nullptr), "assertion failed: this->m_parent");
 }
 
+TEST_P(DomTest, SiblingsAndChildrenOfANameAreFoundPastOthers) {
+  ASSERT_EQ(parse("<e><x n='1'/><a n='2'/><b n='3'/><a n='4'/><b n='5'/><y n='6'/></e>"), 0);
+  const auto number = [](const IDomElement* element) {
+    return element ? std::string(element->getAttribute("n")) : "none";
+  };
+  EXPECT_EQ(number(root()->getFirstChild("b")), "3");
+  EXPECT_EQ(number(root()->getLastChild("a")), "4");
+  EXPECT_EQ(number(root()->getFirstChild(nullptr)), "1");
+  EXPECT_EQ(number(root()->getLastChild(nullptr)), "6");
+  EXPECT_EQ(number(root()->getFirstChild("c")), "none");
+  EXPECT_EQ(number(root()->getLastChild("c")), "none");
+
+  const IDomElement* const first = root()->getFirstChild("a");
+  EXPECT_EQ(number(first->nextSibling("a")), "4");
+  EXPECT_EQ(number(first->nextSibling("y")), "6");
+  EXPECT_EQ(number(first->nextSibling(nullptr)), "3");
+  EXPECT_EQ(number(first->nextSibling("x")), "none");
+  const IDomElement* const last = root()->getLastChild("b");
+  EXPECT_EQ(number(last->previousSibling("b")), "3");
+  EXPECT_EQ(number(last->previousSibling("x")), "1");
+  EXPECT_EQ(number(last->previousSibling(nullptr)), "4");
+  EXPECT_EQ(number(last->previousSibling("y")), "none");
+}
+
+TEST_P(DomTest, RemovalOfTheOnlyChildClearsBothLinks) {
+  DomElement* const e = make("e");
+  DomElement* const child = make("c");
+  e->addChild(child);
+  EXPECT_TRUE(e->removeChild(child));
+  // The record has them behind its texts and its kind.
+  const rapidxml::xml_node<char>* const record = e;
+  const void* links[2];
+  std::memcpy(
+      links,
+      reinterpret_cast<const char*>(record) + sizeof(rapidxml::xml_base<char>) + sizeof(void*),
+      sizeof(links));
+  EXPECT_EQ(links[0], nullptr);
+  EXPECT_EQ(links[1], nullptr);
+}
+
 TEST_P(DomTest, ParentAndDocumentFollowTheLinks) {
   EXPECT_EQ(parse("<a><b/></a>"), 0);
   IDomElement* const b = root()->getFirstChild("b");
@@ -332,6 +448,65 @@ TEST_P(DomTest, CloneInThePoolKeepsTheKindAndInAnotherMakesAnElement) {
   EXPECT_EQ(static_cast<DomElement*>(declaration->clone())->type(), rapidxml::node_declaration);
   EXPECT_EQ(static_cast<DomElement*>(declaration->clone(other.get()))->type(),
             rapidxml::node_element);
+}
+
+// Copies have each name once, with its first value. Names are kept in another way from the 33rd
+// attribute on.
+TEST_P(DomTest, CopyHasTheFirstAttributeOfEachName) {
+  const std::unique_ptr<DomDocument> other(DomDocument::createDomDocument(GetParam()));
+  for (const int count : {1, 31, 32, 33, 34, 100}) {
+    SCOPED_TRACE(count);
+    std::string attributes;
+    std::string expected;
+    for (int i = 0; i < count; ++i) {
+      const std::string name = "a" + std::to_string(i);
+      attributes += ' ' + name + "='first'";
+      // The same name soon, and after many others.
+      attributes += " a0='again' " + name + "='again'";
+      expected += (i == 0 ? "" : " ") + name + "=first";
+    }
+    attributes += " a" + std::to_string(count - 1) + "='last' a0='last'";
+    ASSERT_EQ(parse("<e" + attributes + "/>"), 0);
+    EXPECT_EQ(tarn_test::dump(*static_cast<DomElement*>(root()->clone())), "e(" + expected + ')');
+    EXPECT_EQ(tarn_test::dump(*static_cast<DomElement*>(root()->clone(other.get()))),
+              "e(" + expected + ')');
+  }
+}
+
+TEST_P(DomTest, CopyHasAllOfManyAttributesInTheirOrder) {
+  for (const int count : {31, 32, 33, 34, 100}) {
+    SCOPED_TRACE(count);
+    DomElement* const e = make("e");
+    for (int i = 0; i < count; ++i) {
+      e->setAttribute(("a" + std::to_string(i)).c_str(), std::to_string(i).c_str());
+    }
+    EXPECT_EQ(tarn_test::dump(*static_cast<DomElement*>(e->clone())), tarn_test::dump(*e));
+  }
+}
+
+// An element of a host's own class, which copies itself in its own way.
+struct OwnCopy : DomElement {
+  using DomElement::DomElement;
+  IDomElement* clone() const override {
+    return DomFactory(domFactory_.getMemoryPool())
+        .allocateNode(rapidxml::node_element, "own", getTagName(), 0, 0);
+  }
+};
+
+TEST_P(DomTest, CopyAsksElementsOfOtherClassesForTheirs) {
+  DomElement* const e = make("e");
+  DomElement* const middle = make("middle");
+  e->addChild(middle);
+  for (const char* name : {"first", "last"}) {
+    auto* const own =
+        new (DomFactory(document_.get()).allocateObject(sizeof(OwnCopy))) OwnCopy(document_.get());
+    own->setTagName(name);
+    own->addChild(make("below"));
+    middle->addChild(own);
+    middle->addChild(make("plain", name));
+  }
+  EXPECT_EQ(tarn_test::dump(*static_cast<DomElement*>(e->clone())),
+            "e{middle{own\"first\" plain\"first\" own\"last\" plain\"last\"}}");
 }
 
 TEST_P(DomTest, ObjectsOfDifferentPoolsAreNotLinked) {
@@ -385,6 +560,40 @@ TEST_P(DomTest, FactoryCopiesTextsByTheirSizes) {
   }
   IMemoryPool nothing;
   EXPECT_DEATH(DomFactory(&nothing).allocateAttribute("a", "b", 0, 0), "assertion failed: memory");
+}
+
+// Memory of a host that is filled, so that what is written behind a text shows.
+struct FilledMemory : IMemoryPool {
+  void* allocateMemory(unsigned int size) override {
+    sizes.push_back(size);
+    memory.emplace_back(new char[size + 1]);
+    std::memset(memory.back().get(), '?', size + 1);
+    return memory.back().get();
+  }
+  std::vector<unsigned int> sizes;
+  std::vector<std::unique_ptr<char[]>> memory;
+};
+
+TEST(DomFactoryTest, StringOfASizeTakesNoMoreAndGetsNoTerminator) {
+  FilledMemory memory;
+  DomFactory factory(&memory);
+  EXPECT_EQ(std::string(factory.allocateString("abcdef", 2), 3), "ab?");
+  EXPECT_EQ(std::string(factory.allocateString(nullptr, 2), 3), "???");
+  EXPECT_STREQ(factory.allocateString("abc", 0), "abc");
+  EXPECT_EQ(memory.sizes, (std::vector<unsigned int>{2, 2, 4}));
+}
+
+TEST_P(DomTest, NodesAndAttributesTakeGivenOrMeasuredTexts) {
+  const auto* const element =
+      document_->allocate_node(rapidxml::node_element, "name", "value", 0, 3);
+  EXPECT_EQ(tarn_test::dump(*element), "name\"val\"");
+  const auto* const measured = document_->allocate_node(rapidxml::node_pi, nullptr, "value", 0, 0);
+  EXPECT_EQ(measured->type(), rapidxml::node_pi);
+  EXPECT_EQ(measured->value_size(), 5U);
+  const auto* const attribute = document_->allocate_attribute("name", "value", 2, 4);
+  EXPECT_EQ(std::string(attribute->name(), attribute->name_size()), "na");
+  EXPECT_EQ(std::string(attribute->value(), attribute->value_size()), "valu");
+  EXPECT_EQ(document_->allocate_attribute(nullptr, "value", 0, 0)->value_size(), 5U);
 }
 
 // Nothing ends a text that came with a size: those of eight characters leave no gap before the next
@@ -491,17 +700,19 @@ TEST(DomDocumentTest, VirtualFunctionsStandInTheirOrder) {
   for (const std::size_t slot : slots) EXPECT_EQ(slot, expected++);
 }
 
+// Counts the blocks of the heap as a parse begins.
+struct CountingBlocks : DomDocument {
+  CountingBlocks() : DomDocument(true) {}
+  int rapidParse(char* text) override {
+    blocks = tarn_test::heapBlocks();
+    return DomDocument::rapidParse(text);
+  }
+  std::size_t blocks = 0;
+};
+
 // One text at a time, when the next one is given as a text to be copied.
 TEST(DomDocumentTest, TextOfAnEarlierParseGoesBeforeTheNextParse) {
-  struct Counting : DomDocument {
-    Counting() : DomDocument(true) {}
-    int rapidParse(char* text) override {
-      blocks = tarn_test::heapBlocks();
-      return DomDocument::rapidParse(text);
-    }
-    std::size_t blocks = 0;
-  };
-  Counting document;
+  CountingBlocks document;
   const boost::shared_ptr<IStripper> none;
   EXPECT_EQ(document.parse("<a/>", none), 0);
   const std::size_t first = document.blocks;
@@ -510,6 +721,40 @@ TEST(DomDocumentTest, TextOfAnEarlierParseGoesBeforeTheNextParse) {
   // The text may be of the one that goes.
   EXPECT_EQ(document.parse("<a>text</a>", none), 0);
   EXPECT_EQ(document.parse(document.getFirstChild("a")->getValue(), none), 1);
+}
+
+TEST(DomDocumentTest, TextThatWasHandedOverGoesWhenTheNextCallEnds) {
+  CountingBlocks document;
+  EXPECT_EQ(document.parse(textOf("<a/>")), 0);
+  const std::size_t during = document.blocks;
+  const std::size_t after = tarn_test::heapBlocks();
+  for (const char* text : {"<b/>", "<c"}) {
+    document.parse(textOf(text));
+    EXPECT_EQ(document.blocks, during + 1) << text;
+    EXPECT_EQ(tarn_test::heapBlocks(), after) << text;
+  }
+}
+
+TEST(DomDocumentTest, OnlyADocumentThatIsAskedToTakesItsBlocksFromMaps) {
+  constexpr unsigned int MORE_THAN_A_BLOCK = 300000;
+  const auto blocksFor = [](DomDocument& document) {
+    const std::size_t before = tarn_test::heapAllocations();
+    document.allocateMemory(MORE_THAN_A_BLOCK);
+    return tarn_test::heapAllocations() - before;
+  };
+  for (const bool useMmap : {false, true}) {
+    SCOPED_TRACE(useMmap);
+    const std::size_t fromTheHeap = useMmap ? 0 : 1;
+    DomDocument constructed(useMmap);
+    EXPECT_EQ(blocksFor(constructed), fromTheHeap);
+    const std::unique_ptr<DomDocument> created(DomDocument::createDomDocument(useMmap));
+    EXPECT_EQ(blocksFor(*created), fromTheHeap);
+    const std::unique_ptr<DomDocument> copy(static_cast<DomDocument*>(created->clone()));
+    EXPECT_EQ(blocksFor(*copy), 1U);
+    const std::unique_ptr<DomDocument> other(
+        static_cast<DomDocument*>(created->clone(created.get())));
+    EXPECT_EQ(blocksFor(*other), 1U);
+  }
 }
 
 TEST_P(DomTest, AMillionNestedElementsAreCopiedOnASmallStack) {

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "../../DomXML/Source/MappedRegion.hpp"
-#include "DomDocument.hpp"
+#include "libtarn/DomDocument.hpp"
 
 namespace {
 

@@ -18,6 +18,8 @@ from command_case import (EXAMPLES, TARN, CommandCase, document, main, managed_o
 GOOD = document(managed_object("A-1"))
 GREEN_OK = b"\x1b[32mok\x1b[0m"
 RED_ERROR = b"\x1b[1;31merror:\x1b[0m"
+# Seconds; progress is shown when an action takes one.
+LONGER_THAN_UNSHOWN = 1.4
 
 
 def on_terminal(*arguments, terminal_for="both", environment=None, feed=None):
@@ -74,22 +76,28 @@ class ColorTest(CommandCase):
         self.assertNotIn(b"\x1b", result.stdout + result.stderr)
 
 
-class ProgressTest(CommandCase):
-    def slow_pipe(self):
-        path = self.path("pipe")
-        os.mkfifo(path)
+def feed_slowly(path):
+    """Writes GOOD into the pipe at `path`, so slowly that a terminal is shown progress."""
+    with open(path, "wb") as file:
+        file.write(GOOD[:40].encode())
+        file.flush()
+        time.sleep(LONGER_THAN_UNSHOWN)
+        file.write(GOOD[40:].encode())
 
-        def feed():
-            with open(path, "wb") as file:
-                for part in (GOOD[:40], GOOD[40:80], GOOD[80:]):
-                    file.write(part.encode())
-                    file.flush()
-                    time.sleep(0.7)
-        return path, feed
+
+def check_slowly(path):
+    return on_terminal("check", path, terminal_for="stderr", feed=lambda: feed_slowly(path))
+
+
+class ProgressTest(CommandCase):
+    def pipe(self, name="pipe"):
+        path = self.path(name)
+        os.mkfifo(path)
+        return path
 
     def test_slow_reading_is_shown_on_a_terminal_and_gone_at_the_end(self):
-        path, feed = self.slow_pipe()
-        status, output = on_terminal("check", path, terminal_for="stderr", feed=feed)
+        path = self.pipe()
+        status, output = check_slowly(path)
         self.assertEqual(status, 0)
         self.assertIn(b"Reading " + path.encode() + b": 0 MiB", output)
         self.assertTrue(output.endswith(b"\r\x1b[K"))
@@ -97,13 +105,12 @@ class ProgressTest(CommandCase):
     def test_slow_writing_is_shown_too(self):
         source = self.file(document(managed_object("A-1", body="<p name='x'>" + "x" * 12000000
                                                    + "</p>")))
-        out = self.path("out")
-        os.mkfifo(out)
+        out = self.pipe("out")
         read = []
 
         def take():
             with open(out, "rb") as file:
-                time.sleep(1.2)
+                time.sleep(LONGER_THAN_UNSHOWN)
                 read.append(len(file.read()))
         status, output = on_terminal("print", source, "-o", out, terminal_for="stderr", feed=take)
         self.assertEqual(status, 0)
@@ -111,8 +118,8 @@ class ProgressTest(CommandCase):
         self.assertRegex(output, b"Writing " + out.encode() + rb": \d+ %")
 
     def test_it_is_not_shown_in_a_pipe(self):
-        path, feed = self.slow_pipe()
-        thread = threading.Thread(target=feed)
+        path = self.pipe()
+        thread = threading.Thread(target=feed_slowly, args=(path,))
         thread.start()
         self.expect(tarn("check", path), 0, f"{path}: ok\n")
         thread.join()
@@ -144,7 +151,7 @@ class PipeTest(CommandCase):
 
 class SignalTest(CommandCase):
     def test_interrupt_leaves_the_target_whole_and_no_stray_file(self):
-        objects = [managed_object(f"A-{n}", body=f"<p name='x'>{n}</p>") for n in range(40000)]
+        objects = [managed_object(f"A-{n}", body=f"<p name='x'>{n}</p>") for n in range(10000)]
         source = self.file(tarn("print", self.file(document("".join(objects)))).stdout, "source.xml")
         before = self.read(source)
         delta = self.file(document(managed_object("A-1", "update", "<p name='x'>new</p>")),
@@ -241,14 +248,7 @@ class EscapeTest(CommandCase):
     def test_progress_shows_the_name_escaped(self):
         path = self.path("a\u009b")
         os.mkfifo(path)
-
-        def feed():
-            with open(path, "wb") as file:
-                for part in (GOOD[:40], GOOD[40:]):
-                    file.write(part.encode())
-                    file.flush()
-                    time.sleep(1.1)
-        status, output = on_terminal("check", path, terminal_for="stderr", feed=feed)
+        status, output = check_slowly(path)
         self.assertEqual(status, 0)
         self.assertIn(b"Reading " + self.path("a\\xC2\\x9B").encode() + b": 0 MiB", output)
 

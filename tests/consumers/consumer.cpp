@@ -2,14 +2,13 @@
 
 #include <cstdio>
 #include <iostream>
+#include <libtarn/libtarn.hpp>
+#include <libtarn/model/LibTarnHeaderImp.hpp>
+#include <libtarn/model/LibTarnManagedObjectImp.hpp>
+#include <libtarn/model/indexation/TarnMapIndex.hpp>
+#include <libtarn/model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp>
+#include <libtarn/model/validation/Validator.hpp>
 #include <stdexcept>
-
-#include "libtarn.hpp"
-#include "model/LibTarnHeaderImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/indexation/TarnMapIndex.hpp"
-#include "model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
-#include "model/validation/Validator.hpp"
 
 void libtarn::util::Logger::print(Level level, const char* /*location*/, const char* /*function*/,
                                   const char* message) {

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "DomDocument.hpp"
+#include "libtarn/DomDocument.hpp"
 
 namespace tarn_test {
 

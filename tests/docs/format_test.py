@@ -88,6 +88,18 @@ class FormatTest(CommandCase):
                 path = self.file(text)
                 self.expect(tarn("check", path), 2, err=f"{path}: error: {message}\n")
 
+    def test_each_rule_has_a_row_and_is_asked_by_the_validator(self):
+        with open("src/libTARN/model/validation/rules.hpp", encoding="utf-8") as file:
+            rules = re.findall(r"^(?:inline )?bool (\w+)\(", file.read(), re.MULTILINE)
+        self.assertGreater(len(rules), 10)
+        with open("docs/format.md", encoding="utf-8") as file:
+            rows = re.findall(r"^\| .+ \| `(\w+)` \|$", file.read(), re.MULTILINE)
+        self.assertEqual(rules, rows)
+        for user in ["Validator.cpp", "keepsRules.cpp"]:
+            with open(f"src/libTARN/model/validation/{user}", encoding="utf-8") as file:
+                asked = set(re.findall(r"rules::(\w+)", file.read()))
+            self.assertEqual(set(rules), asked, user)
+
     def test_malformed_texts(self):
         for message, text in MALFORMED.items():
             with self.subTest(message):

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "DomDocument.hpp"
-#include "rapidxml/rapidxml_print.hpp"
+#include "libtarn/DomDocument.hpp"
+#include "libtarn/rapidxml/rapidxml_print.hpp"
 
 namespace {
 

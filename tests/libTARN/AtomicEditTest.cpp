@@ -11,14 +11,15 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/TarnDomDocument.hpp"
-#include "rapidxml/rapidxml_print.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/TarnDomDocument.hpp"
+#include "libtarn/rapidxml/rapidxml_print.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/HeapCount.hpp"
 #include "support/consistency.hpp"
+#include "support/documents.hpp"
 
 namespace {
 
@@ -26,7 +27,9 @@ using namespace libtarn::model;
 using libtarn::editor::TarnMerge;
 using tarn_test::brokenDocument;
 using tarn_test::CapturedLog;
+using tarn_test::documentTextWithLog;
 using tarn_test::HeapFault;
+using tarn_test::objectText;
 
 constexpr auto BLOCK = static_cast<unsigned>(rapidxml::memory_pool<char>::dynamic_pool_size);
 
@@ -70,18 +73,6 @@ std::string stateOf(LibTarnDocument& document) {
   return state;
 }
 
-std::string whole(const std::string& objects) {
-  return "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header>"
-         "<log dateTime='d' action='a'>x</log></header>" +
-         objects + "</cmData></tarn>";
-}
-
-std::string object(const std::string& name, const std::string& operation, const std::string& body) {
-  return "<managedObject class='C' distName='" + name + "'" +
-         (operation.empty() ? "" : " operation='" + operation + "'") + ">" + body +
-         "</managedObject>";
-}
-
 // Parameters that an update replaces, and some that it leaves, in an order of their own.
 std::string body() {
   std::string text =
@@ -94,8 +85,9 @@ std::string body() {
 }
 
 std::string sourceText() {
-  return whole(object("A-3", "", body()) + object("A-1", "", body()) + object("A-2", "", body()) +
-               object("A-5", "", "<p name='a'>old</p>"));
+  return documentTextWithLog(objectText("A-3", "", body()) + objectText("A-1", "", body()) +
+                             objectText("A-2", "", body()) +
+                             objectText("A-5", "", "<p name='a'>old</p>"));
 }
 
 // Every kind of change, and at the end what is given.
@@ -104,9 +96,10 @@ std::string deltaText(const std::string& last) {
       "<p name='a'>a value longer than before</p><p name='b'>new</p><list name='m'/>"
       "<list name='l'><p>2</p></list><list name='o'/><list name='k3'><p>9</p></list>"
       "<extension name='e'><p name='w'>v</p></extension><extension name='g'/>";
-  return whole(object("A-1", "update", changes) + object("A-2", "delete", "") +
-               object("A-3", "auto", changes) + object("A-4", "", changes) +
-               object("B-1", "create", changes) + last);
+  return documentTextWithLog(objectText("A-1", "update", changes) +
+                             objectText("A-2", "delete", "") + objectText("A-3", "auto", changes) +
+                             objectText("A-4", "", changes) + objectText("B-1", "create", changes) +
+                             last);
 }
 
 // Documents that pass a load with validation, and whose copy breaks a rule.
@@ -123,7 +116,7 @@ TEST(AtomicEditTest, MergeThatBreaksARuleHasChangedNothing) {
     for (const char* const operation : {"create", "auto", ""}) {
       SCOPED_TRACE(std::string(broken) + operation);
       Document source(sourceText());
-      Document delta(deltaText(object("Z-1", operation, broken)));
+      Document delta(deltaText(objectText("Z-1", operation, broken)));
       const std::string sourceBefore = stateOf(source.get());
       const std::string deltaBefore = stateOf(delta.get());
       EXPECT_THROW(TarnMerge(source.get()).mergeDocument(delta.get()), exceptions::ModelException);
@@ -137,8 +130,9 @@ TEST(AtomicEditTest, MergeThatBreaksARuleHasChangedNothing) {
 
 // A host can write the attribute past the object, which then goes on with what it has read.
 TEST(AtomicEditTest, OperationThatWasNotReadIsNotReadWhenAMergeIsTakenBack) {
-  Document source(whole(object("A-1", "", "")));
-  Document delta(whole(object("A-1", "", "") + object("Z-1", "create", BROKEN_COPIES[0])));
+  Document source(documentTextWithLog(objectText("A-1", "", "")));
+  Document delta(documentTextWithLog(objectText("A-1", "", "") +
+                                     objectText("Z-1", "create", BROKEN_COPIES[0])));
   auto& written = dynamic_cast<LibTarnManagedObjectImp&>(delta.object("A-1"));
   written.setAttribute("operation", "delete");
   EXPECT_THROW(TarnMerge(source.get()).mergeDocument(delta.get()), exceptions::ModelException);
@@ -150,11 +144,11 @@ TEST(AtomicEditTest, UpdateThatBreaksARuleHasChangedNothing) {
   // A list and an extension that cannot be copied, behind others that can.
   for (const char* const broken : {BROKEN_COPIES[3], BROKEN_COPIES[4]}) {
     SCOPED_TRACE(broken);
-    const std::string changes =
-        object("A-1", "update",
-               "<p name='a'>new</p><list name='l'/><extension name='e'/>" + std::string(broken));
+    const std::string changes = objectText(
+        "A-1", "update",
+        "<p name='a'>new</p><list name='l'/><extension name='e'/>" + std::string(broken));
     Document source(sourceText());
-    Document delta(whole(changes));
+    Document delta(documentTextWithLog(changes));
     const std::string before = stateOf(source.get());
     TarnMerge merge(source.get());
     LibTarnManagedObject& to = source.object("A-1");
@@ -175,9 +169,9 @@ TEST(AtomicEditTest, ChangeThatBreaksARuleHasChangedNothing) {
   Document source(sourceText());
   auto& factory = source.get().getFactory();
   Document holder(
-      whole("<managedObject class='D' distName='B-1' version='2' operation='delete'>"
-            "<p name='a'>new</p><list name='l'/>" +
-            std::string(BROKEN_COPIES[3]) + "</managedObject>"));
+      documentTextWithLog("<managedObject class='D' distName='B-1' version='2' operation='delete'>"
+                          "<p name='a'>new</p><list name='l'/>" +
+                          std::string(BROKEN_COPIES[3]) + "</managedObject>"));
   LibTarnManagedObject& values = holder.object("B-1");
   LibTarnManagedObject& mask = *factory.createLibTarnManagedObject("#", "A-1", "#");
   const std::string before = stateOf(source.get());
@@ -323,7 +317,7 @@ TEST(AtomicEditTest, HeapThatEndsAnywhereLeavesEverythingAsItWas) {
 // `numbered("A-", 100, 110, ...)` are the objects A-100 to A-109.
 std::string numbered(const std::string& name, int from, int to, const std::string& operation) {
   std::string objects;
-  for (int i = from; i < to; ++i) objects += object(name + std::to_string(i), operation, "");
+  for (int i = from; i < to; ++i) objects += objectText(name + std::to_string(i), operation, "");
   return objects;
 }
 
@@ -343,8 +337,8 @@ TEST(AtomicEditTest, MergeIsTakenBackWithoutMemoryBesideAnObjectThatLostItsName)
   for (unsigned left = 8; left < 30000 && !HasFailure(); left += 400) {
     SCOPED_TRACE(left);
     const CapturedLog log;
-    Document source(whole(numbered("A-", 100, 156, "") + object("B-1", "", "")));
-    Document delta(whole(numbered("N-", 100, 160, "create")));
+    Document source(documentTextWithLog(numbered("A-", 100, 156, "") + objectText("B-1", "", "")));
+    Document delta(documentTextWithLog(numbered("N-", 100, 160, "create")));
     stateOf(source.get());
     source.object("B-1").setDistName("A-100");
     const std::string before = stateOf(source.get());
@@ -363,14 +357,14 @@ TEST(AtomicEditTest, ObjectsAreDeletedWithoutMemory) {
   for (unsigned left = 8; left < 8000 && !HasFailure(); left += 8) {
     SCOPED_TRACE(left);
     const CapturedLog log;
-    Document source(whole(numbered("C-", 100, 180, "") +
-                          "<managedObject class='Z' distName='A-0'/>"
-                          "<managedObject class='Z' distName='A-1'/>"
-                          "<managedObject class='Z' distName='A-2'/>"
-                          "<managedObject class='B' distName='B-1'/>"));
-    Document delta(whole(object("A-0", "delete", "") + object("A-1", "delete", "") +
-                         object("A-2", "delete", "") +
-                         object("C-100", "update", "<p name='a'>1</p>")));
+    Document source(documentTextWithLog(numbered("C-", 100, 180, "") +
+                                        "<managedObject class='Z' distName='A-0'/>"
+                                        "<managedObject class='Z' distName='A-1'/>"
+                                        "<managedObject class='Z' distName='A-2'/>"
+                                        "<managedObject class='B' distName='B-1'/>"));
+    Document delta(documentTextWithLog(
+        objectText("A-0", "delete", "") + objectText("A-1", "delete", "") +
+        objectText("A-2", "delete", "") + objectText("C-100", "update", "<p name='a'>1</p>")));
     stateOf(source.get());
     source.object("B-1").setDistName("A-1");
     auto& factory = source.get().getFactory();
@@ -410,7 +404,7 @@ TEST(AtomicEditTest, EditsAmongFewNamesChangeNothingWhenMemoryEnds) {
     std::mt19937 random(seed);
     const unsigned names = 5 + anyBelow(90, random);
     const auto anyName = [&] { return "A-" + std::to_string(100 + anyBelow(names, random)); };
-    Document source(whole(numbered("A-", 100, 100 + static_cast<int>(names), "")));
+    Document source(documentTextWithLog(numbered("A-", 100, 100 + static_cast<int>(names), "")));
     auto& factory = source.get().getFactory();
     for (int step = 0; step < 40 && !HasFailure(); ++step) {
       const std::string name = anyName();
@@ -424,9 +418,9 @@ TEST(AtomicEditTest, EditsAmongFewNamesChangeNothingWhenMemoryEnds) {
            number += 1 + anyBelow(30, random)) {
         const std::string each = "A-" + std::to_string(100 + number);
         const bool isThere = source.cmData().hasLibTarnManagedObject(each.c_str());
-        changes += object(each, operationFor(isThere, random), "<p name='b'>1</p>");
+        changes += objectText(each, operationFor(isThere, random), "<p name='b'>1</p>");
       }
-      Document delta(whole(changes));
+      Document delta(documentTextWithLog(changes));
       const std::string before = stateOf(source.get());
       source.leave(8 + 8 * anyBelow(900, random));
       const HeapFault fault(1, BLOCK, HeapFault::Lasts::FROM_THEN_ON);

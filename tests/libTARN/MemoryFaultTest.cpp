@@ -12,18 +12,20 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/HeapCount.hpp"
 #include "support/MapFault.hpp"
 #include "support/consistency.hpp"
+#include "support/documents.hpp"
 
 namespace {
 
 using namespace libtarn::model;
 using libtarn::editor::TarnMerge;
 using tarn_test::brokenDocument;
+using tarn_test::documentTextWithLog;
 using tarn_test::HeapFault;
 using tarn_test::Indexes;
 using tarn_test::MapFault;
@@ -41,12 +43,10 @@ std::string object(int number, const std::string& attributes = "") {
 }
 
 std::string documentText(int from, int to, const std::string& attributes = "") {
-  std::string text =
-      "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header>"
-      "<log dateTime='d' action='a'>x</log></header>";
+  std::string text;
   // Not in order, so that indexes sort.
   for (int number = from; number < to; ++number) text += object(number * 7919 % 100003, attributes);
-  return text + "</cmData></tarn>";
+  return documentTextWithLog(text);
 }
 
 // Where the pool's blocks come from.
@@ -520,7 +520,8 @@ TEST(MemoryFaultTest, EveryMapMayFailForADocumentThatThrows) {
 TEST(MemoryFaultTest, CheckOfATextThrowsWithoutMaps) {
   const std::string text = documentText(0, 1) + std::string(1, '\0');
   const auto check = [&text] {
-    return LibTarnDocument::isKnownToBeValid(std::vector<char>(text.begin(), text.end()));
+    const auto read = [&text] { return std::vector<char>(text.begin(), text.end()); };
+    return LibTarnDocument::validate(read).code == 0;
   };
   EXPECT_TRUE(check());
   const MapFault fault(1);

@@ -6,37 +6,37 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <ostream>
 #include <string>
 
-#include "DomDocument.hpp"
-#include "libtarn.hpp"
+#include "libtarn/DomDocument.hpp"
+#include "libtarn/libtarn.hpp"
 #include "support/TextAtTheEdge.hpp"
 #include "support/consistency.hpp"
+#include "support/documents.hpp"
 
 namespace {
 
 using namespace libtarn::model;
 using tarn_test::brokenDocument;
+using tarn_test::documentText;
+using tarn_test::printed;
 using tarn_test::TextAtTheEdge;
-
-std::string document(const std::string& body) {
-  return "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header/>" + body +
-         "</cmData></tarn>";
-}
-
-std::string printed(LibTarnDocument& loaded) {
-  std::string text;
-  libtarn::util::dumpTarnDocument(loaded, text);
-  return text;
-}
 
 // Many of a kind
 
-class CountTest : public testing::TestWithParam<int> {
+struct Count {
+  const char* name;
+  int number;
+};
+
+void PrintTo(const Count& count, std::ostream* out) { *out << count.number; }
+
+class CountTest : public testing::TestWithParam<Count> {
  protected:
   std::string repeat(const std::string& before, const std::string& after) {
     std::string text;
-    for (int i = 0; i < GetParam(); ++i) text += before + std::to_string(i) + after;
+    for (int i = 0; i < GetParam().number; ++i) text += before + std::to_string(i) + after;
     return text;
   }
 
@@ -52,7 +52,7 @@ class CountTest : public testing::TestWithParam<int> {
 
 TEST_P(CountTest, Attributes) {
   const std::string text =
-      document("<managedObject class='C' distName='A-1'" + repeat(" a", "='v'") + "/>");
+      documentText("<managedObject class='C' distName='A-1'" + repeat(" a", "='v'") + "/>");
   LibTarnDocument loaded;
   ASSERT_EQ(loaded.parse(text.c_str(), true), 0);
   ASSERT_NO_FATAL_FAILURE(expectSound(loaded));
@@ -65,46 +65,50 @@ TEST_P(CountTest, Attributes) {
        attribute = attribute->next_attribute()) {
     ++count;
   }
-  EXPECT_EQ(count, GetParam() + 2);
+  EXPECT_EQ(count, GetParam().number + 2);
 }
 
 TEST_P(CountTest, Parameters) {
   LibTarnDocument loaded;
-  ASSERT_EQ(loaded.parse(document("<managedObject class='C' distName='A-1'>" +
-                                  repeat("<p name='a", "'>v</p>") + "</managedObject>")
+  ASSERT_EQ(loaded.parse(documentText("<managedObject class='C' distName='A-1'>" +
+                                      repeat("<p name='a", "'>v</p>") + "</managedObject>")
                              .c_str(),
                          true),
             0);
   ASSERT_NO_FATAL_FAILURE(expectSound(loaded));
   const auto* const object = loaded.getLibTarnCmData()->getLibTarnManagedObject("A-1");
-  EXPECT_NE(object->getScalarParameter(("a" + std::to_string(GetParam() - 1)).c_str()), nullptr);
-  EXPECT_EQ(object->getScalarParameter(("a" + std::to_string(GetParam())).c_str()), nullptr);
+  EXPECT_NE(object->getScalarParameter(("a" + std::to_string(GetParam().number - 1)).c_str()),
+            nullptr);
+  EXPECT_EQ(object->getScalarParameter(("a" + std::to_string(GetParam().number)).c_str()), nullptr);
 }
 
 TEST_P(CountTest, Objects) {
   LibTarnDocument loaded;
-  ASSERT_EQ(
-      loaded.parse(document(repeat("<managedObject class='C' distName='A-", "'/>")).c_str(), true),
-      0);
+  ASSERT_EQ(loaded.parse(
+                documentText(repeat("<managedObject class='C' distName='A-", "'/>")).c_str(), true),
+            0);
   ASSERT_NO_FATAL_FAILURE(expectSound(loaded));
   EXPECT_EQ(loaded.getLibTarnCmData()->getManagedObjectNumber(),
-            static_cast<std::size_t>(GetParam()));
+            static_cast<std::size_t>(GetParam().number));
 }
 
 TEST_P(CountTest, ValuesItemsAndExtensions) {
   LibTarnDocument loaded;
-  ASSERT_EQ(loaded.parse(document("<managedObject class='C' distName='A-1'><list name='l'>" +
-                                  repeat("<p>", "</p>") + "</list><list name='m'>" +
-                                  repeat("<item><p name='x'>", "</p></item>") + "</list>" +
-                                  repeat("<extension name='e", "'/>") + "</managedObject>")
+  ASSERT_EQ(loaded.parse(documentText("<managedObject class='C' distName='A-1'><list name='l'>" +
+                                      repeat("<p>", "</p>") + "</list><list name='m'>" +
+                                      repeat("<item><p name='x'>", "</p></item>") + "</list>" +
+                                      repeat("<extension name='e", "'/>") + "</managedObject>")
                              .c_str(),
                          true),
             0);
   ASSERT_NO_FATAL_FAILURE(expectSound(loaded));
 }
 
-INSTANTIATE_TEST_SUITE_P(SizeTest, CountTest, testing::Values(50000, 65536, 70000),
-                         testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(SizeTest, CountTest,
+                         testing::Values(Count{"FiftyThousand", 50000},
+                                         Count{"TwoToTheSixteenth", 65536},
+                                         Count{"SeventyThousand", 70000}),
+                         [](const auto& each) { return each.param.name; });
 
 TEST(SizeTest, AMillionObjectsParametersAndChildren) {
   std::string objects;
@@ -118,8 +122,8 @@ TEST(SizeTest, AMillionObjectsParametersAndChildren) {
   }
   LibTarnDocument loaded;
   ASSERT_EQ(
-      loaded.parse(document(objects + "<managedObject class='C' distName='A-1'>" + parameters +
-                            "<list name='l'>" + children + "</list></managedObject>")
+      loaded.parse(documentText(objects + "<managedObject class='C' distName='A-1'>" + parameters +
+                                "<list name='l'>" + children + "</list></managedObject>")
                        .c_str(),
                    true),
       0);
@@ -167,7 +171,7 @@ TEST(SizeTest, TextsEndAtEveryPlaceAroundTheEndOfABlock) {
 // As above, with what has been taken before moved byte by byte.
 TEST(SizeTest, ElementsOfTheModelStandAtEveryPlaceAroundTheEndOfABlock) {
   constexpr std::size_t BLOCK = rapidxml::memory_pool<char>::dynamic_pool_size;
-  const std::string text = document(
+  const std::string text = documentText(
       "<managedObject class='C' distName='A-1'><p name='a'>1</p><list name='l'><item><p name='x'/>"
       "</item></list><extension name='e'/></managedObject>");
   for (std::size_t left = 0; left < 2048; left += sizeof(void*)) {

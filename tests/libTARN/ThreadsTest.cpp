@@ -7,11 +7,13 @@
 #include <thread>
 #include <vector>
 
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/consistency.hpp"
+#include "support/documents.hpp"
 
 namespace {
+using tarn_test::documentTextWithLog;
 
 using namespace libtarn::model;
 
@@ -29,22 +31,19 @@ std::string objects(int from, int to, const char* operation) {
   return text;
 }
 
-std::string document(const std::string& body) {
-  return "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header>"
-         "<log dateTime='d' action='a'>x</log></header>" +
-         body + "</cmData></tarn>";
-}
-
 // The printed result, with the number of lines that were logged on the way.
 std::string work(int thread) {
   tarn_test::CapturedLog log;
   LibTarnDocument source;
-  if (source.parse(document(objects(0, OBJECTS, "update")).c_str(), true) != 0) return "parse";
+  if (source.parse(documentTextWithLog(objects(0, OBJECTS, "update")).c_str(), true) != 0)
+    return "parse";
   LibTarnDocument refused;
   if (refused.parse("<tarn><", false) != 1) return "refused";
   LibTarnDocument delta;
-  delta.parse(document(objects(thread, OBJECTS, "update") + objects(1000, 1100, "create")).c_str(),
-              false);
+  delta.parse(
+      documentTextWithLog(objects(thread, OBJECTS, "update") + objects(1000, 1100, "create"))
+          .c_str(),
+      false);
   if (!libtarn::editor::TarnMerge(source).mergeDocument(delta)) return "merge";
   auto& factory = source.getFactory();
   LibTarnManagedObject* const added =

@@ -7,33 +7,29 @@
 #include <sstream>
 #include <string>
 
-#include "libtarn.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnDocumentDeclaration.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
-#include "model/LibTarnExtensionImp.hpp"
-#include "model/LibTarnHeaderImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/LogImp.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/StructureImp.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnDocumentDeclaration.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/LibTarnExtensionImp.hpp"
+#include "libtarn/model/LibTarnHeaderImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/LogImp.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/StructureImp.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/consistency.hpp"
+#include "support/documents.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
+using tarn_test::documentTextWithLog;
 
 using namespace libtarn::model;
 using Operation = LibTarnManagedObject::Operation;
 
 enum class Sink { TAKES_LINES, THROWS };
-
-std::string text(const std::string& objects) {
-  return "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header>"
-         "<log dateTime='d' action='a'>x</log></header>" +
-         objects + "</cmData></tarn>";
-}
 
 const char* const OBJECTS =
     "<managedObject class='C' distName='A-1'><p name='a'>1</p></managedObject>"
@@ -61,8 +57,10 @@ class Transcript {
 void parseAndValidate(Transcript& transcript) {
   LibTarnDocument document;
   for (const std::string& each :
-       {text(OBJECTS), std::string("<tarn><"), std::string("<foo/>"), text("<managedObject/>"),
-        text("<managedObject distName='A-1'/><managedObject distName='A-1'/>"), text(OBJECTS)}) {
+       {documentTextWithLog(OBJECTS), std::string("<tarn><"), std::string("<foo/>"),
+        documentTextWithLog("<managedObject/>"),
+        documentTextWithLog("<managedObject distName='A-1'/><managedObject distName='A-1'/>"),
+        documentTextWithLog(OBJECTS)}) {
     transcript << document.parse(each.c_str(), true) << document.getDiagnostic().message;
     transcript.keep(document);
   }
@@ -73,7 +71,7 @@ void parseAndValidate(Transcript& transcript) {
 
 void edit(Transcript& transcript) {
   LibTarnDocument document;
-  document.parse(text(OBJECTS).c_str(), false);
+  document.parse(documentTextWithLog(OBJECTS).c_str(), false);
   LibTarnManagedObject& mask = libtarn::util::ManagedObjectBuilder(document).setClass("C").get();
   LibTarnManagedObject& values =
       libtarn::util::ManagedObjectBuilder(document).setVersion("2").get();
@@ -97,7 +95,7 @@ void cloneOfNoUse(Transcript& transcript, LibTarnDocument& document, Element* el
 
 void clones(Transcript& transcript) {
   LibTarnDocument document;
-  document.parse(text(OBJECTS).c_str(), false);
+  document.parse(documentTextWithLog(OBJECTS).c_str(), false);
   auto& factory = document.getFactory();
   cloneOfNoUse<LibTarnCmDataImp>(transcript, document, document.getLibTarnCmData());
   cloneOfNoUse<LibTarnHeaderImp>(transcript, document, factory.createLibTarnHeader());
@@ -120,12 +118,13 @@ void merge(Transcript& transcript) {
   LibTarnDocument fitting;
   LibTarnDocument conflicting;
   LibTarnDocument empty;
-  source.parse(text(OBJECTS).c_str(), false);
-  fitting.parse(text("<managedObject class='C' distName='B-1'/>"
-                     "<managedObject class='C' distName='A-2' operation='delete'/>")
+  source.parse(documentTextWithLog(OBJECTS).c_str(), false);
+  fitting.parse(documentTextWithLog("<managedObject class='C' distName='B-1'/>"
+                                    "<managedObject class='C' distName='A-2' operation='delete'/>")
                     .c_str(),
                 false);
-  conflicting.parse(text("<managedObject distName='A-1' operation='create'/>").c_str(), false);
+  conflicting.parse(
+      documentTextWithLog("<managedObject distName='A-1' operation='create'/>").c_str(), false);
   LibTarnManagedObject& object = *conflicting.getLibTarnCmData()->getLibTarnManagedObject("A-1");
   using libtarn::editor::TarnMerge;
   transcript << TarnMerge(empty).mergeDocument(fitting) << TarnMerge(source).mergeDocument(empty)

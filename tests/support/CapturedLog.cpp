@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "util/Logger.hpp"
+#include "libtarn/util/Logger.hpp"
 
 namespace {
 

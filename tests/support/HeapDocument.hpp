@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
 
 namespace tarn_test {
 

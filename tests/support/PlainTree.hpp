@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "rapidxml/rapidxml.hpp"
+#include "libtarn/rapidxml/rapidxml.hpp"
 
 namespace tarn_test {
 

@@ -6,16 +6,16 @@
 #include <set>
 #include <vector>
 
-#include "DomAttribute.hpp"
-#include "DomElement.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnDocumentDeclaration.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/StructureImp.hpp"
-#include "model/TarnDomDocument.hpp"
+#include "libtarn/DomAttribute.hpp"
+#include "libtarn/DomElement.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnDocumentDeclaration.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/StructureImp.hpp"
+#include "libtarn/model/TarnDomDocument.hpp"
 #include "model/TypedChildren.hpp"
 
 namespace tarn_test {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "model/LibTarnDocument.hpp"
-#include "rapidxml/rapidxml.hpp"
+#include "libtarn/model/LibTarnDocument.hpp"
+#include "libtarn/rapidxml/rapidxml.hpp"
 
 namespace tarn_test {
 

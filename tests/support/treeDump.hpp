@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "rapidxml/rapidxml.hpp"
+#include "libtarn/rapidxml/rapidxml.hpp"
 
 namespace tarn_test {
 

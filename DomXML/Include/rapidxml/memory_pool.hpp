@@ -5,14 +5,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <new>
 #include <type_traits>
 
-#include "Assertion.hpp"
-#include "IMemoryPool.hpp"
-#include "TarnApi.hpp"
-#include "rapidxml/nodes.hpp"
+#include "libtarn/Assertion.hpp"
+#include "libtarn/IMemoryPool.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/rapidxml/nodes.hpp"
 
 namespace rapidxml {
 
@@ -156,7 +155,7 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
 
   [[gnu::noinline]] void* allocate_in_new_block(std::size_t size) {
     const std::size_t usable = size > dynamic_pool_size ? size : dynamic_pool_size;
-    if (usable > std::numeric_limits<std::size_t>::max() - block_overhead) throw std::bad_alloc();
+    if (usable > SIZE_MAX - block_overhead) throw std::bad_alloc();
     const std::size_t raw_size = usable + block_overhead;
     char* const raw = allocate_raw(raw_size);
     char* const header = align(raw);
@@ -199,5 +198,7 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
   alloc_next_func* m_alloc_next_func = nullptr;
   std::size_t m_block_bytes = 0;
 };
+
+extern template class memory_pool<char>;
 
 }  // namespace rapidxml

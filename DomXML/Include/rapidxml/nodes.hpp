@@ -4,11 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <string>
 
-#include "Assertion.hpp"
-#include "TarnApi.hpp"
+#include "libtarn/Assertion.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace rapidxml {
 
@@ -115,7 +114,7 @@ class TARN_API xml_base {
 
  private:
   static std::uint32_t to_size(std::size_t size) {
-    TARN_ASSERT(size <= std::numeric_limits<std::uint32_t>::max(), "size fits 32 bits");
+    TARN_ASSERT(size <= UINT32_MAX, "size fits 32 bits");
     return static_cast<std::uint32_t>(size);
   }
 };
@@ -319,5 +318,9 @@ class TARN_API xml_node : public xml_base<Ch> {
   template <class, class>
   friend class internal::parser;
 };
+
+extern template class xml_base<char>;
+extern template class xml_attribute<char>;
+extern template class xml_node<char>;
 
 }  // namespace rapidxml

@@ -12,13 +12,33 @@
 //
 // Cost: one pass over the text, a pointer bump for each node.
 
-#include "Assertion.hpp"
-#include "TarnApi.hpp"
-#include "rapidxml/memory_pool.hpp"
-#include "rapidxml/nodes.hpp"
-#include "rapidxml/parser.hpp"
+#include <exception>
+
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/rapidxml/memory_pool.hpp"
+#include "libtarn/rapidxml/nodes.hpp"
 
 namespace rapidxml {
+
+/// Malformed text: what is wrong, and where in the parsed text.
+class TARN_API parse_error : public std::exception {
+ public:
+  /// `what` is kept, not copied: it must live as long as the exception and its copies.
+  parse_error(const char* what, void* where) : m_what(what), m_where(where) {}
+
+  /// What is wrong.
+  const char* what() const noexcept override;
+
+  /// Position of the fault within the text given to the parser. Valid as long as that text.
+  template <class Ch = char>
+  Ch* where() const {
+    return static_cast<Ch*>(m_where);
+  }
+
+ private:
+  const char* m_what;
+  void* m_where;
+};
 
 /// Parse option: text becomes the value of its element and no data nodes are made.
 constexpr int parse_no_data_nodes = 1;
@@ -38,27 +58,21 @@ class TARN_API xml_document : public xml_node<Ch>, public memory_pool<Ch> {
   /// elements still open are detached.
   template <int Flags>
   void parse(Ch*& text) {
-    parse_events none;
-    parse_telling<Flags>(text, none);
+    static_assert(Flags == (parse_no_data_nodes | parse_declaration_node),
+                  "the parser has one configuration");
+    parse_in_place(text);
   }
 
  protected:
-  /// As parse(); `events` are told, see parse_events.
-  template <int Flags, class Events>
-  void parse_telling(Ch*& text, Events& events) {
-    static_assert(Flags == (parse_no_data_nodes | parse_declaration_node),
-                  "the parser has one configuration");
-    TARN_ASSERT(text, "text");
-    this->remove_all_nodes();
-    this->remove_all_attributes();
-    internal::parser<Ch, Events>(*this, text, events).parse_into(*this);
-  }
+  /// As parse(). Reports to `events`, of a class that the library's own documents derive from
+  /// parse_events; the definition stands beside the parser.
+  template <class Events>
+  void parse_reporting(Ch*& text, Events& events);
+
+ private:
+  void parse_in_place(Ch*& text);
 };
 
-extern template class xml_base<char>;
-extern template class xml_attribute<char>;
-extern template class xml_node<char>;
-extern template class memory_pool<char>;
 extern template class xml_document<char>;
 
 }  // namespace rapidxml

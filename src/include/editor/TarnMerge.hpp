@@ -1,7 +1,10 @@
 #pragma once
 
-#include "TarnApi.hpp"
-#include "model/LibTarnManagedObject.hpp"
+#include <string>
+
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/Diagnostic.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
 
 namespace libtarn {
 
@@ -52,6 +55,11 @@ class TARN_API TarnMerge {
   /// as mergeDocument() does.
   bool mergeManagedObject(model::LibTarnManagedObject& delta);
 
+  /// Why the last mergeDocument() or mergeManagedObject() returned false: the code is
+  /// model::EditResult::Refused and the message the one of the log, without memory an empty one.
+  /// Success before the first and after one that returned true. Good until the next one.
+  const model::Diagnostic& getDiagnostic() const { return diagnostic_; }
+
   /// The first cmData of `document`, or null.
   model::LibTarnCmDataImp* getCmData(model::LibTarnDocument& document);
   /// mergeDocument() for a delta's cmData, which must not be the source's own.
@@ -90,9 +98,12 @@ class TARN_API TarnMerge {
   void addHeaders(model::LibTarnCmDataImp* delta);
 
  private:
+  bool refuse(const char* reason);
+
   model::TarnDomDocument* domDocument_;
   model::LibTarnCmDataImp* cmData_;
   util::TarnFactory& factory_;
+  model::Diagnostic diagnostic_;
 };
 
 }  // namespace editor

@@ -6,9 +6,10 @@
 namespace libtarn {
 namespace model {
 
-/// What became of the last parse or validation of a document.
+/// What became of the last parse or validation of a document, or of a merge.
 struct Diagnostic {
-  /// The result: 0, or 1 for malformed XML, or 2 for a broken rule of the model.
+  /// The result: 0; for a parse or a validation 1 for malformed XML, or 2 for a broken rule of the
+  /// model (ParseResult); for a merge 1 when it was refused (EditResult).
   int code = 0;
   /// What is wrong, without a prefix; empty on success.
   std::string message;

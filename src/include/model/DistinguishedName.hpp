@@ -2,7 +2,7 @@
 
 #include <iosfwd>
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 namespace model {

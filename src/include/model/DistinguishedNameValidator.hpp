@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/IDistinguishedNameValidator.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/IDistinguishedNameValidator.hpp"
 
 namespace libtarn {
 namespace model {

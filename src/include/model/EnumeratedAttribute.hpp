@@ -3,12 +3,12 @@
 #include <optional>
 #include <string_view>
 
-#include "Assertion.hpp"
-#include "IDomElement.hpp"
-#include "TarnApi.hpp"
-#include "model/exceptions/InvalidAttributeValueException.hpp"
-#include "model/exceptions/NoSuchAttributeException.hpp"
-#include "util/Enum.hpp"
+#include "libtarn/Assertion.hpp"
+#include "libtarn/IDomElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/exceptions/InvalidAttributeValueException.hpp"
+#include "libtarn/model/exceptions/NoSuchAttributeException.hpp"
+#include "libtarn/util/Enum.hpp"
 
 namespace libtarn {
 namespace model {

@@ -4,11 +4,13 @@
 #include <cstdint>
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/DistinguishedName.hpp"
-#include "model/IElement.hpp"
-#include "model/indexation/TarnCollection.hpp"
-#include "util/Enum.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/DistinguishedName.hpp"
+#include "libtarn/model/IElement.hpp"
+#include "libtarn/model/indexation/TarnCollection.hpp"
+#include "libtarn/util/detail/EnumClass.hpp"
+// The last one: it has effect on what follows.
+#include "libtarn/util/detail/hostMacrosOff.hpp"
 
 namespace libtarn {
 namespace model {
@@ -73,4 +75,11 @@ class TARN_API LibTarnCmData : public IElement {
 };
 
 }  // namespace model
+
+namespace util {
+extern template class Enum<model::LibTarnCmData::Type>;
+}
+
 }  // namespace libtarn
+
+#include "libtarn/util/detail/hostMacrosOn.hpp"

@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/EnumeratedAttribute.hpp"
-#include "model/LibTarnCmData.hpp"
-#include "model/TarnDomElement.hpp"
-#include "model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/EnumeratedAttribute.hpp"
+#include "libtarn/model/LibTarnCmData.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -24,8 +24,7 @@ class ObjectView;
 struct SharedKeyOrder;
 }  // namespace indexation
 
-struct IndexingParse;
-class LibTarnHeaderImp;
+struct Internals;
 class LibTarnManagedObjectImp;
 struct StagedAttributes;
 
@@ -83,22 +82,15 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   /// Throws ModelException subclasses for a missing or unknown type and for the second object of
   /// one name; objects before it stay indexed.
   void rebuildIndexersAndInitializeEnums();
-
-  /// Indexes a child that has just been parsed; finishParsing() brings it into effect.
-  void indexParsed(LibTarnManagedObjectImp& object, IndexingParse& parse);
-  /// Counts a child that has just been parsed.
-  void headerParsed(const LibTarnHeaderImp& header, IndexingParse& parse);
-  /// Whether all children that indexParsed() was told of can be indexed that way.
-  bool isAllPlain() const { return allPlain_; }
-  /// As rebuildIndexersAndInitializeEnums(), for which the children indexed while they were parsed
-  /// do when all of them were plain. Only for right after a parse. True when the element and all
-  /// below it are known to follow the rules of the format; false when nobody has looked.
-  bool finishParsing(const IndexingParse& parse);
+  /// The two halves of it.
+  void initializeType() { type_.initialize(); }
+  void rebuildIndexers();
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
 
  private:
+  friend struct Internals;
   using Unindexed = indexation::ObjectView<indexation::SharedKeyOrder>;
 
   bool isIndexed(const LibTarnManagedObjectImp& object) const;
@@ -109,27 +101,13 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   void prepareUnindexed();
   void rememberUnindexed(LibTarnManagedObjectImp& object);
   void forgetUnindexed(const LibTarnManagedObjectImp& object, const char* distName);
-  // A part of a row.
-  struct Part {
-    std::uint32_t begin = 0;
-    std::uint32_t end = 0;
-  };
-
-  void dispatchToObjectsAsTheyLie(validation::Validator& validator) const;
-  bool adoptParsed(const IndexingParse& parse);
-  void rebuildIndexers();
+  bool addAllChildren();
 
   EnumeratedAttribute<Type> type_;
   const indexation::ITarnIndexFactory* indexFactory_;
   indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* managedObjectIndex_;
   util::TarnFactory& factory_;
   Unindexed* unindexed_ = nullptr;  // children that lost their names to others, by these names
-  bool allPlain_ = true;            // of the children parsed so far
-  bool parsedInEffect_ = false;
-  bool hasOneParsedHeader_ = false;
-  bool hasManyParsedHeaders_ = false;
-  Part parsed_;         // of IndexingParse::objects
-  Part withOperation_;  // likewise
 };
 
 }  // namespace model

@@ -1,13 +1,15 @@
 #pragma once
 
+#include <cstddef>
+#include <limits>
 #include <list>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "OutOfMemory.hpp"
-#include "TarnApi.hpp"
-#include "model/Diagnostic.hpp"
+#include "libtarn/OutOfMemory.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/Diagnostic.hpp"
 
 namespace libtarn {
 namespace util {
@@ -18,10 +20,15 @@ namespace model {
 
 using libDomXml::OutOfMemory;
 
+class IElement;
 class LibTarnCmData;
 class LibTarnDocumentInternal;
 class LibTarnManagedObject;
 class TarnDomDocument;
+
+namespace validation {
+struct Violation;
+}
 
 /// A configuration document: what a host creates to read, build, query, change and print one.
 ///
@@ -51,15 +58,27 @@ class TARN_API LibTarnDocument {
   /// As above for a text that ends with a zero byte, which the document takes over without copying
   /// it. A vector without that zero is malformed.
   int parse(std::vector<char> text, bool validate);
-  /// Whether a text that ends with a zero byte is known to be one for which a parse() of a new
-  /// document, with validation, returns 0. False also for some for which it does, and for every
-  /// other one: parse() tells, and why. Takes little more memory than the text, and less time than
-  /// that parse. Logs nothing. Throws std::bad_alloc without memory.
-  static bool isKnownToBeValid(std::vector<char> text);
+  /// Validates a text: what getDiagnostic() of a new document holds after parse() with validation.
+  /// `read()` returns the text as a vector of char that ends with a zero byte. It is called once
+  /// when the text is valid, which takes little more memory than the text and less time than a
+  /// parse, logs nothing and keeps no document; otherwise a second time, for the same text, which
+  /// is then parsed. Throws what `read()` throws, and std::bad_alloc without memory.
+  template <class Read>
+  static Diagnostic validate(Read read) {
+    return validateText([](void* reader) { return (*static_cast<Read*>(reader))(); }, &read);
+  }
   /// Checks the rules of the format on the document as it is now, and that no object was given the
   /// name of another one. Returns 0, or 2 for a broken rule; the first one goes to the log at level
   /// ERROR.
   int validate();
+  /// As above, and replaces what `violations` holds by all that are found, in the order of a
+  /// Validator's walk: the first `limit`, and only while the texts of those before hold fewer than
+  /// `byteLimit` bytes. `count`, when given, gets the number of all of them. Two objects of one
+  /// name are found only where no other rule is broken.
+  int validate(std::vector<validation::Violation>* violations,
+               std::size_t limit = std::numeric_limits<std::size_t>::max(),
+               std::size_t byteLimit = std::numeric_limits<std::size_t>::max(),
+               std::size_t* count = nullptr);
   /// What the last parse() or validate() found; success before the first. Good until the next one.
   const Diagnostic& getDiagnostic() const { return diagnostic_; }
 
@@ -69,6 +88,11 @@ class TARN_API LibTarnDocument {
   std::size_t getMemorySize() const;
   /// The factory for new elements of this document.
   util::TarnFactory& getFactory() const { return *factory_; }
+  /// The place of the "<" of an element's start tag, in bytes from the start of the text that was
+  /// parsed last, as it was handed over (a byte order mark counts). util::locate() turns it into
+  /// line and column. util::NO_OFFSET for an element that was not parsed from that text, such as
+  /// one that the host made or that a merge brought. Constant time.
+  std::size_t getTextOffset(const IElement& element) const;
   /// Attributes of the root, null when absent.
   const char* getVersion() const;
   const char* getXmlns() const;
@@ -84,8 +108,9 @@ class TARN_API LibTarnDocument {
   void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
 
  private:
-  template <class Text>
-  int parseImpl(Text& text, bool validate);
+  int parseImpl(std::vector<char> text, bool validate);
+  static bool isKnownToBeValid(std::vector<char> text);
+  static Diagnostic validateText(std::vector<char> (*read)(void* reader), void* reader);
   void checkRules() const;
   void checkRootRules() const;
   int fail(int code, const std::string& message, std::size_t offset);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TarnApi.hpp"
-#include "model/TarnDomElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
 
 namespace libDomXml {
 class IDomDocument;

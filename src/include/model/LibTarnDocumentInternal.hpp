@@ -3,14 +3,12 @@
 #include <list>
 #include <vector>
 
-#include "TarnApi.hpp"
-#include "model/IElement.hpp"
-#include "model/TarnDomElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/IElement.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
 
 namespace libtarn {
 namespace model {
-
-struct IndexingParse;
 
 class LibTarnCmData;
 class LibTarnManagedObject;
@@ -40,13 +38,8 @@ class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement 
 
   /// As the operations of LibTarnDocument, but errors are thrown: rapidxml::parse_error and
   /// ModelException.
-  /// True when all below the root is known to follow the rules of the format, which is found out
-  /// along the way when `check` is set; false when nobody has looked.
-  bool parse(const char* text, bool check = false);
-  bool parse(std::vector<char>& text, bool check = false);
-  /// As parse() with `check`, but for the answer only: nothing is left of the managed objects,
-  /// which must not be asked for.
-  bool check(std::vector<char>& text);
+  void parse(const char* text);
+  void parse(std::vector<char>& text);
   void rebuildIndexersAndInitializeEnums();
   /// Throws DuplicateElementException when two managed objects have one name.
   void checkNames();
@@ -61,8 +54,6 @@ class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement 
   void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
 
  private:
-  bool finishParsing(const IndexingParse& indexing);
-  static void tellRebuilt();
   template <class Rebuild>
   void forEachCmData(Rebuild rebuild);
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/IElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/IElement.hpp"
 
 namespace libtarn {
 namespace model {

@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/LibTarnExtension.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/TarnDomElement.hpp"
-#include "model/UniqueContainer.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/LibTarnExtension.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/UniqueContainer.hpp"
 
 namespace libtarn {
 namespace model {
@@ -34,8 +34,6 @@ class TARN_API LibTarnExtensionImp : public LibTarnExtension, public TarnDomElem
   /// Not to be used: logs an ERROR line and returns null.
   LibTarnExtensionImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
-  /// Whether the rules of the format are followed here and below.
-  bool followsRules() const;
   void dispatchToSelf(validation::Validator& validator) const override;
   void updatePath(validation::Validator& validator) const override;
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "TarnApi.hpp"
-#include "model/LibTarnHeader.hpp"
-#include "model/TarnDomElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/LibTarnHeader.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -27,8 +27,6 @@ class TARN_API LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
   /// Not to be used: logs an ERROR line and returns null.
   LibTarnHeaderImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
-  /// Whether the rules of the format are followed here and below.
-  bool followsRules() const;
   void dispatchToSelf(validation::Validator& validator) const override;
   void updatePath(validation::Validator& validator) const override;
 

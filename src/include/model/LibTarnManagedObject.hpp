@@ -3,11 +3,13 @@
 #include <cstdint>
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/DistinguishedName.hpp"
-#include "model/IElement.hpp"
-#include "model/indexation/TarnCollection.hpp"
-#include "util/Enum.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/DistinguishedName.hpp"
+#include "libtarn/model/IElement.hpp"
+#include "libtarn/model/indexation/TarnCollection.hpp"
+#include "libtarn/util/detail/EnumClass.hpp"
+// The last one: it has effect on what follows.
+#include "libtarn/util/detail/hostMacrosOff.hpp"
 
 namespace libtarn {
 namespace util {
@@ -115,7 +117,17 @@ class TARN_API LibTarnManagedObject : public IElement {
   /// (an ERROR line says so) and LibTarnDocument::validate() returns 2, until it gets a name of its
   /// own or the other object is removed or renamed.
   virtual std::uint8_t setDistName(const char* distName) = 0;
+  /// Whether the object carries an operation. getOperation() is AUTO with "auto" and with none. The
+  /// default, for objects of a host's own class, takes AUTO for none.
+  virtual bool hasOperation() const;
 };
 
 }  // namespace model
+
+namespace util {
+extern template class Enum<model::LibTarnManagedObject::Operation>;
+}
+
 }  // namespace libtarn
+
+#include "libtarn/util/detail/hostMacrosOn.hpp"

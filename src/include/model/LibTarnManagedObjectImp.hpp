@@ -4,13 +4,13 @@
 #include <optional>
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/EnumeratedAttribute.hpp"
-#include "model/LibTarnExtensionImp.hpp"
-#include "model/LibTarnManagedObject.hpp"
-#include "model/TarnDomElement.hpp"
-#include "model/UniqueContainer.hpp"
-#include "model/indexation/ITarnUniqueIndex.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/EnumeratedAttribute.hpp"
+#include "libtarn/model/LibTarnExtensionImp.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/UniqueContainer.hpp"
+#include "libtarn/model/indexation/ITarnUniqueIndex.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -24,7 +24,7 @@ class ITarnIndexFactory;
 }
 
 class IDistinguishedNameValidator;
-struct IndexingParse;
+struct Internals;
 struct StagedAttributes;
 class UndoLog;
 
@@ -85,16 +85,9 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
   void rebuildIndexersAndInitializeEnum();
   void rebuildIndexersAndInitializeEnumAndDispatchToChildren();
 
-  /// Does the same for an object just parsed, in effect from when `condition` becomes true. False
-  /// when something is not plain; what has been indexed must then not come into effect.
-  bool indexParsed(IndexingParse& parse, const bool& condition);
-  /// Whether the rules of the format for the object itself, without what is in it, are followed.
-  bool followsOwnRules() const;
-  bool hasOperation() const;
+  bool hasOperation() const override;
   /// The attribute "operation", or null.
   rapidxml::xml_attribute<char>* findOperationAttribute() const;
-  /// Reads the operation, which must be there and known.
-  void initializeOperation() { operation_.initialize(); }
   /// The operation last read or written, if any; it can be set without a change of the attribute.
   const std::optional<util::Enum<Operation>>& getKeptOperation() const {
     return operation_.getKept();
@@ -111,6 +104,8 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
   void finishCopy() override;
 
  private:
+  friend struct Internals;
+
   enum class RebuildIndexersMode { OwnIndexes, DispatchToChildren };
 
   void rebuildIndexersAndInitializeEnum(RebuildIndexersMode mode);

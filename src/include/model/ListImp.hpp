@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/List.hpp"
-#include "model/TarnDomElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/List.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -13,8 +13,6 @@ class IDomDocument;
 
 namespace libtarn {
 namespace model {
-
-struct IndexingParse;
 
 /// Node class of List.
 class TARN_API ListImp : public TarnDomElement, public List {
@@ -49,8 +47,6 @@ class TARN_API ListImp : public TarnDomElement, public List {
   /// Builds the component index of every item. Throws DuplicateElementException for two components
   /// of one name in an item.
   void rebuildIndexersAndDispatchToChildren();
-  /// Does the same for a list just parsed, see LibTarnManagedObjectImp::indexParsed().
-  bool indexParsed(IndexingParse& parse, const bool& condition);
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TarnApi.hpp"
-#include "model/IElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/IElement.hpp"
 
 namespace libtarn {
 namespace model {

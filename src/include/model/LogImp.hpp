@@ -3,9 +3,9 @@
 #include <ctime>
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/Log.hpp"
-#include "model/TarnDomElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/Log.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
 
 namespace libDomXml {
 class IDomDocument;

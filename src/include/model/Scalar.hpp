@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/IElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/IElement.hpp"
 
 namespace libtarn {
 namespace model {

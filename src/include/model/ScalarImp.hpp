@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/Scalar.hpp"
-#include "model/TarnDomElement.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/Scalar.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
 
 namespace libDomXml {
 class IDomDocument;

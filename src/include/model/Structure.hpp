@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/IElement.hpp"
-#include "model/indexation/TarnCollection.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/IElement.hpp"
+#include "libtarn/model/indexation/TarnCollection.hpp"
 
 namespace libtarn {
 namespace model {
@@ -26,7 +26,7 @@ class TARN_API Structure : public IElement {
   virtual bool hasComponent(const std::string& name) const = 0;
   /// The component of that name, or null.
   virtual Scalar* getComponent(const std::string& name) const = 0;
-  /// All components in byte order of their names; good until components are added.
+  /// All components in byte order of their names; see TarnCollection for edits during a walk.
   virtual indexation::ScalarCollection getComponents() const = 0;
   /// Appends a detached `p` of this document. Returns 0, or 1 with nothing changed when a component
   /// of that name exists.

@@ -4,10 +4,10 @@
 #include <string>
 #include <string_view>
 
-#include "TarnApi.hpp"
-#include "model/Structure.hpp"
-#include "model/TarnDomElement.hpp"
-#include "model/indexation/ITarnUniqueIndex.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/Structure.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/indexation/ITarnUniqueIndex.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -16,7 +16,8 @@ class IDomDocument;
 namespace libtarn {
 namespace model {
 
-struct IndexingParse;
+struct Internals;
+class ScalarImp;
 
 namespace indexation {
 class ITarnIndexFactory;
@@ -49,16 +50,17 @@ class TARN_API StructureImp : public TarnDomElement, public Structure {
   /// Takes the `p` children into the component index. Throws DuplicateElementException for the
   /// second of one name; those before it stay indexed.
   void rebuildIndexers();
-  /// Does the same for an item just parsed of the list `listName`, see
-  /// LibTarnManagedObjectImp::indexParsed().
-  bool indexParsed(IndexingParse& parse, std::string_view listName, const bool& condition);
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
   void finishCopy() override;
 
  private:
-  [[noreturn]] void throwDuplicate(const char* componentName) const;
+  friend struct Internals;
+
+  const ScalarImp* indexComponents();
+  std::string placeText() const;
+  [[noreturn]] static void throwDuplicate(const std::string& place, const ScalarImp& component);
   bool hasMatch(const Scalar& pattern) const;
 
   const indexation::ITarnIndexFactory* indexFactory_;

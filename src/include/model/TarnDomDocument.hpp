@@ -5,19 +5,17 @@
 #include <string>
 #include <vector>
 
-#include "DomDocument.hpp"
-#include "TarnApi.hpp"
-#include "model/TarnDomElement.hpp"
-#include "util/TarnFactory.hpp"
+#include "libtarn/DomDocument.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 
 namespace libtarn {
 namespace model {
 
-struct IndexingParse;
-class LibTarnCmDataImp;
 class LibTarnDocumentDeclaration;
 class LibTarnDocumentInternal;
-class LibTarnManagedObjectImp;
+class Load;
 
 /// The document node of a configuration document: owns text, pool, declaration, root and the
 /// factory, and gives the parser a node of the model for every tag.
@@ -64,9 +62,6 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   /// Takes over `text`, which must end with a zero byte, and parses it in place; the text of an
   /// earlier parse comes back in its stead. Throws rapidxml::parse_error.
   void parse(std::vector<char>& text);
-  /// As above. The objects of each cmData are indexed as they are parsed, which
-  /// LibTarnCmDataImp::finishParsing() with the same `indexing` brings into effect.
-  void parseAndIndex(std::vector<char>& text, IndexingParse& indexing);
   /// Keeps the text of the parse done, and so its elements, until the document is destroyed.
   void keepText();
   int rapidParse(char* text) override;
@@ -74,6 +69,10 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   void parseDoc(char* text);
   /// The place that the parse_error of the last parse gave, in bytes from the start of its text.
   std::size_t getTextOffset(const rapidxml::parse_error& error) const;
+  /// The place of the "<" of an element's start tag in the text that was parsed last, in bytes from
+  /// its start. util::NO_OFFSET for an element that is not from that text, or got another tag
+  /// since.
+  std::size_t getTextOffset(const rapidxml::xml_node<char>& element) const;
 
   /// Bytes that the document takes: the blocks of its pool and the texts that it has taken over.
   std::size_t getMemorySize() const;
@@ -82,31 +81,27 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   std::string printDocument() override;
 
  private:
-  struct Events;
+  friend class Load;
 
   TarnDomElement* makeTarnElement(const char* name, std::size_t size);
   template <class Element>
   Element* makeNode();
   void leaveTree();
   void takeText(std::vector<char>& text);
-  void parseDoc(char* text, IndexingParse* indexing);
+  void beginParse(char* text);
   /// Of declaration and root, when they point into the parsed text.
   void moveTextsIntoPool();
-  void forgetObject(LibTarnManagedObjectImp& object, LibTarnCmDataImp& cmData,
-                    const IndexingParse& indexing);
   TarnDomElement* reuseDeclaration();
   TarnDomElement* reuseRoot(const char* nameEnd);
-  bool isTopLevelNode();
+  bool isTopLevelNode() const;
 
   std::vector<char> buffer_;
   util::TarnFactory factory_;
   const char* textStart_ = nullptr;  // of the last parse; its text may be gone
   char* parsePosition_ = nullptr;
-  char* nameEnd_ = nullptr;  // of the last element that was made in this parse
+  Load* load_ = nullptr;  // while a text is parsed
   LibTarnDocumentInternal* root_ = nullptr;
-  bool isParsing_ = false;
-  bool rootIsInText_ = false;        // its name, value and attributes
-  bool beforeTopLevelNode_ = false;  // set until the first node behind a top-level "<" is made
+  bool rootIsInText_ = false;  // its name, value and attributes
   std::list<std::vector<char>> keptTexts_;
 };
 

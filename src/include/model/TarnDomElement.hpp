@@ -1,8 +1,8 @@
 #pragma once
 
-#include "DomElement.hpp"
-#include "TarnApi.hpp"
-#include "copyTree.hpp"
+#include "libtarn/DomElement.hpp"
+#include "libtarn/ElementCopy.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 namespace util {

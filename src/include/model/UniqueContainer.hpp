@@ -1,9 +1,6 @@
 #pragma once
 
-#include "TarnApi.hpp"
-#include "model/TypedChildren.hpp"
-#include "model/exceptions/DuplicateElementException.hpp"
-#include "model/exceptions/NoSuchElementException.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 namespace model {
@@ -11,7 +8,7 @@ namespace model {
 /// Keeps the children of one class unique by what their getId() says, by searching them.
 ///
 /// Owns nothing: it works on the parent passed to each call. Every operation walks the children.
-/// Instantiated for identifiers of type std::string.
+/// Instantiated for the extensions of an object and the parameters of an extension.
 template <class Parent, class Child, class Id>
 class TARN_API UniqueContainer {
  public:
@@ -21,35 +18,19 @@ class TARN_API UniqueContainer {
   bool has(const Parent& parent, const Id& id) const { return find(parent, id) != nullptr; }
 
   /// Throws NoSuchElementException when there is no such child.
-  Child* get(const Parent& parent, const Id& id) const {
-    Child* const child = find(parent, id);
-    if (!child) {
-      throw exceptions::NoSuchElementException::instance(Child::TAG_NAME, idAttributeName_, id);
-    }
-    return child;
-  }
+  Child* get(const Parent& parent, const Id& id) const;
 
   /// Appends `child`. Throws DuplicateElementException, with nothing changed, when its identifier
   /// is taken.
-  void add(Parent& parent, Child& child) const {
-    const Id id = child.getId();
-    if (has(parent, id)) {
-      throw exceptions::DuplicateElementException::instance(Child::TAG_NAME, Parent::TAG_NAME,
-                                                            idAttributeName_, id);
-    }
-    parent.addChild(&child);
-  }
+  void add(Parent& parent, Child& child) const;
 
   /// Throws NoSuchElementException when there is no such child.
-  void remove(Parent& parent, const Id& id) const { parent.removeChild(get(parent, id)); }
+  void remove(Parent& parent, const Id& id) const;
+
+  /// The first child of that identifier, or null.
+  Child* find(const Parent& parent, const Id& id) const;
 
  private:
-  Child* find(const Parent& parent, const Id& id) const {
-    Child* child = firstTypedChild<Child>(parent);
-    while (child && id != child->getId()) child = nextTypedSibling(*child);
-    return child;
-  }
-
   const char* idAttributeName_;
 };
 

@@ -2,7 +2,7 @@
 
 #include <list>
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 

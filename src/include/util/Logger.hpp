@@ -1,9 +1,12 @@
 #pragma once
 
-#include <sstream>
+#include <iosfwd>
+#include <string>
 
-#include "TarnApi.hpp"
-#include "util/Enum.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/util/detail/EnumClass.hpp"
+// The last one: it has effect on what follows.
+#include "libtarn/util/detail/hostMacrosOff.hpp"
 
 namespace libtarn {
 namespace util {
@@ -30,19 +33,22 @@ class TARN_API Logger {
 
   /// `location` ("FILE:LINE", relative to the source tree) and `function` must outlive the logger
   /// and not be null (asserted when the line is handed over).
-  Logger(Level level, const char* location, const char* function)
-      : level_(level), location_(location), function_(function) {}
+  Logger(Level level, const char* location, const char* function);
   Logger(const Logger&) = delete;
   Logger& operator=(const Logger&) = delete;
   /// Calls print() once and drops what it throws.
   ~Logger();
 
-  /// Adds to the message what `value` prints as.
+  /// Adds to the message what `value` prints as. A caller that streams more than texts includes
+  /// the header `ostream`.
   template <class Value>
   Logger& operator<<(const Value& value) {
-    stream_ << value;
+    if (stream_) stream() << value;
     return *this;
   }
+  /// Adds a text.
+  Logger& operator<<(const char* text);
+  Logger& operator<<(const std::string& text);
 
   /// To be defined by the host; the library only calls it, synchronously, once a line. The pointers
   /// are valid during the call; `message` has no line end. A host that logs from several threads
@@ -50,11 +56,17 @@ class TARN_API Logger {
   static void print(Level level, const char* location, const char* function, const char* message);
 
  private:
+  std::ostream& stream();
+
   Level level_;
   const char* location_;
   const char* function_;
-  std::ostringstream stream_;
+  std::ostringstream* stream_;  // null without memory
 };
+
+extern template class Enum<Logger::Level>;
 
 }  // namespace util
 }  // namespace libtarn
+
+#include "libtarn/util/detail/hostMacrosOn.hpp"

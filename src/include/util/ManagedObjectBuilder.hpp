@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TarnApi.hpp"
-#include "model/LibTarnManagedObject.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
 
 namespace libtarn {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "IMemoryPool.hpp"
-#include "TarnApi.hpp"
-#include "model/LibTarnCmData.hpp"
-#include "model/LibTarnManagedObject.hpp"
+#include "libtarn/IMemoryPool.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/LibTarnCmData.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
 
 namespace libtarn {
 namespace model {
@@ -80,6 +80,11 @@ class TARN_API TarnFactory {
 
   /// The pool that everything is built in.
   libDomXml::IMemoryPool& getMemoryPool() const { return pool_; }
+  /// What every managed object, and every element with indexes, is given; never null.
+  const model::IDistinguishedNameValidator* getDistNameValidator() const {
+    return distNameValidator_;
+  }
+  const model::indexation::ITarnIndexFactory* getIndexFactory() const { return indexFactory_; }
 
  private:
   libDomXml::IMemoryPool& pool_;

@@ -1,11 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 namespace util {
+
+/// What stands for an offset when there is none.
+constexpr std::size_t NO_OFFSET = SIZE_MAX;
 
 /// A place in a text as people count: both from 1, the column in bytes. A line ends at a line feed,
 /// which is its last byte.

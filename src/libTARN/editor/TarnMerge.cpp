@@ -7,27 +7,29 @@
 // rule of the model, and memory may end: so every change is written down, and whatever is thrown,
 // all of them are taken back. Deleted objects go at the end, when nothing can fail any more.
 
-#include "editor/TarnMerge.hpp"
+#include "libtarn/editor/TarnMerge.hpp"
 
 #include <map>
+#include <new>
 #include <sstream>
 #include <string_view>
 #include <vector>
 
+#include "../model/TypedChildren.hpp"
 #include "../model/UndoLog.hpp"
 #include "../model/patternText.hpp"
 #include "../util/LogLocation.hpp"
-#include "Assertion.hpp"
-#include "editor/exceptions/EditorException.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnDocument.hpp"
-#include "model/LibTarnExtensionImp.hpp"
-#include "model/LibTarnHeaderImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/TypedChildren.hpp"
-#include "util/Logger.hpp"
+#include "libtarn/Assertion.hpp"
+#include "libtarn/editor/exceptions/EditorException.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnDocument.hpp"
+#include "libtarn/model/LibTarnExtensionImp.hpp"
+#include "libtarn/model/LibTarnHeaderImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/ResultCodes.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/util/Logger.hpp"
 
 namespace libtarn {
 namespace editor {
@@ -54,6 +56,7 @@ constexpr const char* NO_SOURCE_FOR_OBJECT_LOCATION = "src/libTARN/editor/TarnMe
 
 constexpr const char* SAME_DOCUMENT_MESSAGE = "Source and delta are the same document";
 constexpr const char* SAME_OBJECT_MESSAGE = "Source and delta are the same object";
+constexpr const char* NO_DELTA_MESSAGE = "Delta document doesn't have cmData node";
 constexpr const char* NO_SOURCE_MESSAGE = "Source document doesn't have cmData node";
 
 void logError(const char* location, const char* function, const char* message) {
@@ -142,12 +145,13 @@ class Changes {
   Changes(LibTarnCmDataImp& source, util::TarnFactory& factory)
       : source_(source), factory_(factory) {}
 
-  /// `source` is the object of the delta's name, or null.
-  void apply(LibTarnManagedObject* source, LibTarnManagedObject& delta, Operation operation) {
+  /// `source` is the object of the name `distName`, or null.
+  void apply(LibTarnManagedObject* source, LibTarnManagedObject& delta,
+             const DistinguishedName& distName, Operation operation) {
     if (operation == Operation::CREATE) {
       log_.addObject(source_, copyInto<LibTarnManagedObjectImp>(factory_, delta));
     } else if (operation == Operation::DELETE) {
-      deleted_.push_back(delta.getDistName());
+      deleted_.push_back(distName);
     } else {
       TARN_ASSERT(source, "source && delta");
       if (source != &delta) update(factory_, *source, delta, log_);
@@ -155,13 +159,14 @@ class Changes {
   }
 
   /// As above. The delta learns what its "auto" came to before it is copied, and so does the copy.
-  void applyAndTell(LibTarnManagedObject* source, LibTarnManagedObject& delta) {
+  void applyAndTell(LibTarnManagedObject* source, LibTarnManagedObject& delta,
+                    const DistinguishedName& distName) {
     Operation operation = delta.getOperation();
     if (operation == Operation::AUTO) {
       operation = explicitOperation(source);
       log_.setOperation(model::implementation<LibTarnManagedObjectImp>(delta), operation);
     }
-    apply(source, delta, operation);
+    apply(source, delta, distName, operation);
   }
 
   /// Appends copies of the log entries, when source and delta have a header.
@@ -199,19 +204,31 @@ TarnMerge::TarnMerge(LibTarnDocument& source)
       cmData_(getCmData(source)),
       factory_(source.getFactory()) {}
 
+// Without memory for the reason the merge is refused all the same.
+bool TarnMerge::refuse(const char* reason) {
+  diagnostic_.code = model::EditResult::Refused;
+  try {
+    diagnostic_.message = reason;
+  } catch (const std::bad_alloc&) {
+    diagnostic_.message.clear();
+  }
+  return false;
+}
+
 bool TarnMerge::mergeDocument(LibTarnDocument& delta) {
+  diagnostic_ = {};
   if (!cmData_) {
     logError(NO_SOURCE_LOCATION, "mergeDocument", NO_SOURCE_MESSAGE);
-    return false;
+    return refuse(NO_SOURCE_MESSAGE);
   }
   if (delta.getItsTarnDomDocument() == domDocument_) {
     logError(TARN_LOG_LOCATION, "mergeDocument", SAME_DOCUMENT_MESSAGE);
-    return false;
+    return refuse(SAME_DOCUMENT_MESSAGE);
   }
   LibTarnCmDataImp* const deltaCmData = getCmData(delta);
   if (!deltaCmData) {
-    logError(NO_DELTA_LOCATION, "mergeDocument", "Delta document doesn't have cmData node");
-    return false;
+    logError(NO_DELTA_LOCATION, "mergeDocument", NO_DELTA_MESSAGE);
+    return refuse(NO_DELTA_MESSAGE);
   }
   return doMerge(deltaCmData);
 }
@@ -222,19 +239,22 @@ LibTarnCmDataImp* TarnMerge::getCmData(LibTarnDocument& document) {
 }
 
 bool TarnMerge::doMerge(LibTarnCmDataImp* delta) {
+  TARN_ASSERT(cmData_ && delta, "cmData && delta");
+  diagnostic_ = {};
   if (delta == cmData_) {
     logError(TARN_LOG_LOCATION, "doMerge", SAME_DOCUMENT_MESSAGE);
-    return false;
+    return refuse(SAME_DOCUMENT_MESSAGE);
   }
   try {
     goThroughAllDeltaMoWithExecutor(delta, &TarnMerge::checkForMergeConflicts);
   } catch (const EditorException& conflict) {
     logError(CONFLICT_LOCATION, "doMerge", conflict.what());
-    return false;
+    return refuse(conflict.what());
   }
   Changes changes(*cmData_, factory_);
   for (LibTarnManagedObject* object : delta->getLibTarnManagedObjects()) {
-    changes.applyAndTell(cmData_->getLibTarnManagedObject(object->getDistName()), *object);
+    const DistinguishedName distName = object->getDistName();
+    changes.applyAndTell(cmData_->getLibTarnManagedObject(distName), *object, distName);
   }
   changes.addLogs(*delta);
   changes.finish();
@@ -262,25 +282,30 @@ void TarnMerge::checkForMergeConflicts(LibTarnManagedObject* source, LibTarnMana
 }
 
 void TarnMerge::mergeDocuments(LibTarnManagedObject* source, LibTarnManagedObject* delta,
-                               const DistinguishedName& /*distName*/) {
+                               const DistinguishedName& distName) {
+  TARN_ASSERT(cmData_ && delta, "cmData && delta");
   Changes changes(*cmData_, factory_);
-  changes.applyAndTell(source, *delta);
+  changes.applyAndTell(source, *delta, distName);
   changes.finish();
 }
 
 bool TarnMerge::mergeManagedObject(LibTarnManagedObject& delta) {
+  diagnostic_ = {};
   if (!cmData_) {
     logError(NO_SOURCE_FOR_OBJECT_LOCATION, "mergeManagedObject", NO_SOURCE_MESSAGE);
-    return false;
+    return refuse(NO_SOURCE_MESSAGE);
   }
-  LibTarnManagedObject* const source = cmData_->getLibTarnManagedObject(delta.getDistName());
+  const DistinguishedName distName = delta.getDistName();
+  LibTarnManagedObject* const source = cmData_->getLibTarnManagedObject(distName);
+  try {
+    checkForMergeConflicts(source, &delta, distName);
+  } catch (const EditorException& conflict) {
+    return refuse(conflict.what());
+  }
   Operation operation = delta.getOperation();
   if (operation == Operation::AUTO) operation = getExplicitOperationFromAutoOperation(source);
-
-  const bool mustBeThere = operation != Operation::CREATE;
-  if (mustBeThere != (source != nullptr)) return false;
   Changes changes(*cmData_, factory_);
-  changes.apply(source, delta, operation);
+  changes.apply(source, delta, distName, operation);
   changes.finish();
   return true;
 }

@@ -1,9 +1,9 @@
-#include "model/DistinguishedName.hpp"
+#include "libtarn/model/DistinguishedName.hpp"
 
 #include <cstring>
 #include <ostream>
 
-#include "Assertion.hpp"
+#include "libtarn/Assertion.hpp"
 
 namespace libtarn {
 namespace model {

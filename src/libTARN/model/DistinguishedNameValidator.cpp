@@ -1,4 +1,4 @@
-#include "model/DistinguishedNameValidator.hpp"
+#include "libtarn/model/DistinguishedNameValidator.hpp"
 
 #include <cstddef>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
 
 #include <cstdint>
 #include <cstring>
@@ -9,19 +9,19 @@
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
-#include "IndexingParse.hpp"
+#include "Internals.hpp"
 #include "StagedAttribute.hpp"
+#include "TypedChildren.hpp"
 #include "attributeNames.hpp"
 #include "indexChildren.hpp"
 #include "indexation/ObjectView.hpp"
-#include "model/LibTarnHeaderImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/TypedChildren.hpp"
-#include "model/exceptions/DuplicateElementException.hpp"
-#include "model/indexation/ITarnIndexFactory.hpp"
-#include "model/validation/Validator.hpp"
+#include "libtarn/model/LibTarnHeaderImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/exceptions/DuplicateElementException.hpp"
+#include "libtarn/model/indexation/ITarnIndexFactory.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 #include "patternText.hpp"
-#include "util/TarnFactory.hpp"
 
 namespace libtarn {
 namespace model {
@@ -34,18 +34,6 @@ constexpr const char* TYPE_ATTRIBUTE = "type";
 // Absent names count as the empty text.
 DistinguishedName nameOf(const LibTarnManagedObject& object) {
   return DistinguishedName(textOrEmpty(object.getDistName().getText()));
-}
-
-// Makes `element` the end of the part of the row. False when something else stands between, or when
-// there are more than can be counted.
-template <class Part, class Element>
-bool addTo(Part& part, std::vector<Element>& row, Element element) {
-  if (row.size() >= std::numeric_limits<std::uint32_t>::max()) return false;
-  if (part.begin == part.end) part.begin = part.end = static_cast<std::uint32_t>(row.size());
-  if (part.end != row.size()) return false;
-  row.push_back(element);
-  ++part.end;
-  return true;
 }
 
 }  // namespace
@@ -88,24 +76,9 @@ void LibTarnCmDataImp::dispatchToChildren(validation::Validator& validator) cons
        header = nextTypedSibling(*header)) {
     header->accept(validator);
   }
-  if (validator.isAnyOrderAllowed()) return dispatchToObjectsAsTheyLie(validator);
   for (const LibTarnManagedObject* object : getLibTarnManagedObjects()) {
     implementation<LibTarnManagedObjectImp>(*object).accept(validator);
   }
-}
-
-// Objects lie in memory as they stand in the text. A host may have unlinked some, or changed their
-// tags, without telling the index; those count, too.
-void LibTarnCmDataImp::dispatchToObjectsAsTheyLie(validation::Validator& validator) const {
-  for (auto* object = firstTypedChild<LibTarnManagedObjectImp>(*this); object;
-       object = nextTypedSibling(*object)) {
-    object->accept(validator);
-  }
-  managedObjectIndex_->forEach([this, &validator](const LibTarnManagedObject* indexed) {
-    const auto& object = implementation<LibTarnManagedObjectImp>(*indexed);
-    const std::string_view tag(object.name(), object.name_size());
-    if (object.parent() != this || tag != LibTarnManagedObject::TAG_NAME) object.accept(validator);
-  });
 }
 
 void LibTarnCmDataImp::dispatchToSelf(validation::Validator& validator) const {
@@ -156,7 +129,8 @@ indexation::ManagedObjectCollection LibTarnCmDataImp::getLibTarnManagedObjectsBy
 
 void LibTarnCmDataImp::addLibTarnManagedObject(LibTarnManagedObject& object) {
   auto& element = implementation<LibTarnManagedObjectImp>(object);
-  if (!managedObjectIndex_->add(&object)) return;
+  if (hasLibTarnManagedObject(object.getDistName())) return;
+  managedObjectIndex_->add(&object);
   addChild(&element);
 }
 
@@ -313,62 +287,34 @@ void LibTarnCmDataImp::removeAllLibTarnManagedObjects() {
   managedObjectIndex_->clear();
 }
 
-void LibTarnCmDataImp::indexParsed(LibTarnManagedObjectImp& object, IndexingParse& parse) {
-  if (!allPlain_) return;
-  const auto* const attribute =
-      object.first_attribute(DIST_NAME_ATTRIBUTE, sizeof(DIST_NAME_ATTRIBUTE) - 1);
-  const char* const name = attribute ? attribute->value() : "";
-  const std::uint32_t hash = indexation::textHash(name, attribute ? attribute->value_size() : 0);
-  allPlain_ = !parse.zeroByte &&
-              addTo(parsed_, parse.objects, indexation::HashedObject{name, &object, hash}) &&
-              (!object.hasOperation() || addTo(withOperation_, parse.withOperation, &object)) &&
-              object.indexParsed(parse, parsedInEffect_);
-  if (parse.followsRules) parse.followsRules = object.followsOwnRules();
-}
-
-void LibTarnCmDataImp::headerParsed(const LibTarnHeaderImp& header, IndexingParse& parse) {
-  hasManyParsedHeaders_ = hasOneParsedHeader_;
-  hasOneParsedHeader_ = true;
-  if (parse.followsRules) parse.followsRules = header.followsRules();
-}
-
-bool LibTarnCmDataImp::finishParsing(const IndexingParse& parse) {
-  type_.initialize();
-  if (!adoptParsed(parse)) {
-    if (!parse.forgetsObjects) rebuildIndexers();
-    return false;
-  }
-  return parse.followsRules && hasOneParsedHeader_ && !hasManyParsedHeaders_;
-}
-
-bool LibTarnCmDataImp::adoptParsed(const IndexingParse& parse) {
-  if (!allPlain_ || parse.zeroByte || parsed_.begin == parsed_.end) return false;
-  if (!managedObjectIndex_->addAll(&parse.objects[parsed_.begin], parsed_.end - parsed_.begin)) {
-    return false;
-  }
-  if (parse.forgetsObjects) return true;
-  for (std::size_t i = withOperation_.begin; i < withOperation_.end; ++i) {
-    parse.withOperation[i]->initializeOperation();
-  }
-  parsedInEffect_ = true;
-  return true;
-}
-
 void LibTarnCmDataImp::rebuildIndexersAndInitializeEnums() {
-  type_.initialize();
+  initializeType();
   rebuildIndexers();
 }
 
 void LibTarnCmDataImp::rebuildIndexers() {
+  const bool areAdded = addAllChildren();
   for (auto* object = firstTypedChild<LibTarnManagedObjectImp>(*this); object;
        object = nextTypedSibling(*object)) {
     // One that is indexed already, as after a second rebuild, is no duplicate of itself.
-    if (!managedObjectIndex_->add(object) && getLibTarnManagedObject(nameOf(*object)) != object) {
+    if (!areAdded && !managedObjectIndex_->add(object) &&
+        getLibTarnManagedObject(nameOf(*object)) != object) {
       throw exceptions::DuplicateElementException::instance(
           LibTarnManagedObject::TAG_NAME, TAG_NAME, DistinguishedName::ATTR_NAME, nameOf(*object));
     }
     object->rebuildIndexersAndInitializeEnumAndDispatchToChildren();
   }
+}
+
+// For an index of the host's that knows how.
+bool LibTarnCmDataImp::addAllChildren() {
+  if (Internals::isLibraryIndexed(*this) || managedObjectIndex_->size() > 0) return false;
+  std::vector<indexation::ManagedObjectEntry> entries;
+  for (auto* object = firstTypedChild<LibTarnManagedObjectImp>(*this); object;
+       object = nextTypedSibling(*object)) {
+    entries.push_back({nameOf(*object).getText(), object, entries.size()});
+  }
+  return managedObjectIndex_->addAll(entries.data(), entries.size());
 }
 
 LibTarnCmDataImp* LibTarnCmDataImp::getNextSiblingElement() const {

@@ -1,11 +1,18 @@
-#include "model/LibTarnDocument.hpp"
+#include "libtarn/model/LibTarnDocument.hpp"
+
+#include <cstring>
+#include <utility>
 
 #include "../util/LogLocation.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
-#include "model/TarnDomDocument.hpp"
-#include "model/exceptions/ModelException.hpp"
-#include "model/validation/Validator.hpp"
-#include "util/Logger.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/TarnDomDocument.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/model/validation/Violation.hpp"
+#include "libtarn/util/Logger.hpp"
+#include "libtarn/util/TextPosition.hpp"
+#include "load/Load.hpp"
+#include "validation/keepsRules.hpp"
 
 namespace libtarn {
 namespace model {
@@ -16,6 +23,9 @@ namespace {
 constexpr int DONE = 0;
 constexpr int MALFORMED = 1;
 constexpr int MODEL_RULE_BROKEN = 2;
+
+// As a Validator has it.
+constexpr const char* BODY_PATH = "tarn > cmData > ";
 
 }  // namespace
 
@@ -34,20 +44,23 @@ LibTarnDocument::LibTarnDocument(TarnDomDocument* document)
 
 LibTarnDocument::~LibTarnDocument() = default;
 
-int LibTarnDocument::parse(const char* text, bool validate) { return parseImpl(text, validate); }
-
-int LibTarnDocument::parse(std::vector<char> text, bool validate) {
-  return parseImpl(text, validate);
+int LibTarnDocument::parse(const char* text, bool validate) {
+  TARN_ASSERT(text, "text");
+  return parseImpl(std::vector<char>(text, text + std::strlen(text) + 1), validate);
 }
 
-template <class Text>
-int LibTarnDocument::parseImpl(Text& text, bool validate) {
+int LibTarnDocument::parse(std::vector<char> text, bool validate) {
+  return parseImpl(std::move(text), validate);
+}
+
+int LibTarnDocument::parseImpl(std::vector<char> text, bool validate) {
   diagnostic_ = Diagnostic();
   try {
     // Elements of an earlier parse stay readable.
     domDocument_->keepText();
-    const bool isKnownToFollow = root_->parse(text, validate);
-    if (validate) isKnownToFollow ? checkRootRules() : checkRules();
+    const Load::Verdict below =
+        Load(*domDocument_, validate ? Load::Mode::VALIDATE : Load::Mode::INDEX).run(text);
+    if (validate) below == Load::Verdict::VALID ? checkRootRules() : checkRules();
   } catch (const rapidxml::parse_error& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "parseImpl")
         << "Parsing failed: " << error.what();
@@ -63,10 +76,19 @@ int LibTarnDocument::parseImpl(Text& text, bool validate) {
   return DONE;
 }
 
+Diagnostic LibTarnDocument::validateText(std::vector<char> (*read)(void* reader), void* reader) {
+  if (isKnownToBeValid(read(reader))) return {};
+  LibTarnDocument document(OutOfMemory::Throw);
+  document.parse(read(reader), true);
+  return document.getDiagnostic();
+}
+
+// Nothing is left of the objects, so that this takes little more memory than the text.
 bool LibTarnDocument::isKnownToBeValid(std::vector<char> text) {
   LibTarnDocument document(OutOfMemory::Throw);
   try {
-    if (!document.root_->check(text)) return false;
+    Load load(*document.domDocument_, Load::Mode::ONLY_CHECK);
+    if (load.run(text) == Load::Verdict::NOT_KNOWN) return false;
     document.checkRootRules();
   } catch (const rapidxml::parse_error&) {
     return false;
@@ -90,22 +112,31 @@ int LibTarnDocument::validate() {
   return DONE;
 }
 
+int LibTarnDocument::validate(std::vector<validation::Violation>* violations, std::size_t limit,
+                              std::size_t byteLimit, std::size_t* count) {
+  TARN_ASSERT(violations, "violations");
+  violations->clear();
+  if (count) *count = 0;
+  const int result = validate();
+  if (result == DONE) return result;
+  validation::Validator validator(violations, limit, byteLimit);
+  root_->accept(validator);
+  std::size_t found = validator.getViolationCount();
+  // Names that two objects have are no rule of the walk.
+  if (found == 0 && ++found <= limit) violations->push_back({diagnostic_.message, BODY_PATH});
+  if (count) *count = found;
+  return result;
+}
+
 void LibTarnDocument::checkRootRules() const {
   validation::Validator validator;
   root_->updatePath(validator);
   root_->dispatchToSelf(validator);
 }
 
-// Walks twice only for a document that is broken.
+// Walks twice only for a document that is broken, or has parts of the host's.
 void LibTarnDocument::checkRules() const {
-  try {
-    validation::Validator inAnyOrder;
-    inAnyOrder.allowAnyOrder();
-    root_->accept(inAnyOrder);
-    return;
-  } catch (const exceptions::ModelException&) {
-    // Something is wrong; which violation is the first, the walk in the order of names says.
-  }
+  if (validation::keepsRules(*root_)) return;
   validation::Validator validator;
   root_->accept(validator);
 }
@@ -132,6 +163,11 @@ void LibTarnDocument::addLibTarnCmData(LibTarnCmData& cmData) { root_->addLibTar
 std::list<LibTarnManagedObject*> LibTarnDocument::getMOsMatchingMask(
     const LibTarnManagedObject& mask) const {
   return root_->getMOsMatchingMask(mask);
+}
+
+std::size_t LibTarnDocument::getTextOffset(const IElement& element) const {
+  const auto* const node = dynamic_cast<const libDomXml::DomElement*>(&element);
+  return node ? domDocument_->getTextOffset(*node) : util::NO_OFFSET;
 }
 
 void LibTarnDocument::setChangesToMOs(const LibTarnManagedObject& mask,

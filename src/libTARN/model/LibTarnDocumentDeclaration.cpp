@@ -1,10 +1,10 @@
-#include "model/LibTarnDocumentDeclaration.hpp"
+#include "libtarn/model/LibTarnDocumentDeclaration.hpp"
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "attributeNames.hpp"
-#include "model/exceptions/ModelException.hpp"
-#include "model/validation/Validator.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
+#include "libtarn/model/validation/Validator.hpp"
 
 namespace libtarn {
 namespace model {

@@ -1,18 +1,18 @@
-#include "model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
 
 #include <cstring>
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
-#include "IndexingParse.hpp"
+#include "TypedChildren.hpp"
 #include "attributeNames.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnManagedObject.hpp"
-#include "model/TarnDomDocument.hpp"
-#include "model/TypedChildren.hpp"
-#include "model/exceptions/ModelException.hpp"
-#include "model/validation/Validator.hpp"
-#include "util/Logger.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
+#include "libtarn/model/TarnDomDocument.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/util/Logger.hpp"
+#include "load/Load.hpp"
 
 namespace libtarn {
 namespace model {
@@ -57,45 +57,20 @@ IElement* LibTarnDocumentInternal::getFirstChildElement(const char* name) const 
 
 void LibTarnDocumentInternal::removeThisElement() {}
 
-bool LibTarnDocumentInternal::parse(const char* text, bool check) {
+void LibTarnDocumentInternal::parse(const char* text) {
   TARN_ASSERT(text, "text");
   std::vector<char> copy(text, text + std::strlen(text) + 1);
-  return parse(copy, check);
+  parse(copy);
 }
 
-bool LibTarnDocumentInternal::parse(std::vector<char>& text, bool check) {
-  IndexingParse indexing;
-  indexing.followsRules = check;
-  document_->parseAndIndex(text, indexing);
-  util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "parse") << "Parsing done";
-  const bool followsRules = finishParsing(indexing);
-  tellRebuilt();
-  return followsRules;
-}
-
-bool LibTarnDocumentInternal::check(std::vector<char>& text) {
-  IndexingParse indexing;
-  indexing.followsRules = true;
-  indexing.forgetsObjects = true;
-  try {
-    document_->parseAndIndex(text, indexing);
-  } catch (const IndexingParse::Unknown&) {
-    return false;
-  }
-  return finishParsing(indexing);
-}
-
-bool LibTarnDocumentInternal::finishParsing(const IndexingParse& indexing) {
-  bool followsRules = indexing.followsRules;
-  forEachCmData([&indexing, &followsRules](LibTarnCmDataImp& cmData) {
-    if (!cmData.finishParsing(indexing)) followsRules = false;
-  });
-  return followsRules;
+void LibTarnDocumentInternal::parse(std::vector<char>& text) {
+  Load(*document_, Load::Mode::INDEX).run(text);
 }
 
 void LibTarnDocumentInternal::rebuildIndexersAndInitializeEnums() {
   forEachCmData([](LibTarnCmDataImp& cmData) { cmData.rebuildIndexersAndInitializeEnums(); });
-  tellRebuilt();
+  util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "rebuildIndexersAndInitializeEnums")
+      << "Rebuilding indexers and initializing enums done.";
 }
 
 template <class Rebuild>
@@ -108,11 +83,6 @@ void LibTarnDocumentInternal::forEachCmData(Rebuild rebuild) {
 
 void LibTarnDocumentInternal::checkNames() {
   forEachCmData([](const LibTarnCmDataImp& cmData) { cmData.checkNames(); });
-}
-
-void LibTarnDocumentInternal::tellRebuilt() {
-  util::Logger(util::Logger::Level::DEBUG, TARN_LOG_LOCATION, "rebuildIndexersAndInitializeEnums")
-      << "Rebuilding indexers and initializing enums done.";
 }
 
 const char* LibTarnDocumentInternal::getVersion() const { return getAttribute(VERSION_ATTRIBUTE); }

@@ -1,11 +1,13 @@
-#include "model/LibTarnExtensionImp.hpp"
+#include "libtarn/model/LibTarnExtensionImp.hpp"
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "TypedChildren.hpp"
 #include "attributeNames.hpp"
-#include "model/TypedChildren.hpp"
-#include "model/validation/Validator.hpp"
-#include "util/TarnFactory.hpp"
+#include "libtarn/model/ResultCodes.hpp"
+#include "libtarn/model/exceptions/DuplicateElementException.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 
 namespace libtarn {
 namespace model {
@@ -38,14 +40,6 @@ void LibTarnExtensionImp::dispatchToChildren(validation::Validator& validator) c
   }
 }
 
-bool LibTarnExtensionImp::followsRules() const {
-  for (auto* node = first_node(); node; node = node->next_sibling()) {
-    const auto* const parameter = typedAs<ScalarImp>(node);
-    if (parameter && !parameter->getLiteralAttribute(NAME_ATTRIBUTE)) return false;
-  }
-  return true;
-}
-
 void LibTarnExtensionImp::dispatchToSelf(validation::Validator& validator) const {
   validator.visit(*this);
 }
@@ -69,11 +63,7 @@ bool LibTarnExtensionImp::hasParameter(const std::string& name) const {
 }
 
 Scalar* LibTarnExtensionImp::getParameter(const std::string& name) const {
-  try {
-    return parameters_.get(*this, name);
-  } catch (const exceptions::NoSuchElementException&) {
-    return nullptr;
-  }
+  return parameters_.find(*this, name);
 }
 
 std::uint8_t LibTarnExtensionImp::addParameter(Scalar& parameter) {
@@ -86,12 +76,10 @@ std::uint8_t LibTarnExtensionImp::addParameter(Scalar& parameter) {
 }
 
 std::uint8_t LibTarnExtensionImp::removeParameter(const std::string& name) {
-  try {
-    parameters_.remove(*this, name);
-  } catch (const exceptions::NoSuchElementException&) {
-    return 2;
-  }
-  return 0;
+  ScalarImp* const parameter = parameters_.find(*this, name);
+  if (!parameter) return EditResult::NoSuchElement;
+  removeChild(parameter);
+  return EditResult::Done;
 }
 
 LibTarnExtensionImp* LibTarnExtensionImp::getNextSiblingElement() const {

@@ -1,15 +1,15 @@
-#include "model/LibTarnHeaderImp.hpp"
+#include "libtarn/model/LibTarnHeaderImp.hpp"
 
 #include <deque>
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "TypedChildren.hpp"
 #include "UndoLog.hpp"
 #include "attributeNames.hpp"
-#include "model/LogImp.hpp"
-#include "model/TypedChildren.hpp"
-#include "model/validation/Validator.hpp"
-#include "util/TarnFactory.hpp"
+#include "libtarn/model/LogImp.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 
 namespace libtarn {
 namespace model {
@@ -37,17 +37,6 @@ void LibTarnHeaderImp::dispatchToChildren(validation::Validator& validator) cons
   for (auto* log = firstTypedChild<LogImp>(*this); log; log = nextTypedSibling(*log)) {
     log->accept(validator);
   }
-}
-
-bool LibTarnHeaderImp::followsRules() const {
-  for (auto* node = first_node(); node; node = node->next_sibling()) {
-    const auto* const log = typedAs<LogImp>(node);
-    if (log && !(log->getLiteralAttribute(DATE_TIME_ATTRIBUTE) &&
-                 log->getLiteralAttribute(ACTION_ATTRIBUTE))) {
-      return false;
-    }
-  }
-  return true;
 }
 
 void LibTarnHeaderImp::dispatchToSelf(validation::Validator& validator) const {

@@ -1,4 +1,4 @@
-#include "model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
 
 #include <cstring>
 #include <optional>
@@ -6,37 +6,29 @@
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
-#include "IndexingParse.hpp"
 #include "StagedAttribute.hpp"
+#include "TypedChildren.hpp"
 #include "UndoLog.hpp"
 #include "attributeNames.hpp"
 #include "indexChildren.hpp"
-#include "model/IDistinguishedNameValidator.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/TypedChildren.hpp"
-#include "model/exceptions/DuplicateElementException.hpp"
-#include "model/exceptions/NoSuchElementException.hpp"
-#include "model/indexation/ITarnIndexFactory.hpp"
-#include "model/validation/Validator.hpp"
+#include "libtarn/model/IDistinguishedNameValidator.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/ResultCodes.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/exceptions/DuplicateElementException.hpp"
+#include "libtarn/model/indexation/ITarnIndexFactory.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 #include "patternText.hpp"
-#include "util/TarnFactory.hpp"
 
 namespace libtarn {
 namespace model {
 
 namespace {
 
-constexpr char OPERATION_ATTRIBUTE[] = "operation";
-
 // Stands for any distinguished name.
 constexpr const char* ANY_DIST_NAME = "_-_";
-
-// What the interface does not tell: whether the element carries an operation.
-bool hasOperation(const LibTarnManagedObject& object) {
-  return implementation<LibTarnManagedObjectImp>(object).hasOperation();
-}
 
 }  // namespace
 
@@ -47,6 +39,8 @@ const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::CREATE("c
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::DELETE("delete");
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::UPDATE("update");
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::AUTO("auto");
+
+bool LibTarnManagedObject::hasOperation() const { return getOperation() != Operation::AUTO; }
 
 LibTarnManagedObjectImp::LibTarnManagedObjectImp(
     libDomXml::IMemoryPool* pool, const IDistinguishedNameValidator* distNameValidator,
@@ -84,11 +78,10 @@ libDomXml::ElementCopy LibTarnManagedObjectImp::copySelf(util::TarnFactory& fact
 void LibTarnManagedObjectImp::finishCopy() { rebuildIndexersAndInitializeEnum(); }
 
 void LibTarnManagedObjectImp::dispatchToChildren(validation::Validator& validator) const {
-  const bool anyOrder = validator.isAnyOrderAllowed();
-  for (const auto& entry : anyOrder ? scalarIndex_->getUnordered() : getScalarParameters()) {
+  for (const auto& entry : getScalarParameters()) {
     implementation<ScalarImp>(*entry.second).accept(validator);
   }
-  for (const auto& entry : anyOrder ? listIndex_->getUnordered() : getListParameters()) {
+  for (const auto& entry : getListParameters()) {
     implementation<ListImp>(*entry.second).accept(validator);
   }
   for (auto* extension = firstTypedChild<LibTarnExtensionImp>(*this); extension;
@@ -158,7 +151,8 @@ indexation::ScalarCollection LibTarnManagedObjectImp::getScalarParameters() cons
 
 std::uint8_t LibTarnManagedObjectImp::addParameter(Scalar& parameter) {
   auto& element = implementation<ScalarImp>(parameter);
-  if (!scalarIndex_->add(&parameter)) return 1;
+  if (hasScalarParameter(parameter.getId())) return 1;
+  scalarIndex_->add(&parameter);
   addChild(&element);
   return 0;
 }
@@ -184,7 +178,8 @@ indexation::ListCollection LibTarnManagedObjectImp::getListParameters() const {
 
 std::uint8_t LibTarnManagedObjectImp::addParameter(List& parameter) {
   auto& element = implementation<ListImp>(parameter);
-  if (!listIndex_->add(&parameter)) return 1;
+  if (hasListParameter(parameter.getId())) return 1;
+  listIndex_->add(&parameter);
   addChild(&element);
   return 0;
 }
@@ -203,11 +198,7 @@ bool LibTarnManagedObjectImp::hasExtension(const std::string& name) const {
 }
 
 LibTarnExtension* LibTarnManagedObjectImp::getExtension(const std::string& name) const {
-  try {
-    return extensions_.get(*this, name);
-  } catch (const exceptions::NoSuchElementException&) {
-    return nullptr;
-  }
+  return extensions_.find(*this, name);
 }
 
 LibTarnExtension* LibTarnManagedObjectImp::getExtensions() const {
@@ -224,12 +215,10 @@ std::uint8_t LibTarnManagedObjectImp::addParameter(LibTarnExtension& extension) 
 }
 
 std::uint8_t LibTarnManagedObjectImp::removeExtension(const std::string& name) {
-  try {
-    extensions_.remove(*this, name);
-  } catch (const exceptions::NoSuchElementException&) {
-    return 2;
-  }
-  return 0;
+  LibTarnExtensionImp* const extension = extensions_.find(*this, name);
+  if (!extension) return EditResult::NoSuchElement;
+  removeChild(extension);
+  return EditResult::Done;
 }
 
 // Matching
@@ -241,8 +230,7 @@ bool LibTarnManagedObjectImp::match(const LibTarnManagedObject& pattern) const {
 bool LibTarnManagedObjectImp::matchesAttributes(const LibTarnManagedObject& pattern) const {
   const char* const tag = implementation<LibTarnManagedObjectImp>(pattern).getTagName();
   if (!isEmptyText(tag) && !isSameText(tag, TAG_NAME)) return false;
-  if (model::hasOperation(pattern) &&
-      !(hasOperation() && getOperation() == pattern.getOperation())) {
+  if (pattern.hasOperation() && !(hasOperation() && getOperation() == pattern.getOperation())) {
     return false;
   }
   if (!isWildcard(pattern.getClass()) && !isSameText(getClass(), pattern.getClass())) return false;
@@ -296,7 +284,7 @@ bool LibTarnManagedObjectImp::change(const LibTarnManagedObject& pattern,
   UndoLog log;
   replaceScalars(values, log);
   replaceLists(values, log);
-  if (model::hasOperation(values)) log.setOperation(*this, values.getOperation());
+  if (values.hasOperation()) log.setOperation(*this, values.getOperation());
   StagedAttributes attributes;
   stageAttributes(pattern, values, attributes);
   auto* const cmData = dynamic_cast<LibTarnCmDataImp*>(getParent());
@@ -404,33 +392,6 @@ bool LibTarnManagedObjectImp::hasOperation() const {
 
 rapidxml::xml_attribute<char>* LibTarnManagedObjectImp::findOperationAttribute() const {
   return first_attribute(OPERATION_ATTRIBUTE, sizeof(OPERATION_ATTRIBUTE) - 1);
-}
-
-bool LibTarnManagedObjectImp::indexParsed(IndexingParse& parse, const bool& condition) {
-  if (hasOperation() && !operation_.isKnown()) return false;
-  const std::string_view kind = attributeText(*this, CLASS_ATTRIBUTE);
-  parse.scalars.start(kind);
-  parse.lists.start(kind);
-  for (auto* node = first_node(); node; node = node->next_sibling()) {
-    bool followsRules = true;
-    if (auto* const scalar = typedAs<ScalarImp>(node)) {
-      followsRules = parse.scalars.add(*scalar, scalar);
-    } else if (auto* const list = typedAs<ListImp>(node)) {
-      followsRules = parse.lists.add(*list, list);
-      if (!list->indexParsed(parse, condition)) return false;
-    } else if (parse.followsRules) {
-      const auto* const extension = typedAs<LibTarnExtensionImp>(node);
-      followsRules = !extension || extension->followsRules();
-    }
-    if (!followsRules) parse.followsRules = false;
-  }
-  return indexOnceTrue(*scalarIndex_, parse.scalars, condition) &&
-         indexOnceTrue(*listIndex_, parse.lists, condition);
-}
-
-bool LibTarnManagedObjectImp::followsOwnRules() const {
-  const char* const distName = getLiteralAttribute(DIST_NAME_ATTRIBUTE);
-  return getClass() && distName && distNameValidator_->isValid(distName);
 }
 
 void LibTarnManagedObjectImp::throwDuplicate(const char* childTag, const char* name) const {

@@ -1,17 +1,16 @@
-#include "model/ListImp.hpp"
+#include "libtarn/model/ListImp.hpp"
 
 #include <string_view>
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
-#include "IndexingParse.hpp"
+#include "TypedChildren.hpp"
 #include "attributeNames.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/StructureImp.hpp"
-#include "model/TypedChildren.hpp"
-#include "model/validation/Validator.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/StructureImp.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 #include "patternText.hpp"
-#include "util/TarnFactory.hpp"
 
 namespace libtarn {
 namespace model {
@@ -106,20 +105,6 @@ IElement* ListImp::getFirstChildElement(const char* name) const {
 }
 
 void ListImp::removeThisElement() { unlinkFromParent(); }
-
-bool ListImp::indexParsed(IndexingParse& parse, const bool& condition) {
-  const std::string_view name = attributeText(*this, NAME_ATTRIBUTE);
-  bool hasItems = false;
-  bool hasValues = false;
-  for (auto* node = first_node(); node; node = node->next_sibling()) {
-    auto* const item = typedAs<StructureImp>(node);
-    if (item && !item->indexParsed(parse, name, condition)) return false;
-    hasItems = hasItems || item;
-    hasValues = hasValues || (!item && typedAs<ScalarImp>(node));
-  }
-  if (hasItems && hasValues) parse.followsRules = false;
-  return true;
-}
 
 void ListImp::rebuildIndexersAndDispatchToChildren() {
   for (auto* item = firstTypedChild<StructureImp>(*this); item; item = nextTypedSibling(*item)) {

@@ -1,13 +1,13 @@
-#include "model/LogImp.hpp"
+#include "libtarn/model/LogImp.hpp"
 
 #include <array>
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "TypedChildren.hpp"
 #include "attributeNames.hpp"
-#include "model/TypedChildren.hpp"
-#include "model/validation/Validator.hpp"
-#include "util/TarnFactory.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 
 namespace libtarn {
 namespace model {

@@ -1,14 +1,14 @@
-#include "model/ScalarImp.hpp"
+#include "libtarn/model/ScalarImp.hpp"
 
 #include <cstring>
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
+#include "TypedChildren.hpp"
 #include "attributeNames.hpp"
-#include "model/TypedChildren.hpp"
-#include "model/validation/Validator.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 #include "patternText.hpp"
-#include "util/TarnFactory.hpp"
 
 namespace libtarn {
 namespace model {

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "DomAttribute.hpp"
+#include "libtarn/DomAttribute.hpp"
 
 namespace libtarn {
 namespace model {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <optional>
 
-#include "DomElement.hpp"
+#include "libtarn/DomElement.hpp"
 
 namespace libtarn {
 namespace model {

@@ -1,22 +1,28 @@
-#include "model/StructureImp.hpp"
+#include "libtarn/model/StructureImp.hpp"
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
-#include "IndexingParse.hpp"
+#include "TypedChildren.hpp"
 #include "attributeNames.hpp"
 #include "indexChildren.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/TypedChildren.hpp"
-#include "model/exceptions/DuplicateElementException.hpp"
-#include "model/indexation/ITarnIndexFactory.hpp"
-#include "model/validation/Validator.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/exceptions/DuplicateElementException.hpp"
+#include "libtarn/model/indexation/ITarnIndexFactory.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 #include "patternText.hpp"
-#include "util/TarnFactory.hpp"
 
 namespace libtarn {
 namespace model {
+
+namespace {
+
+// Where an item without a parent is, in messages.
+constexpr const char* NO_PLACE = "(list: )";
+
+}  // namespace
 
 StructureImp::StructureImp(libDomXml::IMemoryPool* pool,
                            const indexation::ITarnIndexFactory* indexFactory,
@@ -43,11 +49,13 @@ libDomXml::ElementCopy StructureImp::copySelf(util::TarnFactory& factory) const 
   return {factory.allocateStructureNode(), true};
 }
 
-void StructureImp::finishCopy() { rebuildIndexers(); }
+// A copy is indexed before it has a parent.
+void StructureImp::finishCopy() {
+  if (const ScalarImp* const second = indexComponents()) throwDuplicate(NO_PLACE, *second);
+}
 
 void StructureImp::dispatchToChildren(validation::Validator& validator) const {
-  for (const auto& entry :
-       validator.isAnyOrderAllowed() ? componentIndex_->getUnordered() : getComponents()) {
+  for (const auto& entry : getComponents()) {
     implementation<ScalarImp>(*entry.second).accept(validator);
   }
 }
@@ -74,7 +82,8 @@ indexation::ScalarCollection StructureImp::getComponents() const {
 
 std::uint8_t StructureImp::addComponent(Scalar& component) {
   auto& element = implementation<ScalarImp>(component);
-  if (!componentIndex_->add(&component)) return 1;
+  if (hasComponent(component.getId())) return 1;
+  componentIndex_->add(&component);
   addChild(&element);
   return 0;
 }
@@ -108,30 +117,28 @@ IElement* StructureImp::getFirstChildElement(const char* name) const {
 void StructureImp::removeThisElement() { unlinkFromParent(); }
 
 void StructureImp::rebuildIndexers() {
-  for (auto* child = firstTypedChild<ScalarImp>(*this); child; child = nextTypedSibling(*child)) {
-    if (!indexOnce<Scalar>(*componentIndex_, *child)) throwDuplicate(textOrEmpty(child->getName()));
-  }
+  if (const ScalarImp* const second = indexComponents()) throwDuplicate(placeText(), *second);
 }
 
-bool StructureImp::indexParsed(IndexingParse& parse, std::string_view listName,
-                               const bool& condition) {
-  parse.components.start(listName);
-  for (auto* node = first_node(); node; node = node->next_sibling()) {
-    auto* const component = typedAs<ScalarImp>(node);
-    if (component && !parse.components.add(*component, component)) parse.followsRules = false;
-  }
-  return indexOnceTrue(*componentIndex_, parse.components, condition);
+// The second component of a name, or null.
+const ScalarImp* StructureImp::indexComponents() {
+  auto* child = firstTypedChild<ScalarImp>(*this);
+  while (child && indexOnce<Scalar>(*componentIndex_, *child)) child = nextTypedSibling(*child);
+  return child;
 }
 
-// An item need not be in a list of a managed object: what is missing is told as "".
-void StructureImp::throwDuplicate(const char* componentName) const {
+// An item need not be in a list of a managed object: what is missing counts as "".
+std::string StructureImp::placeText() const {
   const auto* const list = dynamic_cast<const ListImp*>(getParent());
   const auto* const object =
       list ? dynamic_cast<const LibTarnManagedObjectImp*>(list->getParent()) : nullptr;
   const std::string distName = object ? object->getAttribute(DistinguishedName::ATTR_NAME, "") : "";
-  const std::string parent = distName + "(list: " + (list ? list->getId() : "") + ")";
-  throw exceptions::DuplicateElementException::instance(Scalar::TAG_NAME, parent.c_str(),
-                                                        NAME_ATTRIBUTE, componentName);
+  return distName + "(list: " + (list ? list->getId() : "") + ")";
+}
+
+void StructureImp::throwDuplicate(const std::string& place, const ScalarImp& component) {
+  throw exceptions::DuplicateElementException::instance(
+      Scalar::TAG_NAME, place.c_str(), NAME_ATTRIBUTE, textOrEmpty(component.getName()));
 }
 
 }  // namespace model

@@ -1,22 +1,25 @@
-#include "model/TarnDomDocument.hpp"
+#include "libtarn/model/TarnDomDocument.hpp"
 
+#include <boost/shared_ptr.hpp>
+#include <cstdint>
 #include <cstring>
 #include <typeinfo>
 #include <utility>
 
-#include "IndexingParse.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnDocumentDeclaration.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
-#include "model/LibTarnExtensionImp.hpp"
-#include "model/LibTarnHeaderImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/LogImp.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/Structure.hpp"
-#include "model/TypedChildren.hpp"
-#include "rapidxml/rapidxml_print.hpp"
+#include "TypedChildren.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnDocumentDeclaration.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/LibTarnExtensionImp.hpp"
+#include "libtarn/model/LibTarnHeaderImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/LogImp.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/Structure.hpp"
+#include "libtarn/rapidxml/rapidxml_print.hpp"
+#include "libtarn/util/TextPosition.hpp"
+#include "load/Load.hpp"
 
 namespace libtarn {
 namespace model {
@@ -65,13 +68,14 @@ TarnDomElement* TarnDomDocument::allocateStructureNode() {
   return factory_.allocateStructureNode();
 }
 
-bool TarnDomDocument::isTopLevelNode() { return std::exchange(beforeTopLevelNode_, false); }
+bool TarnDomDocument::isTopLevelNode() const { return load_ && load_->isTopLevel(); }
 
 // A document has one declaration: a further one in the text fills it anew and moves it to the end.
 TarnDomElement* TarnDomDocument::reuseDeclaration() {
-  if (isParsing_ && !isTopLevelNode()) {
+  if (load_ && !isTopLevelNode()) {
     throw rapidxml::parse_error("unknown TARN object", parsePosition_);
   }
+  if (load_) load_->noteNode(nullptr);
   if (declaration_->parent()) remove_node(declaration_);
   declaration_->remove_all_attributes();
   setDeclarationInText();
@@ -151,8 +155,7 @@ TarnDomElement* TarnDomDocument::createTarnElement() {
     while (isNameCharacter(name[size])) ++size;
     element = makeTarnElement(name, size);
   }
-  beforeTopLevelNode_ = false;
-  nameEnd_ = name + size;
+  if (load_) load_->noteNode(name + size);
   return element;
 }
 
@@ -175,15 +178,7 @@ void TarnDomDocument::parse(const char* text) {
   parse(copy);
 }
 
-void TarnDomDocument::parse(std::vector<char>& text) {
-  takeText(text);
-  parseDoc(buffer_.data());
-}
-
-void TarnDomDocument::parseAndIndex(std::vector<char>& text, IndexingParse& indexing) {
-  takeText(text);
-  parseDoc(buffer_.data(), &indexing);
-}
+void TarnDomDocument::parse(std::vector<char>& text) { Load(*this, Load::Mode::TREE).run(text); }
 
 void TarnDomDocument::takeText(std::vector<char>& text) {
   textStart_ = text.data();
@@ -209,60 +204,13 @@ int TarnDomDocument::rapidParse(char* text) {
   return 0;
 }
 
-// What this document wants to know of the parser.
-struct TarnDomDocument::Events : rapidxml::parse_events {
-  using Node = rapidxml::xml_node<char>;
+void TarnDomDocument::parseDoc(char* text) { Load(*this, Load::Mode::TREE).run(text); }
 
-  void before_top_level_node() { document.beforeTopLevelNode_ = true; }
-
-  // Spares the parser a second scan. Names come one behind the other: the end of an earlier one,
-  // when a host's hook did not ask this document for the node, is not behind this one.
-  char* end_of_counted_name(const char* name) const {
-    return document.nameEnd_ > name ? document.nameEnd_ : nullptr;
-  }
-
-  void zero_byte() {
-    if (indexing) indexing->zeroByte = true;
-  }
-
-  // Objects elsewhere are in no index.
-  void element_complete(Node* element) {
-    const char first = *element->name();
-    if (first != *LibTarnManagedObject::TAG_NAME && first != *LibTarnHeader::TAG_NAME) return;
-    auto* const cmData = indexing ? typedAs<LibTarnCmDataImp>(element->parent()) : nullptr;
-    if (!cmData) return;
-    if (auto* const object = typedAs<LibTarnManagedObjectImp>(element)) {
-      cmData->indexParsed(*object, *indexing);
-      if (indexing->forgetsObjects) document.forgetObject(*object, *cmData, *indexing);
-    } else if (const auto* const header = typedAs<LibTarnHeaderImp>(element)) {
-      cmData->headerParsed(*header, *indexing);
-    }
-  }
-
-  TarnDomDocument& document;
-  IndexingParse* indexing;
-};
-
-void TarnDomDocument::parseDoc(char* text) { parseDoc(text, nullptr); }
-
-void TarnDomDocument::parseDoc(char* text, IndexingParse* indexing) {
-  TARN_ASSERT(text, "text");
+void TarnDomDocument::beginParse(char* text) {
   leaveTree();
   setTakesFromPool(typeid(*this) == typeid(TarnDomDocument));
   textStart_ = text;
   parsePosition_ = text;
-  nameEnd_ = text;
-  Events events{{}, *this, indexing};
-  isParsing_ = true;
-  try {
-    parse_telling<33>(parsePosition_, events);
-    isParsing_ = false;
-  } catch (...) {
-    isParsing_ = false;
-    // A fault may have come before the parser ended the texts of those two, which stay.
-    moveTextsIntoPool();
-    throw;
-  }
 }
 
 void TarnDomDocument::moveTextsIntoPool() {
@@ -272,16 +220,19 @@ void TarnDomDocument::moveTextsIntoPool() {
   rootIsInText_ = false;
 }
 
-// The object was the first to be made of all that is in it.
-void TarnDomDocument::forgetObject(LibTarnManagedObjectImp& object, LibTarnCmDataImp& cmData,
-                                   const IndexingParse& indexing) {
-  if (!indexing.followsRules || !cmData.isAllPlain()) throw IndexingParse::Unknown();
-  cmData.remove_node(&object);
-  if (takesFromPool()) forget_from(&object);
-}
-
 std::size_t TarnDomDocument::getTextOffset(const rapidxml::parse_error& error) const {
   return static_cast<std::size_t>(error.where<char>() - textStart_);
+}
+
+// The name is where the tag has it, right behind the "<". Names from elsewhere are compared as
+// numbers: they may lie in another block of memory. The parser has come to the end of the text, or,
+// in a failed parse, behind the names of all elements that there are.
+std::size_t TarnDomDocument::getTextOffset(const rapidxml::xml_node<char>& element) const {
+  if (!parsePosition_) return util::NO_OFFSET;
+  const auto start = reinterpret_cast<std::uintptr_t>(textStart_);
+  const auto name = reinterpret_cast<std::uintptr_t>(element.name());
+  const bool isInText = name > start && name <= reinterpret_cast<std::uintptr_t>(parsePosition_);
+  return isInText ? name - start - 1 : util::NO_OFFSET;
 }
 
 // Declaration and root outlive the text of a parse; what hangs below the root goes with it. What a

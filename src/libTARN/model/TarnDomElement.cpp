@@ -1,10 +1,12 @@
-#include "model/TarnDomElement.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
 
 #include <typeinfo>
 
-#include "model/TarnDomDocument.hpp"
-#include "model/validation/Validator.hpp"
-#include "util/TarnFactory.hpp"
+#include "copyTree.hpp"
+#include "libtarn/model/TarnDomDocument.hpp"
+#include "libtarn/model/validation/Validator.hpp"
+#include "libtarn/util/TarnFactory.hpp"
+#include "virtualFunctions.hpp"
 
 namespace libtarn {
 namespace model {
@@ -80,11 +82,22 @@ libDomXml::ElementCopy TarnDomElement::copySelf(util::TarnFactory& factory) cons
 
 void TarnDomElement::finishCopy() {}
 
+// A class of the host's with a clone() of its own is asked for it.
 TarnDomElement* TarnDomElement::cloneTree(util::TarnFactory& factory) const {
-  const auto copyOne = [&factory](const libDomXml::DomElement& element) {
-    if (isOfModel(element)) return static_cast<const TarnDomElement&>(element).copySelf(factory);
-    auto* const copy = element.clone(&factory.getMemoryPool());
-    return libDomXml::ElementCopy{static_cast<libDomXml::DomElement*>(copy), false};
+  using libDomXml::ElementCopy;
+  const auto copyOne = [this, &factory](const libDomXml::DomElement& element) {
+    if (!isOfModel(element)) {
+      auto* const copy = element.clone(&factory.getMemoryPool());
+      return ElementCopy{static_cast<libDomXml::DomElement*>(copy), false};
+    }
+    const auto& source = static_cast<const TarnDomElement&>(element);
+    const ElementCopy copy = source.copySelf(factory);
+    const libDomXml::DomElement& made = *copy.element;
+    if (&source == this || typeid(made) == typeid(source) ||
+        runSameCode(source, made, libDomXml::VirtualFunction::CLONE_BY_FACTORY)) {
+      return copy;
+    }
+    return ElementCopy{source.clone(factory), false};
   };
   const auto finish = [](libDomXml::DomElement& copy) {
     static_cast<TarnDomElement&>(copy).finishCopy();

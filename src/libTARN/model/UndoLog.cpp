@@ -1,10 +1,10 @@
 #include "UndoLog.hpp"
 
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/List.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/TypedChildren.hpp"
+#include "TypedChildren.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/List.hpp"
+#include "libtarn/model/ScalarImp.hpp"
 #include "patternText.hpp"
 
 namespace libtarn {

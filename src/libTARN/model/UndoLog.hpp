@@ -5,9 +5,9 @@
 #include <variant>
 #include <vector>
 
-#include "DomElement.hpp"
-#include "model/LibTarnManagedObject.hpp"
-#include "model/indexation/ITarnUniqueIndex.hpp"
+#include "libtarn/DomElement.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
+#include "libtarn/model/indexation/ITarnUniqueIndex.hpp"
 
 namespace libtarn {
 namespace model {

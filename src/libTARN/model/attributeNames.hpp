@@ -9,6 +9,7 @@ constexpr char CLASS_ATTRIBUTE[] = "class";
 constexpr char DATE_TIME_ATTRIBUTE[] = "dateTime";
 constexpr char DIST_NAME_ATTRIBUTE[] = "distName";  // also DistinguishedName::ATTR_NAME
 constexpr char NAME_ATTRIBUTE[] = "name";
+constexpr char OPERATION_ATTRIBUTE[] = "operation";
 constexpr char VERSION_ATTRIBUTE[] = "version";
 constexpr char XMLNS_ATTRIBUTE[] = "xmlns";
 

@@ -1,4 +1,4 @@
-#include "util/DocumentList.hpp"
+#include "libtarn/util/DocumentList.hpp"
 
 namespace libtarn {
 namespace util {

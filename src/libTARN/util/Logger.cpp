@@ -1,6 +1,9 @@
-#include "util/Logger.hpp"
+#include "libtarn/util/Logger.hpp"
 
 #include <new>
+#include <sstream>
+
+#include "libtarn/Assertion.hpp"
 
 namespace libtarn {
 namespace util {
@@ -13,15 +16,33 @@ const Logger::Level Logger::Level::INFO("INFO");
 namespace {
 
 // Without memory for the text a line comes without it: that there was one may be what counts.
-std::string textOf(const std::ostringstream& stream) {
+std::string textOf(const std::ostringstream* stream) {
   try {
-    return stream.str();
+    return stream ? stream->str() : std::string();
   } catch (const std::bad_alloc&) {
     return {};
   }
 }
 
 }  // namespace
+
+Logger::Logger(Level level, const char* location, const char* function)
+    : level_(level),
+      location_(location),
+      function_(function),
+      stream_(new (std::nothrow) std::ostringstream) {}
+
+std::ostream& Logger::stream() { return *stream_; }
+
+Logger& Logger::operator<<(const char* text) {
+  if (stream_) *stream_ << text;
+  return *this;
+}
+
+Logger& Logger::operator<<(const std::string& text) {
+  if (stream_) *stream_ << text;
+  return *this;
+}
 
 Logger::~Logger() {
   TARN_ASSERT(0 != location_, "0 != location");
@@ -30,6 +51,7 @@ Logger::~Logger() {
     print(level_, location_, function_, textOf(stream_).c_str());
   } catch (...) {  // NOLINT(bugprone-empty-catch): a line that cannot be written stops nobody
   }
+  delete stream_;
 }
 
 }  // namespace util

@@ -1,11 +1,11 @@
-#include "util/ManagedObjectBuilder.hpp"
+#include "libtarn/util/ManagedObjectBuilder.hpp"
 
+#include "../model/TypedChildren.hpp"
 #include "../model/attributeNames.hpp"
-#include "model/LibTarnDocument.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/Scalar.hpp"
-#include "model/TypedChildren.hpp"
-#include "util/TarnFactory.hpp"
+#include "libtarn/model/LibTarnDocument.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/Scalar.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 
 namespace libtarn {
 namespace util {

@@ -1,21 +1,21 @@
-#include "util/TarnFactory.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 
 #include <utility>
 
 #include "../model/attributeNames.hpp"
-#include "DomFactory.hpp"
-#include "model/DistinguishedNameValidator.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
-#include "model/LibTarnExtensionImp.hpp"
-#include "model/LibTarnHeaderImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/LogImp.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/StructureImp.hpp"
-#include "model/TarnDomDocument.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
+#include "libtarn/DomFactory.hpp"
+#include "libtarn/model/DistinguishedNameValidator.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/LibTarnExtensionImp.hpp"
+#include "libtarn/model/LibTarnHeaderImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/LogImp.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/StructureImp.hpp"
+#include "libtarn/model/TarnDomDocument.hpp"
+#include "libtarn/model/indexation/TarnIndexFactory.hpp"
 
 namespace libtarn {
 namespace util {

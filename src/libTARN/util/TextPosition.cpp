@@ -1,4 +1,4 @@
-#include "util/TextPosition.hpp"
+#include "libtarn/util/TextPosition.hpp"
 
 #include <cstring>
 

@@ -1,7 +1,7 @@
-#include "util/dumpTarnDocument.hpp"
+#include "libtarn/util/dumpTarnDocument.hpp"
 
-#include "model/LibTarnDocument.hpp"
-#include "model/TarnDomDocument.hpp"
+#include "libtarn/model/LibTarnDocument.hpp"
+#include "libtarn/model/TarnDomDocument.hpp"
 
 namespace libtarn {
 namespace util {

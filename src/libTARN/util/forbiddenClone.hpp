@@ -1,6 +1,6 @@
 #pragma once
 
-#include "util/Logger.hpp"
+#include "libtarn/util/Logger.hpp"
 
 namespace libtarn {
 namespace util {

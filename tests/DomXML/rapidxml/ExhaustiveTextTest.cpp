@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "rapidxml/rapidxml_print.hpp"
+#include "libtarn/rapidxml/rapidxml_print.hpp"
 #include "support/treeDump.hpp"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "rapidxml/rapidxml.hpp"
+#include "libtarn/rapidxml/rapidxml.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
@@ -131,6 +131,33 @@ TEST_F(NodeTreeTest, InsertAndRemoveKeepTheLinks) {
   EXPECT_EQ(tarn_test::dump(*root), "r");
 }
 
+TEST_F(NodeTreeTest, RemovalOfTheOnlyChildClearsBothLinks) {
+  auto* const root = make("r");
+  auto* const child = make("c");
+  root->append_node(child);
+  root->remove_node(child);
+  const std::size_t base = sizeof(xml_base<char>);
+  EXPECT_EQ(valueAt<xml_node<char>*>(root, base + word), nullptr);
+  EXPECT_EQ(valueAt<xml_node<char>*>(root, base + 2 * word), nullptr);
+}
+
+TEST_F(NodeTreeTest, LastAttributeOfANameIsSearchedFromTheEnd) {
+  auto* const root = make("r");
+  EXPECT_EQ(root->last_attribute("a"), nullptr);
+  std::vector<xml_attribute<char>*> attributes;
+  for (const char* name : {"a", "b", "a", "A", "ab"}) {
+    attributes.push_back(document_.allocate_attribute(name, nullptr, 0, 0));
+    root->append_attribute(attributes.back());
+  }
+  EXPECT_EQ(root->last_attribute("a"), attributes[2]);
+  EXPECT_EQ(root->first_attribute("a"), attributes[0]);
+  EXPECT_EQ(root->last_attribute("b"), attributes[1]);
+  EXPECT_EQ(root->last_attribute("ba", 1), attributes[1]);
+  EXPECT_EQ(root->last_attribute("a", 0, false), attributes[3]);
+  EXPECT_EQ(root->last_attribute("x"), nullptr);
+  EXPECT_EQ(root->last_attribute(), attributes[4]);
+}
+
 TEST_F(NodeTreeTest, AttributesAreLinkedAndRemoved) {
   auto* const root = make("r");
   std::vector<xml_attribute<char>*> attributes;
@@ -236,6 +263,29 @@ TEST_F(PoolTest, StringsAreCopiedByTheirRules) {
   EXPECT_DEATH(pool.allocate_string(nullptr, 0), "assertion failed: source \\|\\| size");
 }
 
+TEST_F(PoolTest, StringOfASizeTakesNoMoreThanItsSize) {
+  memory_pool<char> pool;
+  const std::string source(word, 'a');
+  char* const first = pool.allocate_string(source.c_str(), word);
+  char* const second = pool.allocate_string("b", 0);
+  EXPECT_EQ(second, first + word);
+  EXPECT_EQ(*second, 'b');
+}
+
+TEST_F(PoolTest, StringOfASizeGetsNoTerminator) {
+  memory_pool<char> pool;
+  pool.set_allocator(
+      [](std::size_t size) -> void* {
+        char* const block = new char[size];
+        std::memset(block, '?', size);
+        return block;
+      },
+      &countingRelease);
+  pool.allocate_string(nullptr, memory_pool<char>::static_pool_size);
+  const char* const copy = pool.allocate_string("abcdef", 2);
+  EXPECT_EQ(std::string(copy, 4), "ab??");
+}
+
 TEST_F(PoolTest, NodesTakeGivenOrMeasuredTexts) {
   memory_pool<char> pool;
   const auto* const node = pool.allocate_node(node_pi, "name", "value", 2, 0);
@@ -245,6 +295,13 @@ TEST_F(PoolTest, NodesTakeGivenOrMeasuredTexts) {
   const auto* const attribute = pool.allocate_attribute("name", nullptr, 0, 0);
   EXPECT_EQ(attribute->name_size(), 4U);
   EXPECT_STREQ(attribute->value(), "");
+
+  const auto* const sized = pool.allocate_node(node_element, "name", "value", 0, 3);
+  EXPECT_EQ(sized->name_size(), 4U);
+  EXPECT_EQ(sized->value_size(), 3U);
+  const auto* const sizedAttribute = pool.allocate_attribute("name", "value", 3, 2);
+  EXPECT_EQ(sizedAttribute->name_size(), 3U);
+  EXPECT_EQ(sizedAttribute->value_size(), 2U);
 }
 
 TEST_F(PoolTest, AllocatorMayOnlyBeSetBeforeTheFirstAllocation) {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "rapidxml/rapidxml_print.hpp"
+#include "libtarn/rapidxml/rapidxml_print.hpp"
 #include "support/SmallStack.hpp"
 #include "support/treeDump.hpp"
 

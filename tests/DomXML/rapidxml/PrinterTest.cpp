@@ -3,7 +3,8 @@
 #include <iterator>
 #include <string>
 
-#include "rapidxml/rapidxml_print.hpp"
+#include "libtarn/rapidxml/rapidxml.hpp"
+#include "libtarn/rapidxml/rapidxml_print.hpp"
 
 namespace {
 

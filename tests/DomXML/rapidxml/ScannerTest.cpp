@@ -4,7 +4,7 @@
 #include <random>
 #include <string>
 
-#include "DomDocument.hpp"
+#include "libtarn/DomDocument.hpp"
 #include "rapidxml/scan.hpp"
 #include "support/TextAtTheEdge.hpp"
 

@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <new>
 
@@ -51,6 +52,22 @@ class Fault {
   bool isLasting_ = std::getenv("TARN_FAIL_LASTING") != nullptr;
 };
 
+// Where the trace goes, or null.
+std::FILE* traceFile() {
+  static const char* const path = std::getenv("TARN_TRACE_FILE");
+  static std::FILE* const file = path ? std::fopen(path, "w") : nullptr;
+  return file;
+}
+
+// A place in a library is told from its start, which is another one in each run.
+void trace(std::size_t size, const void* caller) {
+  if (!isArmed() || !traceFile()) return;
+  Dl_info info{};
+  if (dladdr(caller, &info) == 0) return;
+  const auto place = static_cast<const char*>(caller) - static_cast<const char*>(info.dli_fbase);
+  std::fprintf(traceFile(), "%zu %tx %s\n", size, place, info.dli_fname);
+}
+
 Fault& newFault() {
   static Fault fault("TARN_FAIL_NEW");
   return fault;
@@ -84,6 +101,17 @@ extern "C" void* __libc_malloc(std::size_t size);
 extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
 extern "C" void* __libc_realloc(void* memory, std::size_t size);
 
+namespace {
+
+void* allocate(std::size_t size, const void* caller) {
+  trace(size, caller);
+  void* const memory = newFault().happens() ? nullptr : __libc_malloc(size != 0 ? size : 1);
+  if (!memory) throw std::bad_alloc();
+  return memory;
+}
+
+}  // namespace
+
 extern "C" void* malloc(std::size_t size) noexcept {
   return failsMalloc() ? nullptr : __libc_malloc(size);
 }
@@ -96,13 +124,8 @@ extern "C" void* realloc(void* memory, std::size_t size) noexcept {
   return failsMalloc() ? nullptr : __libc_realloc(memory, size);
 }
 
-void* operator new(std::size_t size) {
-  void* const memory = newFault().happens() ? nullptr : __libc_malloc(size != 0 ? size : 1);
-  if (!memory) throw std::bad_alloc();
-  return memory;
-}
-
-void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size) { return allocate(size, __builtin_return_address(0)); }
+void* operator new[](std::size_t size) { return allocate(size, __builtin_return_address(0)); }
 
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }

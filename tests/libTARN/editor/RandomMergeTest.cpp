@@ -9,12 +9,13 @@
 #include <string>
 #include <vector>
 
-#include "editor/TarnMerge.hpp"
-#include "libtarn.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
+#include "libtarn/editor/TarnMerge.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/HeapDocument.hpp"
 #include "support/consistency.hpp"
+#include "support/documents.hpp"
 #include "support/plainMerge.hpp"
 
 namespace {
@@ -23,6 +24,7 @@ using namespace libtarn::model;
 using libtarn::editor::TarnMerge;
 using tarn_test::CapturedLog;
 using tarn_test::HeapDocument;
+using tarn_test::loaded;
 using tarn_test::PlainElement;
 
 // Random documents
@@ -171,12 +173,6 @@ std::string render(const PlainElement& element) {
 
 // The library beside the plain merge
 
-std::unique_ptr<LibTarnDocument> parsed(const PlainElement& root) {
-  auto result = std::make_unique<LibTarnDocument>();
-  EXPECT_EQ(result->parse(render(root).c_str(), false), 0) << render(root);
-  return result;
-}
-
 // The tree as the model has it, and the indexes in step with it.
 void expectSame(const LibTarnDocument& document, const PlainElement& model) {
   const PlainElement plain =
@@ -195,7 +191,7 @@ void mergeDocuments(unsigned seed, unsigned conflictOdds, Counts& counts) {
   CapturedLog log;
   Generator generator(seed);
   PlainElement sourceModel = generator.source();
-  const auto source = parsed(sourceModel);
+  const auto source = loaded(render(sourceModel));
   TarnMerge tarnMerge(*source);
   for (int round = 0; round < 4; ++round) {
     PlainElement deltaModel = generator.delta(sourceModel, conflictOdds);
@@ -232,7 +228,7 @@ TEST(RandomMergeTest, SingleObjectsMergeAsThePlainModelSays) {
     CapturedLog log;
     Generator generator(seed);
     PlainElement sourceModel = generator.source();
-    const auto source = parsed(sourceModel);
+    const auto source = loaded(render(sourceModel));
     PlainElement deltaModel = generator.delta(sourceModel, 3);
     auto delta = std::make_unique<HeapDocument>(render(deltaModel));
     log.clear();

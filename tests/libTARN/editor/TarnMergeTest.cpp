@@ -6,14 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "editor/TarnMerge.hpp"
-#include "editor/exceptions/EditorException.hpp"
-#include "libtarn.hpp"
-#include "model/LibTarnCmDataImp.hpp"
+#include "libtarn/editor/TarnMerge.hpp"
+#include "libtarn/editor/exceptions/EditorException.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/ResultCodes.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/HeapCount.hpp"
 #include "support/HeapDocument.hpp"
 #include "support/consistency.hpp"
+#include "support/documents.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
@@ -23,28 +25,12 @@ using libtarn::editor::TarnMerge;
 using libtarn::editor::exceptions::EditorException;
 using tarn_test::brokenDocument;
 using tarn_test::CapturedLog;
+using tarn_test::documentText;
 using tarn_test::HeapDocument;
+using tarn_test::loaded;
+using tarn_test::objectText;
 using Operation = LibTarnManagedObject::Operation;
 using Strings = std::vector<std::string>;
-
-std::string object(const std::string& name, const std::string& operation,
-                   const std::string& body = "") {
-  return "<managedObject class='C' distName='" + name + "' version='1'" +
-         (operation.empty() ? "" : " operation='" + operation + "'") + ">" + body +
-         "</managedObject>";
-}
-
-std::string cmData(const std::string& body, const std::string& header = "<header/>") {
-  return "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'>" + header + body +
-         "</cmData></tarn>";
-}
-
-std::unique_ptr<LibTarnDocument> parsed(const std::string& text) {
-  CapturedLog log;
-  auto document = std::make_unique<LibTarnDocument>();
-  EXPECT_EQ(document->parse(text.c_str(), false), 0) << text;
-  return document;
-}
 
 std::string dumpOf(const LibTarnDocument& document) {
   return tarn_test::dump(*document.getItsTarnDomDocument());
@@ -67,9 +53,9 @@ LibTarnManagedObject& objectIn(const LibTarnDocument& document, const char* name
 
 // What the source is after the merge of a delta that goes right, which is gone by then.
 std::string merged(const std::string& source, const std::string& delta) {
-  const auto document = parsed(source);
+  const auto document = loaded(source);
   {
-    const auto deltaDocument = parsed(delta);
+    const auto deltaDocument = loaded(delta);
     CapturedLog log;
     EXPECT_TRUE(TarnMerge(*document).mergeDocument(*deltaDocument));
     EXPECT_TRUE(log.lines().empty());
@@ -78,13 +64,14 @@ std::string merged(const std::string& source, const std::string& delta) {
 }
 
 std::string mergedObject(const std::string& sourceBody, const std::string& deltaBody) {
-  return merged(cmData(object("A-1", "", sourceBody)), cmData(object("A-1", "update", deltaBody)));
+  return merged(documentText(objectText("A-1", "", sourceBody)),
+                documentText(objectText("A-1", "update", deltaBody)));
 }
 
 void expectRefused(const std::string& source, const std::string& delta, const char* function,
                    const char* location, const char* message) {
-  const auto document = parsed(source);
-  const auto deltaDocument = parsed(delta);
+  const auto document = loaded(source);
+  const auto deltaDocument = loaded(delta);
   const std::string before = document->getItsTarnDomDocument()->printDocument();
   const std::string deltaBefore = deltaDocument->getItsTarnDomDocument()->printDocument();
   CapturedLog log;
@@ -105,7 +92,7 @@ void expectConflict(const std::string& source, const std::string& delta, const c
 // Conflicts and missing parts
 
 TEST(TarnMergeTest, SourceOrDeltaWithoutCmDataIsRefused) {
-  const std::string good = cmData(object("A-1", ""));
+  const std::string good = documentText(objectText("A-1", ""));
   const char* const location = "src/libTARN/editor/TarnMerge.cpp:41";
   const char* const noSource = "Source document doesn't have cmData node";
   expectRefused("<tarn/>", good, "mergeDocument", location, noSource);
@@ -115,42 +102,76 @@ TEST(TarnMergeTest, SourceOrDeltaWithoutCmDataIsRefused) {
 }
 
 TEST(TarnMergeTest, EachOperationConflictsWithItsCase) {
-  const std::string source = cmData(object("A-1/B-1", ""));
-  expectConflict(source, cmData(object("A-1/B-2", "update")),
+  const std::string source = documentText(objectText("A-1/B-1", ""));
+  expectConflict(source, documentText(objectText("A-1/B-2", "update")),
                  "There is no 'managedObject' element with 'distName=A-1/B-2' to update");
-  expectConflict(source, cmData(object("A-1/B-1", "create")),
+  expectConflict(source, documentText(objectText("A-1/B-1", "create")),
                  "A 'managedObject' element with 'distName=A-1/B-1' already exists");
-  expectConflict(source, cmData(object("A-1/B-2", "delete")),
+  expectConflict(source, documentText(objectText("A-1/B-2", "delete")),
                  "There is no 'managedObject' element with 'distName=A-1/B-2' to delete");
 }
 
+TEST(TarnMergeTest, DiagnosticHasTheReasonOfTheLastMerge) {
+  const auto source = loaded(documentText(objectText("A-1", "")));
+  TarnMerge merge(*source);
+  EXPECT_EQ(merge.getDiagnostic().code, 0);
+  CapturedLog log;
+  EXPECT_FALSE(merge.mergeDocument(*loaded(documentText(objectText("A-2", "update")))));
+  EXPECT_EQ(merge.getDiagnostic().code, EditResult::Refused);
+  EXPECT_EQ(Strings{merge.getDiagnostic().message}, log.messages("ERROR"));
+  EXPECT_TRUE(merge.mergeDocument(*loaded(documentText(objectText("A-2", "create")))));
+  EXPECT_EQ(merge.getDiagnostic().code, 0);
+  EXPECT_EQ(merge.getDiagnostic().message, "");
+  EXPECT_FALSE(merge.mergeDocument(*source));
+  EXPECT_EQ(merge.getDiagnostic().message, "Source and delta are the same document");
+  EXPECT_FALSE(merge.mergeDocument(*std::make_unique<LibTarnDocument>()));
+  EXPECT_EQ(merge.getDiagnostic().message, "Delta document doesn't have cmData node");
+}
+
+TEST(TarnMergeTest, DiagnosticHasTheConflictOfASingleObject) {
+  const auto source = loaded(documentText(objectText("A-1", "")));
+  const auto delta =
+      loaded(documentText(objectText("A-1", "create") + objectText("A-2", "delete")));
+  TarnMerge merge(*source);
+  CapturedLog log;
+  EXPECT_FALSE(merge.mergeManagedObject(objectIn(*delta, "A-2")));
+  EXPECT_EQ(merge.getDiagnostic().code, EditResult::Refused);
+  EXPECT_EQ(merge.getDiagnostic().message,
+            "There is no 'managedObject' element with 'distName=A-2' to delete");
+  EXPECT_FALSE(merge.mergeManagedObject(objectIn(*delta, "A-1")));
+  EXPECT_EQ(merge.getDiagnostic().message,
+            "A 'managedObject' element with 'distName=A-1' already exists");
+  EXPECT_TRUE(log.lines().empty());
+}
+
 TEST(TarnMergeTest, NothingIsAppliedBeforeALaterConflictIsFound) {
-  const std::string source = cmData(object("A-1", "", "<p name='x'>1</p>") + object("A-3", ""));
+  const std::string source =
+      documentText(objectText("A-1", "", "<p name='x'>1</p>") + objectText("A-3", ""));
   expectConflict(source,
-                 cmData(object("A-1", "update", "<p name='x'>2</p>") + object("A-2", "create") +
-                            object("A-3", "create"),
-                        "<header><log action='a' dateTime='d'/></header>"),
+                 documentText(objectText("A-1", "update", "<p name='x'>2</p>") +
+                                  objectText("A-2", "create") + objectText("A-3", "create"),
+                              "<header><log action='a' dateTime='d'/></header>"),
                  "A 'managedObject' element with 'distName=A-3' already exists");
 }
 
 TEST(TarnMergeTest, FirstConflictInTheOrderOfNamesIsTold) {
-  expectConflict(cmData(object("B-1", "")),
-                 cmData(object("B-1", "create") + object("A-2", "delete")),
+  expectConflict(documentText(objectText("B-1", "")),
+                 documentText(objectText("B-1", "create") + objectText("A-2", "delete")),
                  "There is no 'managedObject' element with 'distName=A-2' to delete");
 }
 
 TEST(TarnMergeTest, ConflictOfObjectWithoutNameNamesTheEmptyText) {
-  expectConflict(cmData(""), cmData("<managedObject operation='update'/>"),
+  expectConflict(documentText(""), documentText("<managedObject operation='update'/>"),
                  "There is no 'managedObject' element with 'distName=' to update");
-  expectConflict(cmData("<managedObject distName=''/>"),
-                 cmData("<managedObject operation='create'/>"),
+  expectConflict(documentText("<managedObject distName=''/>"),
+                 documentText("<managedObject operation='create'/>"),
                  "A 'managedObject' element with 'distName=' already exists");
 }
 
 TEST(TarnMergeTest, DocumentIsNotMergedIntoItself) {
   for (const char* const operation : {"", "create", "update", "delete", "auto"}) {
-    const auto document =
-        parsed(cmData(object("A-1", operation), "<header><log action='a' dateTime='d'/></header>"));
+    const auto document = loaded(documentText(objectText("A-1", operation),
+                                              "<header><log action='a' dateTime='d'/></header>"));
     const std::string before = document->getItsTarnDomDocument()->printDocument();
     CapturedLog log;
     EXPECT_FALSE(TarnMerge(*document).mergeDocument(*document));
@@ -173,7 +194,7 @@ TEST(TarnMergeTest, CmDataAddedAfterConstructionIsNotSeen) {
   LibTarnDocument source;
   TarnMerge merge(source);
   source.addLibTarnCmData(*source.getFactory().createLibTarnCmData(LibTarnCmData::Type::PLAN));
-  const auto delta = parsed(cmData(object("A-1", "create")));
+  const auto delta = loaded(documentText(objectText("A-1", "create")));
   CapturedLog log;
   EXPECT_FALSE(merge.mergeDocument(*delta));
   EXPECT_FALSE(merge.mergeManagedObject(objectIn(*delta, "A-1")));
@@ -184,11 +205,12 @@ TEST(TarnMergeTest, CmDataAddedAfterConstructionIsNotSeen) {
 // Create, delete, auto
 
 TEST(TarnMergeTest, CreatedObjectIsAWholeCopyAtTheEnd) {
-  EXPECT_EQ(merged(cmData(object("B-1", "")),
-                   cmData(object("A-1", "create",
-                                 "<p name='b'>1</p><list name='l'><p>2</p><p/></list><p name='a'/>"
-                                 "<list name='s'><item><p name='q'>3</p></item></list>"
-                                 "<extension name='e'><p name='r'>4</p></extension>"))),
+  EXPECT_EQ(merged(documentText(objectText("B-1", "")),
+                   documentText(
+                       objectText("A-1", "create",
+                                  "<p name='b'>1</p><list name='l'><p>2</p><p/></list><p name='a'/>"
+                                  "<list name='s'><item><p name='q'>3</p></item></list>"
+                                  "<extension name='e'><p name='r'>4</p></extension>"))),
             "managedObject(class=C distName=B-1 version=1) "
             "managedObject(class=C distName=A-1 version=1 operation=create){p(name=b)\"1\" "
             "list(name=l){p\"2\" p} p(name=a) list(name=s){item{p(name=q)\"3\"}} "
@@ -196,9 +218,9 @@ TEST(TarnMergeTest, CreatedObjectIsAWholeCopyAtTheEnd) {
 }
 
 TEST(TarnMergeTest, CreatedObjectIsFoundByNameClassAndParameter) {
-  const auto source = parsed(cmData(""));
+  const auto source = loaded(documentText(""));
   {
-    const auto delta = parsed(cmData(object("A-1", "create", "<p name='x'>1</p>")));
+    const auto delta = loaded(documentText(objectText("A-1", "create", "<p name='x'>1</p>")));
     CapturedLog log;
     ASSERT_TRUE(TarnMerge(*source).mergeDocument(*delta));
     EXPECT_EQ(&objectIn(*delta, "A-1"), delta->getLibTarnCmData()->getLibTarnManagedObject("A-1"));
@@ -213,8 +235,10 @@ TEST(TarnMergeTest, CreatedObjectIsFoundByNameClassAndParameter) {
 }
 
 TEST(TarnMergeTest, DeletedObjectLeavesTreeAndIndex) {
-  const auto source = parsed(cmData(object("A-1", "") + object("A-2", "") + object("A-3", "")));
-  const auto delta = parsed(cmData(object("A-2", "delete") + object("A-1", "delete")));
+  const auto source =
+      loaded(documentText(objectText("A-1", "") + objectText("A-2", "") + objectText("A-3", "")));
+  const auto delta =
+      loaded(documentText(objectText("A-2", "delete") + objectText("A-1", "delete")));
   CapturedLog log;
   ASSERT_TRUE(TarnMerge(*source).mergeDocument(*delta));
   EXPECT_EQ(objectsOf(*source), "managedObject(class=C distName=A-3 version=1)");
@@ -223,10 +247,10 @@ TEST(TarnMergeTest, DeletedObjectLeavesTreeAndIndex) {
 }
 
 TEST(TarnMergeTest, AutoUpdatesWhatIsThereAndCreatesWhatIsNot) {
-  const auto source = parsed(cmData(object("A-1", "", "<p name='x'>1</p>")));
+  const auto source = loaded(documentText(objectText("A-1", "", "<p name='x'>1</p>")));
   // No operation counts as "auto".
-  const auto delta = parsed(cmData(object("A-1", "auto", "<p name='x'>2</p>") +
-                                   object("A-2", "auto") + object("A-3", "")));
+  const auto delta = loaded(documentText(objectText("A-1", "auto", "<p name='x'>2</p>") +
+                                         objectText("A-2", "auto") + objectText("A-3", "")));
   CapturedLog log;
   ASSERT_TRUE(TarnMerge(*source).mergeDocument(*delta));
   EXPECT_EQ(objectsOf(*source),
@@ -244,21 +268,21 @@ TEST(TarnMergeTest, AutoUpdatesWhatIsThereAndCreatesWhatIsNot) {
 }
 
 TEST(TarnMergeTest, ObjectWithoutNameIsCreatedUpdatedAndDeleted) {
-  const auto source = parsed(cmData(""));
+  const auto source = loaded(documentText(""));
   TarnMerge merge(*source);
   CapturedLog log;
-  EXPECT_TRUE(merge.mergeDocument(*parsed(cmData("<managedObject/>"))));
+  EXPECT_TRUE(merge.mergeDocument(*loaded(documentText("<managedObject/>"))));
   EXPECT_EQ(objectsOf(*source), "managedObject(operation=create)");
-  EXPECT_TRUE(
-      merge.mergeDocument(*parsed(cmData("<managedObject><p name='x'>1</p></managedObject>"))));
+  EXPECT_TRUE(merge.mergeDocument(
+      *loaded(documentText("<managedObject><p name='x'>1</p></managedObject>"))));
   EXPECT_EQ(objectsOf(*source), "managedObject(operation=create){p(name=x)\"1\"}");
-  EXPECT_TRUE(merge.mergeDocument(*parsed(cmData("<managedObject operation='delete'/>"))));
+  EXPECT_TRUE(merge.mergeDocument(*loaded(documentText("<managedObject operation='delete'/>"))));
   EXPECT_EQ(objectsOf(*source), "");
 }
 
 TEST(TarnMergeTest, SameDeltaTwiceConflictsAtItsCreates) {
-  const auto source = parsed(cmData(""));
-  const auto delta = parsed(cmData(object("A-1", "create")));
+  const auto source = loaded(documentText(""));
+  const auto delta = loaded(documentText(objectText("A-1", "create")));
   TarnMerge merge(*source);
   CapturedLog log;
   EXPECT_TRUE(merge.mergeDocument(*delta));
@@ -270,10 +294,10 @@ TEST(TarnMergeTest, SameDeltaTwiceConflictsAtItsCreates) {
 // Update
 
 TEST(TarnMergeTest, UpdateTouchesNoAttributeOfTheObject) {
-  EXPECT_EQ(merged(cmData("<managedObject class='C' distName='A-1' version='1' "
-                          "operation='create'/>"),
-                   cmData("<managedObject class='D' distName='A-1' version='2' "
-                          "operation='update'/>")),
+  EXPECT_EQ(merged(documentText("<managedObject class='C' distName='A-1' version='1' "
+                                "operation='create'/>"),
+                   documentText("<managedObject class='D' distName='A-1' version='2' "
+                                "operation='update'/>")),
             "managedObject(class=C distName=A-1 version=1 operation=create)");
 }
 
@@ -290,11 +314,11 @@ TEST(TarnMergeTest, UpdateWithEmptyTextEmptiesTheParameter) {
 }
 
 TEST(TarnMergeTest, UpdateKeepsTheElementOfTheParameter) {
-  const auto source = parsed(cmData(object("A-1", "", "<p name='x'>1</p>")));
+  const auto source = loaded(documentText(objectText("A-1", "", "<p name='x'>1</p>")));
   const Scalar* const before = objectIn(*source, "A-1").getScalarParameter("x");
   CapturedLog log;
   ASSERT_TRUE(TarnMerge(*source).mergeDocument(
-      *parsed(cmData(object("A-1", "update", "<p name='x'>longer than before</p>")))));
+      *loaded(documentText(objectText("A-1", "update", "<p name='x'>longer than before</p>")))));
   EXPECT_EQ(objectIn(*source, "A-1").getScalarParameter("x"), before);
   EXPECT_STREQ(before->getValue(), "longer than before");
 }
@@ -343,9 +367,9 @@ TEST(TarnMergeTest, LastOfTheDeltasExtensionsOfANameStays) {
 }
 
 TEST(TarnMergeTest, UpdatedListsAndParametersAreIndexed) {
-  const auto source = parsed(cmData(object("A-1", "", "<list name='l'><p>1</p></list>")));
+  const auto source = loaded(documentText(objectText("A-1", "", "<list name='l'><p>1</p></list>")));
   CapturedLog log;
-  ASSERT_TRUE(TarnMerge(*source).mergeDocument(*parsed(cmData(object(
+  ASSERT_TRUE(TarnMerge(*source).mergeDocument(*loaded(documentText(objectText(
       "A-1", "update", "<list name='l'><p>2</p></list><p name='n'>3</p><extension name='e'/>")))));
   const LibTarnManagedObject& updated = objectIn(*source, "A-1");
   EXPECT_STREQ(updated.getListParameter("l")->getScalarValues()->getValue(), "2");
@@ -383,34 +407,34 @@ Strings expectedLogs(int from, int to) {
 }
 
 TEST(TarnMergeTest, LogsOfTheDeltaFollowThoseOfTheSource) {
-  const auto source = parsed(cmData("", logs(0, 3)));
+  const auto source = loaded(documentText("", logs(0, 3)));
   CapturedLog log;
-  ASSERT_TRUE(TarnMerge(*source).mergeDocument(*parsed(cmData("", logs(3, 5)))));
+  ASSERT_TRUE(TarnMerge(*source).mergeDocument(*loaded(documentText("", logs(3, 5)))));
   EXPECT_EQ(logTexts(*source), expectedLogs(0, 5));
 }
 
 TEST(TarnMergeTest, HeaderKeepsTheLastFiftyLogs) {
-  const auto source = parsed(cmData("", logs(0, 60)));
+  const auto source = loaded(documentText("", logs(0, 60)));
   CapturedLog log;
   TarnMerge merge(*source);
-  ASSERT_TRUE(merge.mergeDocument(*parsed(cmData("", "<header/>"))));
+  ASSERT_TRUE(merge.mergeDocument(*loaded(documentText("", "<header/>"))));
   EXPECT_EQ(logTexts(*source), expectedLogs(0, 60));
-  ASSERT_TRUE(merge.mergeDocument(*parsed(cmData("", logs(60, 65)))));
+  ASSERT_TRUE(merge.mergeDocument(*loaded(documentText("", logs(60, 65)))));
   EXPECT_EQ(logTexts(*source), expectedLogs(15, 65));
-  ASSERT_TRUE(merge.mergeDocument(*parsed(cmData("", logs(65, 165)))));
+  ASSERT_TRUE(merge.mergeDocument(*loaded(documentText("", logs(65, 165)))));
   EXPECT_EQ(logTexts(*source), expectedLogs(115, 165));
 }
 
 TEST(TarnMergeTest, MergeWithoutAHeaderOnEitherSideSkipsTheLogs) {
   CapturedLog log;
-  const auto source = parsed(cmData("", ""));
-  EXPECT_TRUE(
-      TarnMerge(*source).mergeDocument(*parsed(cmData(object("A-1", "create"), logs(0, 2)))));
+  const auto source = loaded(documentText("", ""));
+  EXPECT_TRUE(TarnMerge(*source).mergeDocument(
+      *loaded(documentText(objectText("A-1", "create"), logs(0, 2)))));
   EXPECT_EQ(objectsOf(*source), "managedObject(class=C distName=A-1 version=1 operation=create)");
   EXPECT_EQ(source->getLibTarnCmData()->getLibTarnHeader(), nullptr);
 
-  const auto withHeader = parsed(cmData("", logs(0, 2)));
-  EXPECT_TRUE(TarnMerge(*withHeader).mergeDocument(*parsed(cmData("", ""))));
+  const auto withHeader = loaded(documentText("", logs(0, 2)));
+  EXPECT_TRUE(TarnMerge(*withHeader).mergeDocument(*loaded(documentText("", ""))));
   EXPECT_EQ(logTexts(*withHeader), expectedLogs(0, 2));
 }
 
@@ -439,8 +463,9 @@ TEST(TarnMergeTest, SingleObjectIsAppliedOrRefusedWithoutAWord) {
       {"B-1", "delete", false, "managedObject(class=C distName=A-1 version=1)"},
   };
   for (const auto& c : cases) {
-    const auto source = parsed(cmData(object("A-1", "")));
-    const auto delta = parsed(cmData(object(c.name, c.operation, "<p name='x'>1</p>"), logs(0, 1)));
+    const auto source = loaded(documentText(objectText("A-1", "")));
+    const auto delta =
+        loaded(documentText(objectText(c.name, c.operation, "<p name='x'>1</p>"), logs(0, 1)));
     const std::string deltaBefore = delta->getItsTarnDomDocument()->printDocument();
     CapturedLog log;
     EXPECT_EQ(TarnMerge(*source).mergeManagedObject(objectIn(*delta, c.name)), c.applied);
@@ -453,7 +478,7 @@ TEST(TarnMergeTest, SingleObjectIsAppliedOrRefusedWithoutAWord) {
 
 TEST(TarnMergeTest, SingleObjectNeedsASourceWithCmData) {
   LibTarnDocument source;
-  const auto delta = parsed(cmData(object("A-1", "create")));
+  const auto delta = loaded(documentText(objectText("A-1", "create")));
   CapturedLog log;
   EXPECT_FALSE(TarnMerge(source).mergeManagedObject(objectIn(*delta, "A-1")));
   ASSERT_EQ(log.lines().size(), 1U);
@@ -465,9 +490,9 @@ TEST(TarnMergeTest, SingleObjectNeedsASourceWithCmData) {
 
 TEST(TarnMergeTest, UpdateOfAnObjectWithItselfChangesNothing) {
   const auto source =
-      parsed(cmData(object("A-1", "update",
-                           "<p name='x'>1</p><list name='l'><p>1</p></list><extension "
-                           "name='e'/><extension name='e'/>")));
+      loaded(documentText(objectText("A-1", "update",
+                                     "<p name='x'>1</p><list name='l'><p>1</p></list><extension "
+                                     "name='e'/><extension name='e'/>")));
   const std::string before = dumpOf(*source);
   CapturedLog log;
   EXPECT_TRUE(TarnMerge(*source).mergeManagedObject(objectIn(*source, "A-1")));
@@ -476,14 +501,14 @@ TEST(TarnMergeTest, UpdateOfAnObjectWithItselfChangesNothing) {
 }
 
 TEST(TarnMergeTest, ObjectOfTheSourceCanDeleteItself) {
-  const auto source = parsed(cmData(object("A-1", "delete")));
+  const auto source = loaded(documentText(objectText("A-1", "delete")));
   CapturedLog log;
   EXPECT_TRUE(TarnMerge(*source).mergeManagedObject(objectIn(*source, "A-1")));
   EXPECT_EQ(source->getLibTarnCmData()->getManagedObjectNumber(), 0U);
 }
 
 TEST(TarnMergeTest, ObjectMadeByTheSourcesFactoryIsCopied) {
-  const auto source = parsed(cmData(""));
+  const auto source = loaded(documentText(""));
   LibTarnManagedObject* const made =
       source->getFactory().createLibTarnManagedObject("C", "A-1", Operation::CREATE, "1");
   CapturedLog log;
@@ -496,8 +521,8 @@ TEST(TarnMergeTest, ObjectMadeByTheSourcesFactoryIsCopied) {
 // Blocks that a merge of `delta` takes with so many objects in the source.
 std::size_t blocksOfMerge(int sourceObjects, LibTarnDocument& delta) {
   std::string text;
-  for (int i = 0; i < sourceObjects; ++i) text += object("S-" + std::to_string(i), "");
-  HeapDocument source(cmData(text));
+  for (int i = 0; i < sourceObjects; ++i) text += objectText("S-" + std::to_string(i), "");
+  HeapDocument source(documentText(text));
   TarnMerge merge(source.get());
   const std::size_t before = tarn_test::heapAllocations();
   EXPECT_TRUE(merge.mergeDocument(delta));
@@ -505,10 +530,10 @@ std::size_t blocksOfMerge(int sourceObjects, LibTarnDocument& delta) {
 }
 
 TEST(TarnMergeTest, MemoryOfAMergeGrowsWithTheDeltaOnly) {
-  std::string text = object("S-0", "update", "<p name='x'>1</p>") + object("S-1", "delete");
+  std::string text = objectText("S-0", "update", "<p name='x'>1</p>") + objectText("S-1", "delete");
   for (int i = 0; i < 2000; ++i)
-    text += object("A-" + std::to_string(i), "create", "<p name='x'/>");
-  const auto delta = parsed(cmData(text));
+    text += objectText("A-" + std::to_string(i), "create", "<p name='x'/>");
+  const auto delta = loaded(documentText(text));
   const std::size_t small = blocksOfMerge(10, *delta);
   const std::size_t large = blocksOfMerge(10000, *delta);
   EXPECT_GT(small, 0U);
@@ -517,9 +542,13 @@ TEST(TarnMergeTest, MemoryOfAMergeGrowsWithTheDeltaOnly) {
 
 // Steps
 
+LibTarnManagedObject* made(LibTarnDocument& document, const char* name) {
+  return document.getFactory().createLibTarnManagedObject("C", name, nullptr);
+}
+
 TEST(TarnMergeTest, StepsAreThereForHosts) {
-  const auto source = parsed(cmData(object("A-1", "")));
-  const auto delta = parsed(cmData(object("A-2", "update"), logs(0, 1)));
+  const auto source = loaded(documentText(objectText("A-1", "")));
+  const auto delta = loaded(documentText(objectText("A-2", "update"), logs(0, 1)));
   TarnMerge merge(*source);
   LibTarnCmDataImp* const deltaCmData = merge.getCmData(*delta);
   EXPECT_EQ(deltaCmData, delta->getLibTarnCmData());
@@ -541,15 +570,23 @@ TEST(TarnMergeTest, StepsAreThereForHosts) {
   EXPECT_EQ(log.messages("ERROR").size(), 1U);
   merge.doOperationCreate(&objectIn(*delta, "A-2"));
   merge.doOperationDelete("A-1");
+  // The name says which object goes.
+  const auto remover = loaded(documentText(objectText("A-3", "delete")));
+  merge.doOperationCreate(&objectIn(*remover, "A-3"));
+  merge.doOperationCreate(made(*source, "A-4"));
+  merge.mergeDocuments(&objectIn(*source, "A-4"), &objectIn(*remover, "A-3"), "A-4");
+  EXPECT_FALSE(source->getLibTarnCmData()->hasLibTarnManagedObject("A-4"));
+  merge.doOperationDelete("A-3");
   merge.addHeaders(deltaCmData);
   EXPECT_EQ(objectsOf(*source), "managedObject(class=C distName=A-2 version=1 operation=update)");
   EXPECT_EQ(logTexts(*source), expectedLogs(0, 1));
 }
 
 TEST(TarnMergeTest, SourceIsRefusedAsItsOwnDelta) {
-  const auto source = parsed(cmData(
-      object("A-1", "update", "<list name='l'/><extension name='e'/>") + object("A-2", "auto"),
-      logs(0, 3)));
+  const auto source =
+      loaded(documentText(objectText("A-1", "update", "<list name='l'/><extension name='e'/>") +
+                              objectText("A-2", "auto"),
+                          logs(0, 3)));
   TarnMerge merge(*source);
   CapturedLog log;
   const std::string before = dumpOf(*source);
@@ -569,9 +606,9 @@ TEST(TarnMergeTest, SourceIsRefusedAsItsOwnDelta) {
 
 // The copy of an abbreviated element is a whole one, which may break a rule that it did not.
 TEST(TarnMergeTest, CopiesHaveTheTagsOfTheirClasses) {
-  const auto source = parsed(cmData(""));
+  const auto source = loaded(documentText(""));
   LibTarnDocument delta;
-  ASSERT_EQ(delta.parse(cmData(object("A-1", "create", "<e><p/></e>")).c_str(), true), 0);
+  ASSERT_EQ(delta.parse(documentText(objectText("A-1", "create", "<e><p/></e>")).c_str(), true), 0);
   EXPECT_TRUE(TarnMerge(*source).mergeDocument(delta));
   EXPECT_EQ(objectsOf(*source),
             "managedObject(class=C distName=A-1 version=1 operation=create){extension{p}}");
@@ -581,11 +618,13 @@ TEST(TarnMergeTest, CopiesHaveTheTagsOfTheirClasses) {
 
 TEST(TarnMergeDeathTest, StepsNeedSourceAndDelta) {
   LibTarnDocument empty;
-  const auto good = parsed(cmData(object("A-1", "")));
+  const auto good = loaded(documentText(objectText("A-1", "")));
   TarnMerge ofEmpty(empty);
   TarnMerge ofGood(*good);
   EXPECT_DEATH(ofEmpty.doMerge(ofGood.getCmData(*good)), "cmData && delta");
   EXPECT_DEATH(ofGood.doMerge(nullptr), "cmData && delta");
+  EXPECT_DEATH(ofEmpty.doMerge(nullptr), "cmData && delta");
+  EXPECT_DEATH(ofEmpty.mergeDocuments(nullptr, &objectIn(*good, "A-1"), "A-1"), "cmData && delta");
   EXPECT_DEATH(ofGood.addHeaders(nullptr), "cmData && delta");
   EXPECT_DEATH(ofGood.doOperationUpdate(nullptr, &objectIn(*good, "A-1")), "source && delta");
 }
@@ -614,17 +653,18 @@ TEST(TarnMergeTest, CopyFindsFaultsOfElementsThatStandWhereTheModelHasNone) {
       {"<item><p name='n'/><p name='n'/></item>",
        "The '(list: )' element already contains a 'p' element with 'name=n'"},
       {"<extension><list name='l'><item><p/><p/></item></list></extension>",
-       "The '(list: l)' element already contains a 'p' element with 'name='"},
+       "The '(list: )' element already contains a 'p' element with 'name='"},
       {"<list name='l'><list name='k'><item><p/><p/></item></list></list>",
-       "The '(list: k)' element already contains a 'p' element with 'name='"},
+       "The '(list: )' element already contains a 'p' element with 'name='"},
       {"<list name='l'><item><item><p/><p/></item></item></list>",
        "The '(list: )' element already contains a 'p' element with 'name='"},
   };
   for (const auto& c : cases) {
     for (const char* const operation : {"create", "auto"}) {
-      const auto source = parsed(cmData(""));
+      const auto source = loaded(documentText(""));
       LibTarnDocument delta;
-      ASSERT_EQ(delta.parse(cmData(object("A-1", operation, c.body)).c_str(), true), 0) << c.body;
+      ASSERT_EQ(delta.parse(documentText(objectText("A-1", operation, c.body)).c_str(), true), 0)
+          << c.body;
       CapturedLog log;
       try {
         TarnMerge(*source).mergeDocument(delta);

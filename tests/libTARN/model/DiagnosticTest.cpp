@@ -4,22 +4,21 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
-#include "model/Diagnostic.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/Diagnostic.hpp"
 #include "support/CapturedLog.hpp"
+#include "support/documents.hpp"
 
 namespace {
 
 using namespace libtarn::model;
 using tarn_test::CapturedLog;
+using tarn_test::documentText;
+using tarn_test::vectorOf;
 
 constexpr const char* GOOD =
     "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header/>"
     "<managedObject class='B' distName='A-1'/></cmData></tarn>";
-
-std::vector<char> withZero(const std::string& text) {
-  return std::vector<char>(text.c_str(), text.c_str() + text.size() + 1);
-}
 
 void expectDiagnostic(const LibTarnDocument& document, int code, const std::string& message,
                       std::size_t offset) {
@@ -49,7 +48,7 @@ TEST(DiagnosticTest, MalformedTextGivesMessageAndByteOffset) {
     EXPECT_EQ(fromText.parse(c.text.c_str(), true), 1);
     expectDiagnostic(fromText, 1, c.message, c.offset);
     LibTarnDocument fromVector;
-    EXPECT_EQ(fromVector.parse(withZero(c.text), false), 1);
+    EXPECT_EQ(fromVector.parse(vectorOf(c.text), false), 1);
     expectDiagnostic(fromVector, 1, c.message, c.offset);
     const std::string line = std::string("Parsing failed: ") + c.message;
     EXPECT_EQ(log.messages("ERROR"), (std::vector<std::string>{line, line}));
@@ -116,12 +115,11 @@ TEST(DiagnosticTest, ValidateChecksTheDocumentAsItIsNow) {
 
 // What counts are the objects that the index holds, whatever a host did to the tree.
 TEST(DiagnosticTest, ValidateVisitsTheIndexedObjectsInTheOrderOfTheirNames) {
-  const std::string before = "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header/>";
   CapturedLog log;
   LibTarnDocument document;
   ASSERT_EQ(
-      document.parse((before + "<managedObject distName='B-1'/><managedObject distName='A-1'/>"
-                               "<managedObject class='C' distName='C-1'/></cmData></tarn>")
+      document.parse(documentText("<managedObject distName='B-1'/><managedObject distName='A-1'/>"
+                                  "<managedObject class='C' distName='C-1'/>")
                          .c_str(),
                      false),
       0);

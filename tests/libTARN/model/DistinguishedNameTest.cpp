@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "model/DistinguishedName.hpp"
-#include "model/DistinguishedNameValidator.hpp"
+#include "libtarn/model/DistinguishedName.hpp"
+#include "libtarn/model/DistinguishedNameValidator.hpp"
 
 namespace {
 

@@ -8,22 +8,23 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
-#include "model/EnumeratedAttribute.hpp"
-#include "model/IDistinguishedNameValidator.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnDocumentDeclaration.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
-#include "model/LibTarnExtensionImp.hpp"
-#include "model/LibTarnHeaderImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/LogImp.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/StructureImp.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/EnumeratedAttribute.hpp"
+#include "libtarn/model/IDistinguishedNameValidator.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnDocumentDeclaration.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/LibTarnExtensionImp.hpp"
+#include "libtarn/model/LibTarnHeaderImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/LogImp.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/StructureImp.hpp"
+#include "libtarn/model/indexation/TarnIndexFactory.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/consistency.hpp"
+#include "support/documents.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
@@ -31,22 +32,11 @@ namespace {
 using namespace libtarn::model;
 using libtarn::util::TarnFactory;
 using tarn_test::CapturedLog;
+using tarn_test::namesOf;
+using tarn_test::printed;
+using tarn_test::rootText;
 
 using Names = std::vector<std::string>;
-
-Names namesOf(const indexation::ManagedObjectCollection& collection) {
-  Names names;
-  for (const LibTarnManagedObject* object : collection) {
-    names.emplace_back(object->getDistName().getText());
-  }
-  return names;
-}
-
-std::string printed(LibTarnDocument& document) {
-  std::string out = "is replaced";
-  libtarn::util::dumpTarnDocument(document, out);
-  return out;
-}
 
 void expectLine(const CapturedLog::Line& line, const char* level, const char* function,
                 const std::string& message) {
@@ -66,8 +56,7 @@ class DocumentTest : public ::testing::Test {
   }
   // With what validation asks of the root.
   void parseValid(const std::string& body) {
-    const std::string text = "<tarn xmlns='tarn21.xsd' version='2.1'>" + body + "</tarn>";
-    ASSERT_EQ(document_.parse(text.c_str(), true), 0);
+    ASSERT_EQ(document_.parse(rootText(body).c_str(), true), 0);
     cmData_ = dynamic_cast<LibTarnCmDataImp*>(document_.getLibTarnCmData());
     log_.clear();
   }

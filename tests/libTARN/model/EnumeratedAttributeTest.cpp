@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "libtarn.hpp"
-#include "model/EnumeratedAttribute.hpp"
-#include "model/TarnDomElement.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/EnumeratedAttribute.hpp"
+#include "libtarn/model/TarnDomElement.hpp"
 
 namespace {
 

@@ -2,13 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <boost/shared_ptr.hpp>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
 
-#include "DomDocument.hpp"
-#include "libtarn.hpp"
+#include "libtarn/DomDocument.hpp"
+#include "libtarn/libtarn.hpp"
 #include "support/HeapCount.hpp"
 #include "support/treeDump.hpp"
 

@@ -7,14 +7,17 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
-#include "model/LibTarnExtensionImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/StructureImp.hpp"
-#include "model/UniqueContainer.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/LibTarnExtensionImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/StructureImp.hpp"
+#include "libtarn/model/UniqueContainer.hpp"
+#include "libtarn/model/exceptions/DuplicateElementException.hpp"
 #include "support/CapturedLog.hpp"
+#include "support/HeapCount.hpp"
+#include "support/documents.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
@@ -22,6 +25,8 @@ namespace {
 using namespace libtarn::model;
 using libtarn::util::TarnFactory;
 using tarn_test::CapturedLog;
+using tarn_test::cmDataText;
+using tarn_test::namesOf;
 
 using Names = std::vector<std::string>;
 using Operation = LibTarnManagedObject::Operation;
@@ -32,9 +37,7 @@ class ManagedObjectTest : public ::testing::Test {
   LibTarnManagedObjectImp& parsed(const std::string& text) {
     documents_.push_back(std::make_unique<LibTarnDocument>());
     LibTarnDocument& document = *documents_.back();
-    EXPECT_EQ(
-        document.parse(("<tarn><cmData type='plan'>" + text + "</cmData></tarn>").c_str(), false),
-        0);
+    EXPECT_EQ(document.parse(cmDataText(text).c_str(), false), 0);
     log_.clear();
     return dynamic_cast<LibTarnManagedObjectImp&>(
         **document.getLibTarnCmData()->getLibTarnManagedObjects().begin());
@@ -55,13 +58,6 @@ class ManagedObjectTest : public ::testing::Test {
   LibTarnDocument document_;
   std::vector<std::unique_ptr<LibTarnDocument>> documents_;
 };
-
-template <class Collection>
-Names namesOf(const Collection& collection) {
-  Names names;
-  for (const auto& entry : collection) names.emplace_back(entry.first);
-  return names;
-}
 
 TEST_F(ManagedObjectTest, FactoryBuildsObjectsWithTheirAttributesInOrder) {
   const auto dump = [](const LibTarnManagedObject* object) {
@@ -186,6 +182,34 @@ TEST_F(ManagedObjectTest, ContainerOfAnotherAttributeComparesIdentifiersToo) {
   EXPECT_TRUE(container.has(extension, "x"));
   EXPECT_THROW(container.add(extension, dynamic_cast<ScalarImp&>(scalar("x"))),
                exceptions::DuplicateElementException);
+}
+
+// The names are longer than what a string holds without memory of its own.
+TEST_F(ManagedObjectTest, LookUpOfAnExtensionThatIsNotThereAllocatesNothing) {
+  LibTarnManagedObjectImp& object = own();
+  auto& extension = dynamic_cast<LibTarnExtensionImp&>(*factory().createLibTarnExtension("e"));
+  ASSERT_EQ(object.addParameter(extension), 0);
+  ASSERT_EQ(extension.addParameter(scalar("x")), 0);
+  const std::string name(40, 'n');
+  const std::size_t before = tarn_test::heapAllocations();
+  EXPECT_EQ(object.getExtension(name), nullptr);
+  EXPECT_FALSE(object.hasExtension(name));
+  EXPECT_EQ(object.removeExtension(name), EditResult::NoSuchElement);
+  EXPECT_EQ(extension.getParameter(name), nullptr);
+  EXPECT_FALSE(extension.hasParameter(name));
+  EXPECT_EQ(extension.removeParameter(name), EditResult::NoSuchElement);
+  EXPECT_EQ(tarn_test::heapAllocations(), before);
+}
+
+TEST_F(ManagedObjectTest, HasOperationTellsAutoFromNone) {
+  LibTarnManagedObject& object = own();
+  EXPECT_FALSE(object.hasOperation());
+  object.setOperation(Operation::AUTO);
+  EXPECT_TRUE(object.hasOperation());
+  object.clearOperation();
+  EXPECT_FALSE(object.hasOperation());
+  const LibTarnManagedObject& deleted = parsed("<managedObject operation='delete'/>");
+  EXPECT_TRUE(deleted.hasOperation());
 }
 
 TEST_F(ManagedObjectTest, OperationIsKeptInStepWithItsAttribute) {

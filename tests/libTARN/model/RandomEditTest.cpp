@@ -8,12 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
 #include "support/CapturedLog.hpp"
+#include "support/documents.hpp"
 #include "support/treeDump.hpp"
 
 namespace {
+using tarn_test::namesOf;
 
 using namespace libtarn::model;
 using Names = std::vector<std::string>;
@@ -100,14 +102,6 @@ class RandomEdit {
 
  private:
   unsigned pick(unsigned count) { return static_cast<unsigned>(random_() % count); }
-
-  static Names namesOf(const indexation::ManagedObjectCollection& collection) {
-    Names names;
-    for (const LibTarnManagedObject* object : collection) {
-      names.emplace_back(object->getDistName().getText());
-    }
-    return names;
-  }
 
   void checkObject(const std::string& name, const ModelObject& expected) {
     const auto* const object = dynamic_cast<const LibTarnManagedObjectImp*>(

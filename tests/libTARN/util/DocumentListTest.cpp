@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "libtarn.hpp"
-#include "util/DocumentList.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/util/DocumentList.hpp"
 
 namespace {
 

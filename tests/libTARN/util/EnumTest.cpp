@@ -4,10 +4,10 @@
 #include <string>
 #include <type_traits>
 
-#include "model/LibTarnCmData.hpp"
-#include "model/LibTarnManagedObject.hpp"
-#include "util/Enum.hpp"
-#include "util/Logger.hpp"
+#include "libtarn/model/LibTarnCmData.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
+#include "libtarn/util/Enum.hpp"
+#include "libtarn/util/Logger.hpp"
 
 namespace {
 

@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "libtarn/util/Enum.hpp"
+#include "libtarn/util/Logger.hpp"
 #include "support/CapturedLog.hpp"
 #include "util/LogLocation.hpp"
-#include "util/Logger.hpp"
 
 namespace {
 

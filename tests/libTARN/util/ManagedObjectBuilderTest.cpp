@@ -2,9 +2,9 @@
 
 #include <list>
 
-#include "libtarn.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/util/ManagedObjectBuilder.hpp"
 #include "support/CapturedLog.hpp"
-#include "util/ManagedObjectBuilder.hpp"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <random>
 #include <string>
 
-#include "util/TextPosition.hpp"
+#include "libtarn/util/TextPosition.hpp"
 
 namespace {
 

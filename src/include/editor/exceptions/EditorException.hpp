@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 namespace editor {
@@ -15,6 +15,7 @@ class TARN_API EditorException : public std::runtime_error {
  public:
   /// `message` is what() as it stands.
   explicit EditorException(const std::string& message);
+  ~EditorException() override;
 };
 
 }  // namespace exceptions

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/exceptions/ModelException.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
 
 namespace libtarn {
 namespace model {
@@ -17,6 +17,7 @@ class TARN_API DuplicateElementException : public ModelException {
  public:
   /// `message` is what() as it stands.
   explicit DuplicateElementException(const std::string& message);
+  ~DuplicateElementException() override;
 
   /// Instantiated for keys of type DistinguishedName, std::string and const char*.
   template <class T>

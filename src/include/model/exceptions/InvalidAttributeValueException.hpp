@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/exceptions/ModelException.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
 
 namespace libtarn {
 namespace model {
@@ -14,6 +14,7 @@ class TARN_API InvalidAttributeValueException : public ModelException {
  public:
   /// `message` is what() as it stands.
   explicit InvalidAttributeValueException(const std::string& message);
+  ~InvalidAttributeValueException() override;
 
   /// `element`: its tag or path.
   static InvalidAttributeValueException instance(const char* element, const char* attribute,

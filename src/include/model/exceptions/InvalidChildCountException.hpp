@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/exceptions/ModelException.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
 
 namespace libtarn {
 namespace model {
@@ -15,6 +15,7 @@ class TARN_API InvalidChildCountException : public ModelException {
  public:
   /// `message` is what() as it stands.
   explicit InvalidChildCountException(const std::string& message);
+  ~InvalidChildCountException() override;
 
   /// `element`: its path; `min` to `max`, inclusive, would do.
   static InvalidChildCountException instance(const char* childTag, const char* element,

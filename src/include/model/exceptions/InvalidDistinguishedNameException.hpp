@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TarnApi.hpp"
-#include "model/exceptions/ModelException.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
 
 namespace libtarn {
 namespace model {
@@ -12,6 +12,7 @@ class TARN_API InvalidDistinguishedNameException : public ModelException {
  public:
   /// `distName` may be null; the message then names none.
   explicit InvalidDistinguishedNameException(const char* distName);
+  ~InvalidDistinguishedNameException() override;
 };
 
 }  // namespace exceptions

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 namespace model {
@@ -14,6 +14,7 @@ class TARN_API ModelException : public std::runtime_error {
  public:
   /// `message` is what() as it stands.
   explicit ModelException(const std::string& message);
+  ~ModelException() override;
 };
 
 }  // namespace exceptions

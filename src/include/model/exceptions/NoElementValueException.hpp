@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/exceptions/ModelException.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
 
 namespace libtarn {
 namespace model {
@@ -14,6 +14,7 @@ class TARN_API NoElementValueException : public ModelException {
  public:
   /// `message` is what() as it stands.
   explicit NoElementValueException(const std::string& message);
+  ~NoElementValueException() override;
 
   /// `element`: its path.
   static NoElementValueException instance(const char* element);

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/exceptions/ModelException.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
 
 namespace libtarn {
 namespace model {
@@ -14,6 +14,7 @@ class TARN_API NoSuchAttributeException : public ModelException {
  public:
   /// `message` is what() as it stands.
   explicit NoSuchAttributeException(const std::string& message);
+  ~NoSuchAttributeException() override;
 
   /// `element`: its tag or path.
   static NoSuchAttributeException instance(const char* element, const char* attribute);

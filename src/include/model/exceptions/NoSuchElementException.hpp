@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "TarnApi.hpp"
-#include "model/exceptions/ModelException.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
 
 namespace libtarn {
 namespace model {
@@ -14,6 +14,7 @@ class TARN_API NoSuchElementException : public ModelException {
  public:
   /// `message` is what() as it stands.
   explicit NoSuchElementException(const std::string& message);
+  ~NoSuchElementException() override;
 
   /// Instantiated for keys of type std::string.
   template <class T>

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 namespace model {

@@ -1,12 +1,19 @@
 #pragma once
 
-#include "TarnApi.hpp"
-#include "model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
-#include "model/indexation/ITarnUniqueIndex.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/indexation/ITarnUniqueIndex.hpp"
 
 namespace libtarn {
 namespace model {
+
+class LibTarnManagedObject;
+class List;
+class Scalar;
+
 namespace indexation {
+
+template <class T>
+class ITarnUniqueAndNonUniqueMultiIndex;
 
 /// Makes the indexes of a document's elements. What it makes must live as long as the document.
 class TARN_API ITarnIndexFactory {

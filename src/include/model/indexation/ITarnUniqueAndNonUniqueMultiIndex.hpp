@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 
-#include "TarnApi.hpp"
-#include "model/indexation/TarnCollection.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/indexation/TarnCollection.hpp"
 
 namespace libtarn {
 namespace model {
@@ -36,19 +35,17 @@ class TARN_API ITarnUniqueAndNonUniqueMultiIndex {
 
   virtual ~ITarnUniqueAndNonUniqueMultiIndex() = default;
 
-  /// Calls `visit` for every element, in whatever order is cheapest. It must not change the index.
-  virtual void forEach(const std::function<void(T*)>& visit) const {
-    for (T* const element : getCollection()) visit(element);
-  }
-
   /// Takes the memory that the next add() may need, of an element whose unique key is `key`; it
   /// then does not throw, also when other elements have been removed before it.
   virtual void prepareAdd(const char* /*key*/) {}
 
-  /// Adds `count` elements all at once, in this order, without a look at them. False, with nothing
-  /// changed, when two have the same unique key, when the index is not empty, and when it does not
-  /// offer this.
-  virtual bool addAll(const HashedObject* /*objects*/, std::size_t /*count*/) { return false; }
+  /// Adds the elements of `count` entries, numbered from 0 in document order, all at once; asked of
+  /// an empty index when a document has been parsed. False, with nothing changed, when two share
+  /// the unique key, or when the index does not offer this, which is the default: add() is then
+  /// called for each.
+  virtual bool addAll(const ManagedObjectEntry* /*entries*/, std::size_t /*count*/) {
+    return false;
+  }
 };
 
 }  // namespace indexation

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-#include "TarnApi.hpp"
-#include "model/indexation/TarnCollection.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/indexation/TarnCollection.hpp"
 
 namespace libtarn {
 namespace model {
@@ -30,17 +30,6 @@ class TARN_API ITarnUniqueIndex {
   virtual std::size_t size() const = 0;
 
   virtual ~ITarnUniqueIndex() = default;
-
-  /// All entries in whatever order is cheapest.
-  virtual TarnCollection<ParameterEntry<T>> getUnordered() const { return getCollection(); }
-
-  /// Adds `count` entries of different names all at once, in effect from when `condition` becomes
-  /// true, which must live as long as the index; `sorted` when they are in order. An index that was
-  /// given any before, or that does not offer this, answers false and adds nothing.
-  virtual bool addOnceTrue(const bool& /*condition*/, const ParameterEntry<T>* /*entries*/,
-                           std::size_t /*count*/, bool /*sorted*/) {
-    return false;
-  }
 };
 
 }  // namespace indexation

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 namespace model {

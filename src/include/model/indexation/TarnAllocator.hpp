@@ -4,8 +4,8 @@
 #include <limits>
 #include <new>
 
-#include "IMemoryPool.hpp"
-#include "TarnApi.hpp"
+#include "libtarn/IMemoryPool.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 namespace model {

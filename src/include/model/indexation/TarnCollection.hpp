@@ -2,11 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <type_traits>
 #include <utility>
+#include <vector>  // for std::forward_iterator_tag: <iterator> would bring the streams
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libtarn {
 namespace model {
@@ -61,14 +61,6 @@ struct ManagedObjectEntry {
   const char* key;
   LibTarnManagedObject* object;
   std::size_t serial;
-};
-
-/// A managed object on its way into an index: its key text, a hash of it, and the element.
-struct HashedObject {
-  /// The parts.
-  const char* key;
-  LibTarnManagedObject* object;
-  std::uint32_t hash;
 };
 
 template <>

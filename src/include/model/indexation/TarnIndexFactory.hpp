@@ -1,8 +1,8 @@
 #pragma once
 
-#include "IMemoryPool.hpp"
-#include "TarnApi.hpp"
-#include "model/indexation/ITarnIndexFactory.hpp"
+#include "libtarn/IMemoryPool.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/indexation/ITarnIndexFactory.hpp"
 
 namespace libtarn {
 namespace model {

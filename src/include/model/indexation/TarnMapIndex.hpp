@@ -1,10 +1,10 @@
 #pragma once
 
-#include "IMemoryPool.hpp"
-#include "TarnApi.hpp"
-#include "model/indexation/ITarnUniqueIndex.hpp"
-#include "model/indexation/ListNameExtractor.hpp"
-#include "model/indexation/ScalarNameExtractor.hpp"
+#include "libtarn/IMemoryPool.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/indexation/ITarnUniqueIndex.hpp"
+#include "libtarn/model/indexation/ListNameExtractor.hpp"
+#include "libtarn/model/indexation/ScalarNameExtractor.hpp"
 
 namespace libtarn {
 namespace model {
@@ -30,15 +30,19 @@ class TARN_API TarnMapIndex : public ITarnUniqueIndex<T> {
   T* find(const char* name) const override;
   TarnCollection<ParameterEntry<T>> getCollection() const override;
   std::size_t size() const override;
-  TarnCollection<ParameterEntry<T>> getUnordered() const override;
-  bool addOnceTrue(const bool& condition, const ParameterEntry<T>* entries, std::size_t count,
-                   bool sorted) override;
+
+  /// Adds `count` entries of distinct names, all at once; `sorted` when they are in order. False,
+  /// with nothing changed, when the index was given any before, or for more than 2^31 - 1.
+  bool fill(const ParameterEntry<T>* entries, std::size_t count, bool sorted);
+  /// Removes all entries. No walk may be in the collection.
+  void clear() { entries_ = nullptr; }
+  /// All entries in whatever order is cheapest. The walk must not outlive a change.
+  TarnCollection<ParameterEntry<T>> getUnordered() const;
 
  private:
   using Entry = ParameterEntry<T>;
 
-  // The entries, null when there are none, as they are or in order.
-  NamedEntries<T>* current() const;
+  // The entries in order; null before the first one.
   NamedEntries<T>* ordered() const;
 
   libDomXml::IMemoryPool* pool_;

@@ -1,15 +1,18 @@
 #pragma once
 
-#include "IMemoryPool.hpp"
-#include "TarnApi.hpp"
-#include "model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
-#include "model/indexation/ManagedObjectClassNameExtractor.hpp"
-#include "model/indexation/ManagedObjectDistNameExtractor.hpp"
+#include <functional>
+
+#include "libtarn/IMemoryPool.hpp"
+#include "libtarn/TarnApi.hpp"
+#include "libtarn/model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "libtarn/model/indexation/ManagedObjectClassNameExtractor.hpp"
+#include "libtarn/model/indexation/ManagedObjectDistNameExtractor.hpp"
 
 namespace libtarn {
 namespace model {
 namespace indexation {
 
+struct HashedObject;
 class ObjectTable;
 template <class Order>
 class ObjectView;
@@ -36,9 +39,13 @@ class TARN_API TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUnique
   ManagedObjectCollection getCollection() const override;
   std::size_t size() const override;
   void clear() override;
-  void forEach(const std::function<void(T*)>& visit) const override;
   void prepareAdd(const char* key) override;
-  bool addAll(const HashedObject* objects, std::size_t count) override;
+
+  /// Calls `visit` for every element, in whatever order is cheapest. It must not change the index.
+  void forEach(const std::function<void(T*)>& visit) const;
+  /// Adds `count` objects all at once, in this order, without a look at them. False, with nothing
+  /// changed, when two have the same name, names crowd the table, or the index is not empty.
+  bool fill(const HashedObject* objects, std::size_t count);
 
  private:
   using UniqueView = ObjectView<UniqueKeyOrder>;

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <cstddef>
-#include <deque>
-#include <limits>
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "TarnApi.hpp"
+#include "libtarn/TarnApi.hpp"
 
 namespace libDomXml {
 class IDomElement;
@@ -40,7 +39,7 @@ struct Violation;
 class TARN_API Validator {
  public:
   /// All violations.
-  static constexpr std::size_t NO_LIMIT = std::numeric_limits<std::size_t>::max();
+  static constexpr std::size_t NO_LIMIT = SIZE_MAX;
 
   /// With a `collector`, which stays the caller's, the rules throw nothing: violations are appended
   /// to it in the order of the walk, the first `limit` of them and only while the texts of those
@@ -49,14 +48,10 @@ class TARN_API Validator {
   /// n. With one, the texts take `byteLimit` and one violation more at most.
   explicit Validator(std::vector<Violation>* collector = nullptr, std::size_t limit = NO_LIMIT,
                      std::size_t byteLimit = NO_LIMIT)
-      : collector_(collector), limit_(limit), byteLimit_(byteLimit) {}
-  virtual ~Validator() = default;
-
-  /// Lets the walk take the managed objects in the order in which they lie in memory, which is
-  /// faster, and visit more than the walk by names does. When nothing is found, nothing is wrong;
-  /// which violation comes first, only the walk by names tells.
-  void allowAnyOrder() { isAnyOrderAllowed_ = true; }
-  bool isAnyOrderAllowed() const { return isAnyOrderAllowed_; }
+      : collector_(collector), limit_(limit), byteLimit_(byteLimit) {
+    pathStack_.reserve(USUAL_DEPTH);
+  }
+  virtual ~Validator();
 
   /// Violations that a collecting validator has found, with those beyond its limits.
   std::size_t getViolationCount() const { return violationCount_; }
@@ -98,17 +93,25 @@ class TARN_API Validator {
   void visit(const StructureImp& structure);
 
  private:
+  static constexpr std::size_t USUAL_DEPTH = 16;
+
   struct PathEntry {
     const char* tagName;
     const char* id;
   };
 
+  template <class Rule>
+  void require(const libDomXml::IDomElement& element, const char* name, Rule isKept) const;
+  template <class Child, class Rule>
+  void requireChildCount(const IElement& element, std::size_t minCount, std::size_t maxCount,
+                         Rule isKept) const;
+  template <class Child>
+  void reportNoChild() const;
   template <class MakeException>
   void report(MakeException makeException) const;
 
-  bool isAnyOrderAllowed_ = false;
   bool nameRequired_ = false;  // whether the `p` visited next must have a name
-  std::deque<PathEntry> pathStack_;
+  std::vector<PathEntry> pathStack_;
   std::vector<Violation>* collector_;  // null: throw
   std::size_t limit_;
   std::size_t byteLimit_;

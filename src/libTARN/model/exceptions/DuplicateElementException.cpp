@@ -1,8 +1,8 @@
-#include "model/exceptions/DuplicateElementException.hpp"
+#include "libtarn/model/exceptions/DuplicateElementException.hpp"
 
 #include <sstream>
 
-#include "model/DistinguishedName.hpp"
+#include "libtarn/model/DistinguishedName.hpp"
 
 namespace libtarn {
 namespace model {
@@ -10,6 +10,8 @@ namespace exceptions {
 
 DuplicateElementException::DuplicateElementException(const std::string& message)
     : ModelException(message) {}
+
+DuplicateElementException::~DuplicateElementException() = default;
 
 template <class T>
 DuplicateElementException DuplicateElementException::instance(const char* childTag,

@@ -1,4 +1,4 @@
-#include "model/exceptions/InvalidAttributeValueException.hpp"
+#include "libtarn/model/exceptions/InvalidAttributeValueException.hpp"
 
 #include <sstream>
 
@@ -8,6 +8,8 @@ namespace exceptions {
 
 InvalidAttributeValueException::InvalidAttributeValueException(const std::string& message)
     : ModelException(message) {}
+
+InvalidAttributeValueException::~InvalidAttributeValueException() = default;
 
 InvalidAttributeValueException InvalidAttributeValueException::instance(const char* element,
                                                                         const char* attribute,

@@ -1,4 +1,4 @@
-#include "model/exceptions/InvalidChildCountException.hpp"
+#include "libtarn/model/exceptions/InvalidChildCountException.hpp"
 
 #include <sstream>
 
@@ -8,6 +8,8 @@ namespace exceptions {
 
 InvalidChildCountException::InvalidChildCountException(const std::string& message)
     : ModelException(message) {}
+
+InvalidChildCountException::~InvalidChildCountException() = default;
 
 InvalidChildCountException InvalidChildCountException::instance(const char* childTag,
                                                                 const char* element,

@@ -1,4 +1,4 @@
-#include "model/exceptions/InvalidDistinguishedNameException.hpp"
+#include "libtarn/model/exceptions/InvalidDistinguishedNameException.hpp"
 
 namespace libtarn {
 namespace model {
@@ -15,6 +15,8 @@ std::string messageFor(const char* distName) {
 
 InvalidDistinguishedNameException::InvalidDistinguishedNameException(const char* distName)
     : ModelException(messageFor(distName)) {}
+
+InvalidDistinguishedNameException::~InvalidDistinguishedNameException() = default;
 
 }  // namespace exceptions
 }  // namespace model

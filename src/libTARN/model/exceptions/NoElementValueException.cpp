@@ -1,4 +1,4 @@
-#include "model/exceptions/NoElementValueException.hpp"
+#include "libtarn/model/exceptions/NoElementValueException.hpp"
 
 #include <sstream>
 
@@ -8,6 +8,8 @@ namespace exceptions {
 
 NoElementValueException::NoElementValueException(const std::string& message)
     : ModelException(message) {}
+
+NoElementValueException::~NoElementValueException() = default;
 
 NoElementValueException NoElementValueException::instance(const char* element) {
   std::ostringstream message;

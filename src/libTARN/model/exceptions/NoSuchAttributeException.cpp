@@ -1,4 +1,4 @@
-#include "model/exceptions/NoSuchAttributeException.hpp"
+#include "libtarn/model/exceptions/NoSuchAttributeException.hpp"
 
 #include <sstream>
 
@@ -8,6 +8,8 @@ namespace exceptions {
 
 NoSuchAttributeException::NoSuchAttributeException(const std::string& message)
     : ModelException(message) {}
+
+NoSuchAttributeException::~NoSuchAttributeException() = default;
 
 NoSuchAttributeException NoSuchAttributeException::instance(const char* element,
                                                             const char* attribute) {

@@ -1,4 +1,4 @@
-#include "model/exceptions/NoSuchElementException.hpp"
+#include "libtarn/model/exceptions/NoSuchElementException.hpp"
 
 #include <sstream>
 
@@ -8,6 +8,8 @@ namespace exceptions {
 
 NoSuchElementException::NoSuchElementException(const std::string& message)
     : ModelException(message) {}
+
+NoSuchElementException::~NoSuchElementException() = default;
 
 template <class T>
 NoSuchElementException NoSuchElementException::instance(const char* childTag,

@@ -32,8 +32,8 @@
 #include <new>
 #include <type_traits>
 
-#include "model/indexation/TarnAllocator.hpp"
-#include "model/indexation/TarnCollection.hpp"
+#include "libtarn/model/indexation/TarnAllocator.hpp"
+#include "libtarn/model/indexation/TarnCollection.hpp"
 
 namespace libtarn {
 namespace model {

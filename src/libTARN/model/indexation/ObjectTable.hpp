@@ -19,8 +19,9 @@
 #include <cstdint>
 #include <cstring>
 
-#include "model/indexation/TarnAllocator.hpp"
-#include "model/indexation/TarnCollection.hpp"
+#include "HashedObject.hpp"
+#include "libtarn/model/indexation/TarnAllocator.hpp"
+#include "libtarn/model/indexation/TarnCollection.hpp"
 #include "textHash.hpp"
 
 namespace libtarn {

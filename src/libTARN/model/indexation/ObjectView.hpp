@@ -1,8 +1,8 @@
 #pragma once
 
 #include "EntryTree.hpp"
-#include "model/indexation/CharComparePredicate.hpp"
-#include "model/indexation/TarnCollection.hpp"
+#include "libtarn/model/indexation/CharComparePredicate.hpp"
+#include "libtarn/model/indexation/TarnCollection.hpp"
 
 namespace libtarn {
 namespace model {

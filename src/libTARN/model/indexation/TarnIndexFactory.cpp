@@ -1,9 +1,9 @@
-#include "model/indexation/TarnIndexFactory.hpp"
+#include "libtarn/model/indexation/TarnIndexFactory.hpp"
 
 #include <new>
 
-#include "model/indexation/TarnMapIndex.hpp"
-#include "model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "libtarn/model/indexation/TarnMapIndex.hpp"
+#include "libtarn/model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
 
 namespace libtarn {
 namespace model {

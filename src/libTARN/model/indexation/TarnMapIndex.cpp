@@ -1,11 +1,11 @@
-#include "model/indexation/TarnMapIndex.hpp"
+#include "libtarn/model/indexation/TarnMapIndex.hpp"
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
 
 #include "EntryTree.hpp"
-#include "model/indexation/CharComparePredicate.hpp"
+#include "libtarn/model/indexation/CharComparePredicate.hpp"
 
 namespace libtarn {
 namespace model {
@@ -36,7 +36,7 @@ struct ArraySize {
 // One array, which is all that most elements need, or a tree. An array that was too small is left
 // to the walks that are in it: its run has no entries and leads to that of the larger one.
 //
-//   | changes | capacity, sorted | run: begin, end, next | condition | tree | entry, entry, ... |
+//   | changes | capacity, sorted | run: begin, end, next | tree | entry, entry, ... |
 template <class T>
 struct NamedEntries : EntrySource<ParameterEntry<T>>, ArraySize, EntryRun<ParameterEntry<T>> {
   using Entry = ParameterEntry<T>;
@@ -150,8 +150,7 @@ struct NamedEntries : EntrySource<ParameterEntry<T>>, ArraySize, EntryRun<Parame
     return erased;
   }
 
-  const bool* condition = nullptr;  // null: the entries are there without one
-  Tree* tree = nullptr;             // instead of the array
+  Tree* tree = nullptr;  // instead of the array
 };
 
 namespace {
@@ -178,26 +177,16 @@ EntryPlace<ParameterEntry<List>> placeOf(const EntrySource<ParameterEntry<List>>
 }
 
 template <class T, class Extractor>
-NamedEntries<T>* TarnMapIndex<T, Extractor>::current() const {
-  const bool isThere = entries_ && (!entries_->condition || *entries_->condition);
-  return isThere ? entries_ : nullptr;
-}
-
-template <class T, class Extractor>
 NamedEntries<T>* TarnMapIndex<T, Extractor>::ordered() const {
-  NamedEntries<T>* const entries = current();
-  if (entries) entries->sort();
-  return entries;
+  if (entries_) entries_->sort();
+  return entries_;
 }
 
 template <class T, class Extractor>
-bool TarnMapIndex<T, Extractor>::addOnceTrue(const bool& condition, const Entry* entries,
-                                             std::size_t count, bool sorted) {
+bool TarnMapIndex<T, Extractor>::fill(const Entry* entries, std::size_t count, bool sorted) {
   if (entries_ || count > NamedEntries<T>::MOST_ENTRIES) return false;
-  if (count == 0) return true;
   NamedEntries<T>* const made = NamedEntries<T>::make(pool_, count);
   made->end = std::copy(entries, entries + count, made->array());
-  made->condition = &condition;
   made->sorted = sorted ? 1 : 0;
   entries_ = made;
   return true;
@@ -264,15 +253,13 @@ TarnCollection<ParameterEntry<T>> TarnMapIndex<T, Extractor>::getCollection() co
 
 template <class T, class Extractor>
 TarnCollection<ParameterEntry<T>> TarnMapIndex<T, Extractor>::getUnordered() const {
-  const NamedEntries<T>* const entries = current();
-  return entries ? entries->unordered() : TarnCollection<Entry>();
+  return entries_ ? entries_->unordered() : TarnCollection<Entry>();
 }
 
 template <class T, class Extractor>
 std::size_t TarnMapIndex<T, Extractor>::size() const {
-  const NamedEntries<T>* const entries = current();
-  if (!entries) return 0;
-  return entries->tree ? entries->tree->size() : entries->count();
+  if (!entries_) return 0;
+  return entries_->tree ? entries_->tree->size() : entries_->count();
 }
 
 template class TarnMapIndex<Scalar, ScalarNameExtractor>;

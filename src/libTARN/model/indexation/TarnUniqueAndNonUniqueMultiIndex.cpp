@@ -1,11 +1,11 @@
-#include "model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "libtarn/model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
 
 #include <new>
 
 #include "../patternText.hpp"
 #include "ObjectTable.hpp"
 #include "ObjectView.hpp"
-#include "model/indexation/CharComparePredicate.hpp"
+#include "libtarn/model/indexation/CharComparePredicate.hpp"
 #include "sortByKey.hpp"
 
 namespace libtarn {
@@ -59,7 +59,7 @@ bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::a
 }
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
-bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::addAll(
+bool TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::fill(
     const HashedObject* objects, std::size_t count) {
   if (size_ > 0) return false;
   auto* const table = new (TarnAllocator<ObjectTable>(pool_).allocate(1)) ObjectTable(pool_);

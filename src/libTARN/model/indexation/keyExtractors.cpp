@@ -1,11 +1,11 @@
 #include "../patternText.hpp"
-#include "model/LibTarnManagedObject.hpp"
-#include "model/List.hpp"
-#include "model/Scalar.hpp"
-#include "model/indexation/ListNameExtractor.hpp"
-#include "model/indexation/ManagedObjectClassNameExtractor.hpp"
-#include "model/indexation/ManagedObjectDistNameExtractor.hpp"
-#include "model/indexation/ScalarNameExtractor.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
+#include "libtarn/model/List.hpp"
+#include "libtarn/model/Scalar.hpp"
+#include "libtarn/model/indexation/ListNameExtractor.hpp"
+#include "libtarn/model/indexation/ManagedObjectClassNameExtractor.hpp"
+#include "libtarn/model/indexation/ManagedObjectDistNameExtractor.hpp"
+#include "libtarn/model/indexation/ScalarNameExtractor.hpp"
 
 namespace libtarn {
 namespace model {

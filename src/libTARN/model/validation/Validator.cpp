@@ -1,30 +1,32 @@
-#include "model/validation/Validator.hpp"
+#include "libtarn/model/validation/Validator.hpp"
 
 #include <cstring>
 #include <stdexcept>
 
-#include "../attributeNames.hpp"
-#include "Assertion.hpp"
-#include "model/IDistinguishedNameValidator.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
-#include "model/LibTarnExtensionImp.hpp"
-#include "model/LibTarnHeaderImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/LogImp.hpp"
-#include "model/ScalarImp.hpp"
-#include "model/StructureImp.hpp"
-#include "model/exceptions/InvalidAttributeValueException.hpp"
-#include "model/exceptions/InvalidChildCountException.hpp"
-#include "model/exceptions/InvalidDistinguishedNameException.hpp"
-#include "model/exceptions/NoElementValueException.hpp"
-#include "model/exceptions/NoSuchAttributeException.hpp"
-#include "model/validation/Violation.hpp"
+#include "libtarn/Assertion.hpp"
+#include "libtarn/model/IDistinguishedNameValidator.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/LibTarnExtensionImp.hpp"
+#include "libtarn/model/LibTarnHeaderImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/LogImp.hpp"
+#include "libtarn/model/ScalarImp.hpp"
+#include "libtarn/model/StructureImp.hpp"
+#include "libtarn/model/exceptions/InvalidAttributeValueException.hpp"
+#include "libtarn/model/exceptions/InvalidChildCountException.hpp"
+#include "libtarn/model/exceptions/InvalidDistinguishedNameException.hpp"
+#include "libtarn/model/exceptions/NoElementValueException.hpp"
+#include "libtarn/model/exceptions/NoSuchAttributeException.hpp"
+#include "libtarn/model/validation/Violation.hpp"
+#include "rules.hpp"
 
 namespace libtarn {
 namespace model {
 namespace validation {
+
+Validator::~Validator() = default;
 
 // The path
 
@@ -69,12 +71,20 @@ void Validator::report(MakeException makeException) const {
 
 void Validator::validateAttribute(const libDomXml::IDomElement& element, const char* name,
                                   const char* expected) const {
+  require(element, name, [expected](const char* value) {
+    return value && (!expected || std::strcmp(expected, value) == 0);
+  });
+}
+
+template <class Rule>
+void Validator::require(const libDomXml::IDomElement& element, const char* name,
+                        Rule isKept) const {
   const char* const value = element.getAttribute(name);
+  if (isKept(value)) return;
   if (!value) {
     return report(
         [&] { return exceptions::NoSuchAttributeException::instance(getPath().c_str(), name); });
   }
-  if (!expected || std::strcmp(expected, value) == 0) return;
   report([&] {
     return exceptions::InvalidAttributeValueException::instance(getPath().c_str(), name, value);
   });
@@ -86,14 +96,14 @@ void Validator::validateValue(const libDomXml::IDomElement& element) const {
 }
 
 void Validator::validateDistinguishedName(const LibTarnManagedObjectImp& object) {
-  validateAttribute(object, DistinguishedName::ATTR_NAME, nullptr);
+  require(object, DistinguishedName::ATTR_NAME, rules::objectHasName);
   const char* const distName = object.getAttribute(DistinguishedName::ATTR_NAME);
-  if (!distName || object.getDistNameValidator()->isValid(distName)) return;
+  if (!distName || rules::objectHasValidName(*object.getDistNameValidator(), distName)) return;
   report([&] { return exceptions::InvalidDistinguishedNameException(distName); });
 }
 
 void Validator::validateChildrenType(const ListImp& list) {
-  if (!list.hasScalarValues() || !list.hasStructuredValues()) return;
+  if (rules::listHoldsOneKind(list.hasScalarValues(), list.hasStructuredValues())) return;
   report([&] {
     return exceptions::ModelException("The '" + getPath() + "' has both '" + Scalar::TAG_NAME +
                                       "' and '" + Structure::TAG_NAME + "' children");
@@ -104,13 +114,21 @@ template <class Child>
 void Validator::validateChildCount(const IElement& element, std::size_t minCount,
                                    std::size_t maxCount) const {
   TARN_ASSERT(minCount <= maxCount, "minCount <= maxCount");
+  requireChildCount<Child>(element, minCount, maxCount, [minCount, maxCount](std::size_t count) {
+    return count >= minCount && count <= maxCount;
+  });
+}
+
+template <class Child, class Rule>
+void Validator::requireChildCount(const IElement& element, std::size_t minCount,
+                                  std::size_t maxCount, Rule isKept) const {
   std::size_t count = 0;
   const IElement* child = element.getFirstChildElement(Child::TAG_NAME);
   while (child && count <= maxCount) {
     ++count;
     child = child->getNextSiblingElement();
   }
-  if (count >= minCount && count <= maxCount) return;
+  if (isKept(count)) return;
   report([&] {
     return exceptions::InvalidChildCountException::instance(Child::TAG_NAME, getPath().c_str(),
                                                             minCount, maxCount, count);
@@ -119,7 +137,11 @@ void Validator::validateChildCount(const IElement& element, std::size_t minCount
 
 template <class Child>
 void Validator::validateAtLeastOneChild(const IElement& element) const {
-  if (element.getFirstChildElement(Child::TAG_NAME)) return;
+  if (!element.getFirstChildElement(Child::TAG_NAME)) reportNoChild<Child>();
+}
+
+template <class Child>
+void Validator::reportNoChild() const {
   report([&] {
     return exceptions::InvalidChildCountException::instance(Child::TAG_NAME, getPath().c_str(), 1,
                                                             1, 0);
@@ -135,28 +157,28 @@ template void Validator::validateAtLeastOneChild<LibTarnManagedObjectImp>(const 
 // The elements
 
 void Validator::visit(const LibTarnDocumentInternal& root) {
-  validateAttribute(root, VERSION_ATTRIBUTE, nullptr);
-  validateAttribute(root, XMLNS_ATTRIBUTE, XMLNS);
-  validateChildCount<LibTarnCmDataImp>(root, 1, 1);
+  require(root, VERSION_ATTRIBUTE, rules::rootHasVersion);
+  require(root, XMLNS_ATTRIBUTE, rules::rootHasNamespace);
+  requireChildCount<LibTarnCmDataImp>(root, 1, 1, rules::rootHasOneBody);
 }
 
 void Validator::visit(const LibTarnCmDataImp& cmData) {
-  validateChildCount<LibTarnHeaderImp>(cmData, 1, 1);
-  if (cmData.getType() == LibTarnCmData::Type::PLAN) {
-    validateAtLeastOneChild<LibTarnManagedObjectImp>(cmData);
-  }
+  requireChildCount<LibTarnHeaderImp>(cmData, 1, 1, rules::bodyHasOneHeader);
+  const bool isPlan = cmData.getType() == LibTarnCmData::Type::PLAN;
+  const bool hasObject = cmData.getFirstChildElement(LibTarnManagedObject::TAG_NAME) != nullptr;
+  if (!rules::planHasObjects(isPlan, hasObject)) reportNoChild<LibTarnManagedObjectImp>();
 }
 
 void Validator::visit(const LibTarnHeaderImp& /*header*/) {}
 
 void Validator::visit(const LogImp& log) {
-  validateAttribute(log, DATE_TIME_ATTRIBUTE, nullptr);
-  validateAttribute(log, ACTION_ATTRIBUTE, nullptr);
+  require(log, DATE_TIME_ATTRIBUTE, rules::logHasTime);
+  require(log, ACTION_ATTRIBUTE, rules::logHasAction);
 }
 
 void Validator::visit(const LibTarnManagedObjectImp& object) {
   nameRequired_ = true;
-  validateAttribute(object, CLASS_ATTRIBUTE, nullptr);
+  require(object, CLASS_ATTRIBUTE, rules::objectHasClass);
   validateDistinguishedName(object);
 }
 
@@ -164,14 +186,14 @@ void Validator::visit(const LibTarnExtensionImp& /*extension*/) { nameRequired_ 
 
 void Validator::visit(const ListImp& list) {
   nameRequired_ = false;
-  validateAttribute(list, NAME_ATTRIBUTE, nullptr);
+  require(list, NAME_ATTRIBUTE, rules::listHasName);
   validateChildrenType(list);
 }
 
 void Validator::visit(const StructureImp& /*structure*/) { nameRequired_ = true; }
 
 void Validator::visit(const ScalarImp& scalar) {
-  if (nameRequired_) validateAttribute(scalar, NAME_ATTRIBUTE, nullptr);
+  if (nameRequired_) require(scalar, NAME_ATTRIBUTE, rules::parameterHasName);
 }
 
 }  // namespace validation

@@ -5,15 +5,15 @@
 #include <string>
 #include <type_traits>
 
-#include "model/DistinguishedName.hpp"
-#include "model/exceptions/DuplicateElementException.hpp"
-#include "model/exceptions/InvalidAttributeValueException.hpp"
-#include "model/exceptions/InvalidChildCountException.hpp"
-#include "model/exceptions/InvalidDistinguishedNameException.hpp"
-#include "model/exceptions/ModelException.hpp"
-#include "model/exceptions/NoElementValueException.hpp"
-#include "model/exceptions/NoSuchAttributeException.hpp"
-#include "model/exceptions/NoSuchElementException.hpp"
+#include "libtarn/model/DistinguishedName.hpp"
+#include "libtarn/model/exceptions/DuplicateElementException.hpp"
+#include "libtarn/model/exceptions/InvalidAttributeValueException.hpp"
+#include "libtarn/model/exceptions/InvalidChildCountException.hpp"
+#include "libtarn/model/exceptions/InvalidDistinguishedNameException.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
+#include "libtarn/model/exceptions/NoElementValueException.hpp"
+#include "libtarn/model/exceptions/NoSuchAttributeException.hpp"
+#include "libtarn/model/exceptions/NoSuchElementException.hpp"
 
 namespace {
 

@@ -10,9 +10,11 @@
 #include <vector>
 
 #include "TestPools.hpp"
-#include "libtarn.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "libtarn/model/indexation/TarnIndexFactory.hpp"
 #include "support/HeapCount.hpp"
+#include "support/documents.hpp"
 
 namespace {
 
@@ -20,6 +22,7 @@ using namespace libtarn::model;
 using namespace libtarn::model::indexation;
 using tarn_test::ArrayPool;
 using tarn_test::LimitedPool;
+using tarn_test::namesOf;
 
 using Names = std::vector<std::string>;
 using ObjectIndex = ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>;
@@ -32,17 +35,6 @@ class IndexMemoryTest : public ::testing::Test {
   LibTarnManagedObject* object(const std::string& className, const std::string& distName) {
     return document_.getFactory().createLibTarnManagedObject(className.c_str(), distName.c_str(),
                                                              nullptr);
-  }
-  static Names namesOf(const ManagedObjectCollection& collection) {
-    Names result;
-    for (const LibTarnManagedObject* mo : collection)
-      result.emplace_back(mo->getDistName().getText());
-    return result;
-  }
-  static Names namesOf(const ScalarCollection& collection) {
-    Names result;
-    for (const auto& entry : collection) result.emplace_back(entry.first);
-    return result;
   }
   // Runs `add` with no block, one block, ... until the pool's memory is enough. `unchanged` is
   // called after each failure. Returns the number of failures.

@@ -7,10 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
-#include "model/indexation/CharComparePredicate.hpp"
-#include "model/indexation/TarnAllocator.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/indexation/CharComparePredicate.hpp"
+#include "libtarn/model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "libtarn/model/indexation/TarnAllocator.hpp"
+#include "libtarn/model/indexation/TarnIndexFactory.hpp"
+#include "libtarn/model/indexation/TarnMapIndex.hpp"
+#include "libtarn/model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "model/indexation/HashedObject.hpp"
 #include "model/indexation/textHash.hpp"
 
 namespace {
@@ -37,6 +41,9 @@ class IndexTest : public ::testing::Test {
 
 using Names = std::vector<std::string>;
 using ObjectIndex = ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>;
+using FilledIndex =
+    TarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject, ManagedObjectDistNameExtractor,
+                                     ManagedObjectClassNameExtractor>;
 
 TEST_F(IndexTest, SecondScalarOfANameIsRefusedAndTheFirstStays) {
   ITarnUniqueIndex<Scalar>& index = *factory_.createUniqueScalarNameTarnIndex();
@@ -70,24 +77,24 @@ TEST_F(IndexTest, CollectionIsInByteOrderWithMissingNamesFirst) {
   EXPECT_EQ(index.size(), 5U);
 }
 
-TEST_F(IndexTest, EntriesAddedAllAtOnceCountFromTheirConditionOn) {
-  ITarnUniqueIndex<Scalar>& index = *factory_.createUniqueScalarNameTarnIndex();
+TEST_F(IndexTest, EmptyIndexTakesEntriesAllAtOnce) {
+  TarnMapIndex<Scalar, ScalarNameExtractor> index(*document_.getItsTarnDomDocument());
   Scalar* const a = scalar("a");
   Scalar* const b = scalar("b");
   const ParameterEntry<Scalar> entries[] = {{b->getName(), b}, {a->getName(), a}};
-  bool condition = false;
-  EXPECT_TRUE(index.addOnceTrue(condition, entries, 2, false));
-  EXPECT_EQ(index.find("a"), nullptr);
-  EXPECT_EQ(index.size(), 0U);
-  condition = true;
+  EXPECT_TRUE(index.fill(entries, 2, false));
   EXPECT_EQ(index.find("a"), a);
   EXPECT_EQ(index.size(), 2U);
-  // An index that was given entries takes no others at once.
   Scalar* const c = scalar("c");
   const ParameterEntry<Scalar> further[] = {{c->getName(), c}};
-  EXPECT_FALSE(index.addOnceTrue(condition, further, 1, true));
+  EXPECT_FALSE(index.fill(further, 1, true));
   EXPECT_EQ(index.find("c"), nullptr);
   EXPECT_EQ(index.find("b"), b);
+  index.clear();
+  EXPECT_EQ(index.size(), 0U);
+  EXPECT_EQ(index.find("a"), nullptr);
+  EXPECT_TRUE(index.fill(further, 1, true));
+  EXPECT_EQ(index.find("c"), c);
 }
 
 TEST_F(IndexTest, ListsAreFoundByName) {
@@ -139,7 +146,7 @@ TEST_F(IndexTest, ObjectsOfAClassAreInTheOrderOfInsertion) {
 
 TEST_F(IndexTest, ObjectsAddedAllAtOnceComeBeforeLaterOnesOfTheirClass) {
   for (const bool viewFirst : {false, true}) {
-    ObjectIndex& index = *factory_.createUniqueAndNonUniqueMultiIndex();
+    FilledIndex index(*document_.getItsTarnDomDocument());
     // An index that was emptied takes objects all at once, and shows nothing of what it held.
     LibTarnManagedObject* const gone = object("C", "A-9");
     index.add(gone);
@@ -152,8 +159,8 @@ TEST_F(IndexTest, ObjectsAddedAllAtOnceComeBeforeLaterOnesOfTheirClass) {
       const char* const key = made->getDistName().getText();
       objects.push_back({key, made, textHash(key, std::strlen(key))});
     }
-    ASSERT_TRUE(index.addAll(objects.data(), objects.size()));
-    EXPECT_FALSE(index.addAll(objects.data(), 1));
+    ASSERT_TRUE(index.fill(objects.data(), objects.size()));
+    EXPECT_FALSE(index.fill(objects.data(), 1));
     EXPECT_EQ(names(index.getCollection()), (Names{"A-1", "A-2", "A-3"}));
     if (viewFirst) {
       EXPECT_EQ(names(index.getNonUniqueCollection("C")), (Names{"A-3", "A-1", "A-2"}));

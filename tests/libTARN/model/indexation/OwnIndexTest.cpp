@@ -9,11 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "libtarn/model/indexation/TarnIndexFactory.hpp"
 #include "support/CapturedLog.hpp"
+#include "support/documents.hpp"
 
 namespace {
+using tarn_test::documentText;
 
 using namespace libtarn::model;
 using namespace libtarn::model::indexation;
@@ -92,11 +95,6 @@ class OwnFactory : public TarnIndexFactory {
   mutable std::deque<ObjectVector> indexes_;
 };
 
-std::string text(const std::string& objects) {
-  return "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='plan'><header/>" + objects +
-         "</cmData></tarn>";
-}
-
 // What a document answers to a host that loads, asks, edits, merges and checks.
 std::vector<std::string> answersOf(LibTarnDocument& document) {
   std::vector<std::string> answers;
@@ -104,9 +102,9 @@ std::vector<std::string> answersOf(LibTarnDocument& document) {
   const auto keepNames = [&](const ManagedObjectCollection& collection) {
     for (const auto* object : collection) answers.emplace_back(object->getDistName().getText());
   };
-  keep(document.parse(text("<managedObject class='C' distName='B-1'/>"
-                           "<managedObject class='D' distName='A-2'><p name='x'>1</p>"
-                           "</managedObject><managedObject class='C' distName='A-1'/>")
+  keep(document.parse(documentText("<managedObject class='C' distName='B-1'/>"
+                                   "<managedObject class='D' distName='A-2'><p name='x'>1</p>"
+                                   "</managedObject><managedObject class='C' distName='A-1'/>")
                           .c_str(),
                       true));
   LibTarnCmData& cmData = *document.getLibTarnCmData();
@@ -119,10 +117,11 @@ std::vector<std::string> answersOf(LibTarnDocument& document) {
   keep(cmData.removeLibTarnManagedObject("B-1"));
   keep(cmData.removeLibTarnManagedObject("B-1"));
   LibTarnDocument delta;
-  delta.parse(text("<managedObject class='E' distName='E-1'/>"
+  delta.parse(
+      documentText("<managedObject class='E' distName='E-1'/>"
                    "<managedObject class='D' distName='A-2'><p name='x'>2</p></managedObject>")
-                  .c_str(),
-              false);
+          .c_str(),
+      false);
   keep(libtarn::editor::TarnMerge(document).mergeDocument(delta));
   keep(document.validate());
   keepNames(cmData.getLibTarnManagedObjectsByClass("C"));
@@ -131,8 +130,8 @@ std::vector<std::string> answersOf(LibTarnDocument& document) {
   std::string printed;
   libtarn::util::dumpTarnDocument(document, printed);
   answers.push_back(printed);
-  keep(document.parse(text("<managedObject class='C' distName='B-1'/>"
-                           "<managedObject class='C' distName='B-1'/>")
+  keep(document.parse(documentText("<managedObject class='C' distName='B-1'/>"
+                                   "<managedObject class='C' distName='B-1'/>")
                           .c_str(),
                       false));
   answers.push_back(document.getDiagnostic().message);
@@ -154,8 +153,8 @@ TEST(OwnIndexTest, ChangeIsMadeWhollyWhenANameThatItFreesCannotBeIndexed) {
   libDomXml::DomDocument memory(false);
   OwnFactory own(memory);
   LibTarnDocument document(new TarnDomDocument(nullptr, &own));
-  ASSERT_EQ(document.parse(text("<managedObject class='C' distName='A-1'/>"
-                                "<managedObject class='C' distName='A-2'/>")
+  ASSERT_EQ(document.parse(documentText("<managedObject class='C' distName='A-1'/>"
+                                        "<managedObject class='C' distName='A-2'/>")
                                .c_str(),
                            false),
             0);

@@ -6,8 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "libtarn.hpp"
-#include "model/indexation/TarnIndexFactory.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "libtarn/model/indexation/TarnIndexFactory.hpp"
+#include "support/MapIndex.hpp"
 
 namespace {
 
@@ -68,36 +70,12 @@ TEST_F(TarnCollectionTest, CopiedIteratorStaysWhereItIs) {
   EXPECT_NE(before, it);
 }
 
-/// An index as a host may write it: a map, laid out anew for every collection.
-class HostIndex : public ITarnUniqueIndex<Scalar> {
- public:
-  bool add(Scalar* element) override { return map_.emplace(element->getId(), element).second; }
-  bool remove(Scalar* element) override { return map_.erase(element->getId()) == 1; }
-  bool remove(const char* name) override { return map_.erase(name) == 1; }
-  Scalar* find(const char* name) const override {
-    const auto it = map_.find(name);
-    return it == map_.end() ? nullptr : it->second;
-  }
-  ScalarCollection getCollection() const override {
-    entries_.clear();
-    for (const auto& [name, element] : map_) entries_.emplace_back(name.c_str(), element);
-    run_ = {entries_.data(), entries_.data() + entries_.size(), nullptr};
-    return ScalarCollection(run_);
-  }
-  std::size_t size() const override { return map_.size(); }
-
- private:
-  std::map<std::string, Scalar*> map_;
-  mutable std::vector<ParameterEntry<Scalar>> entries_;
-  mutable EntryRun<ParameterEntry<Scalar>> run_{};
-};
-
 TEST(IndexInterfaceTest, IndexOfAHostAndOfTheLibraryGiveTheSameAnswers) {
   LibTarnDocument document;
   for (unsigned seed = 0; seed < 10; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
-    HostIndex host;
+    tarn_test::MapIndex host;
     const TarnIndexFactory factory(*document.getItsTarnDomDocument());
     ITarnUniqueIndex<Scalar>& own = *factory.createUniqueScalarNameTarnIndex();
     for (int step = 0; step < 2000; ++step) {

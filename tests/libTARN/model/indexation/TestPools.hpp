@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "IMemoryPool.hpp"
+#include "libtarn/IMemoryPool.hpp"
 
 namespace tarn_test {
 

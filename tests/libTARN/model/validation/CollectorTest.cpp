@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "libtarn.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
 #include "support/CapturedLog.hpp"
 #include "support/HeapCount.hpp"
 

@@ -3,14 +3,17 @@
 #include <stdexcept>
 #include <string>
 
-#include "libtarn.hpp"
-#include "model/validation/Validator.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/validation/Validator.hpp"
 #include "support/CapturedLog.hpp"
+#include "support/documents.hpp"
 
 namespace {
 
 using namespace libtarn::model;
 using tarn_test::CapturedLog;
+using tarn_test::documentText;
+using tarn_test::rootText;
 
 std::string violation(const std::string& text) {
   CapturedLog log;
@@ -21,16 +24,8 @@ std::string violation(const std::string& text) {
   return log.messages("ERROR").at(0);
 }
 
-std::string inRoot(const std::string& body) {
-  return "<tarn xmlns='tarn21.xsd' version='2.1'>" + body + "</tarn>";
-}
-
-std::string inCmData(const std::string& body) {
-  return inRoot("<cmData type='plan'><header/>" + body + "</cmData>");
-}
-
 std::string inObject(const std::string& body) {
-  return inCmData("<managedObject class='B' distName='A-1'>" + body + "</managedObject>");
+  return documentText("<managedObject class='B' distName='A-1'>" + body + "</managedObject>");
 }
 
 TEST(ValidatorTest, EveryRuleNamesThePathOfTheElement) {
@@ -42,24 +37,24 @@ TEST(ValidatorTest, EveryRuleNamesThePathOfTheElement) {
       {"<tarn version='1'/>", "The 'tarn > ' element has no attribute 'xmlns'"},
       {"<tarn version='1' xmlns='tarn20.xsd'/>",
        "'tarn20.xsd' is not a valid value of 'tarn > ' attribute 'xmlns'"},
-      {inRoot(""), "The 'tarn > ' element has 0 child 'cmData' elements.  Expected: 1"},
-      {inRoot("<cmData type='plan'/><cmData type='plan'/><cmData type='plan'/>"),
+      {rootText(""), "The 'tarn > ' element has 0 child 'cmData' elements.  Expected: 1"},
+      {rootText("<cmData type='plan'/><cmData type='plan'/><cmData type='plan'/>"),
        "The 'tarn > ' element has 2 child 'cmData' elements.  Expected: 1"},
-      {inRoot("<cmData type='plan'/>"),
+      {rootText("<cmData type='plan'/>"),
        "The 'tarn > cmData > ' element has 0 child 'header' elements.  Expected: 1"},
-      {inCmData("<header/><header/><header/><header/>"),
+      {documentText("<header/><header/><header/><header/>"),
        "The 'tarn > cmData > ' element has 2 child 'header' elements.  Expected: 1"},
-      {inCmData(""),
+      {documentText(""),
        "The 'tarn > cmData > ' element has 0 child 'managedObject' elements.  Expected: 1"},
-      {inRoot("<cmData type='actual'><header><log action='a'/></header></cmData>"),
+      {rootText("<cmData type='actual'><header><log action='a'/></header></cmData>"),
        "The 'tarn > cmData > header > log > ' element has no attribute 'dateTime'"},
-      {inRoot("<cmData type='actual'><header><log dateTime=''/></header></cmData>"),
+      {rootText("<cmData type='actual'><header><log dateTime=''/></header></cmData>"),
        "The 'tarn > cmData > header > log > ' element has no attribute 'action'"},
-      {inCmData("<managedObject distName='A-1'/>"),
+      {documentText("<managedObject distName='A-1'/>"),
        "The 'tarn > cmData > managedObject:A-1 > ' element has no attribute 'class'"},
-      {inCmData("<managedObject class='B'/>"),
+      {documentText("<managedObject class='B'/>"),
        "The 'tarn > cmData > managedObject > ' element has no attribute 'distName'"},
-      {inCmData("<managedObject class='B' distName='A'/>"), "Invalid distinguished name: 'A'"},
+      {documentText("<managedObject class='B' distName='A'/>"), "Invalid distinguished name: 'A'"},
       {inObject("<p>1</p>"),
        "The 'tarn > cmData > managedObject:A-1 > p > ' element has no attribute 'name'"},
       {inObject("<list/>"),
@@ -75,7 +70,7 @@ TEST(ValidatorTest, EveryRuleNamesThePathOfTheElement) {
       // The first of several, in the order of the walk: parameters before lists.
       {inObject("<list/><p/>"),
        "The 'tarn > cmData > managedObject:A-1 > p > ' element has no attribute 'name'"},
-      {inCmData("<managedObject distName='B-1'/><managedObject distName='A-1'/>"),
+      {documentText("<managedObject distName='B-1'/><managedObject distName='A-1'/>"),
        "The 'tarn > cmData > managedObject:A-1 > ' element has no attribute 'class'"},
   };
   for (const auto& c : cases) {
@@ -85,7 +80,7 @@ TEST(ValidatorTest, EveryRuleNamesThePathOfTheElement) {
 
 TEST(ValidatorTest, HeadersAreVisitedBeforeTheObjects) {
   EXPECT_EQ(
-      violation(inRoot("<cmData type='plan'><managedObject/><header><log/></header></cmData>")),
+      violation(rootText("<cmData type='plan'><managedObject/><header><log/></header></cmData>")),
       "Validation failed: The 'tarn > cmData > header > log > ' element has no attribute "
       "'dateTime'");
 }
@@ -96,8 +91,8 @@ TEST(ValidatorTest, WhatTheRulesAllowPasses) {
       inObject("<list name='l'/>"),
       inObject("<list name='l'><p/><p>1</p></list><p name=''/>"),
       inObject("<list name=''><item/></list><extension/>"),
-      inRoot("<cmData type='actual'><header/></cmData>"),
-      inRoot("<cmData type='defaults'><header><log action='' dateTime='x'/></header></cmData>"),
+      rootText("<cmData type='actual'><header/></cmData>"),
+      rootText("<cmData type='defaults'><header><log action='' dateTime='x'/></header></cmData>"),
   };
   for (const std::string& text : texts) EXPECT_EQ(violation(text), "") << text;
 }

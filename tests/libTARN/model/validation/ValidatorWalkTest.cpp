@@ -6,25 +6,27 @@
 #include <string>
 #include <typeinfo>
 
-#include "libtarn.hpp"
-#include "model/LibTarnCmDataImp.hpp"
-#include "model/LibTarnDocumentDeclaration.hpp"
-#include "model/LibTarnDocumentInternal.hpp"
-#include "model/LibTarnHeaderImp.hpp"
-#include "model/LibTarnManagedObjectImp.hpp"
-#include "model/ListImp.hpp"
-#include "model/exceptions/InvalidAttributeValueException.hpp"
-#include "model/exceptions/InvalidChildCountException.hpp"
-#include "model/exceptions/InvalidDistinguishedNameException.hpp"
-#include "model/exceptions/NoElementValueException.hpp"
-#include "model/exceptions/NoSuchAttributeException.hpp"
-#include "model/validation/Validator.hpp"
+#include "libtarn/libtarn.hpp"
+#include "libtarn/model/LibTarnCmDataImp.hpp"
+#include "libtarn/model/LibTarnDocumentDeclaration.hpp"
+#include "libtarn/model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/LibTarnHeaderImp.hpp"
+#include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/exceptions/InvalidAttributeValueException.hpp"
+#include "libtarn/model/exceptions/InvalidChildCountException.hpp"
+#include "libtarn/model/exceptions/InvalidDistinguishedNameException.hpp"
+#include "libtarn/model/exceptions/NoElementValueException.hpp"
+#include "libtarn/model/exceptions/NoSuchAttributeException.hpp"
+#include "libtarn/model/validation/Validator.hpp"
 #include "support/CapturedLog.hpp"
+#include "support/documents.hpp"
 
 namespace {
 
 using namespace libtarn::model;
 using tarn_test::CapturedLog;
+using tarn_test::cmDataText;
 
 /// The message of an exception of exactly that class, or what came instead.
 template <class Exception, class Call>
@@ -43,8 +45,7 @@ class ValidatorWalkTest : public ::testing::Test {
  protected:
   /// Parses without validation; `cmData` is what stands in the one cmData element.
   void load(const std::string& cmData, const std::string& type = "plan") {
-    const std::string text = "<tarn xmlns='tarn21.xsd' version='2.1'><cmData type='" + type + "'>" +
-                             cmData + "</cmData></tarn>";
+    const std::string text = cmDataText(cmData, type);
     ASSERT_EQ(document_.parse(text.c_str(), false), 0) << text;
   }
   void loadObject(const std::string& body) {

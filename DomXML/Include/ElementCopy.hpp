@@ -1,0 +1,15 @@
+#pragma once
+
+namespace libDomXml {
+
+class DomElement;
+
+/// The copy of one element, and whether its children are still to be copied.
+struct ElementCopy {
+  /// Detached.
+  DomElement* element;
+  /// False when the copy has its children already, or is to have none.
+  bool lacksChildren;
+};
+
+}  // namespace libDomXml

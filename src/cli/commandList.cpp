@@ -1,0 +1,31 @@
+#include "commandList.hpp"
+
+// Every command, in the order in which the help lists them. Each is a file in the folder commands,
+// which defines the function that is named here.
+#define TARN_COMMANDS(COMMAND) \
+  COMMAND(addCheck)            \
+  COMMAND(addPrint)            \
+  COMMAND(addList)             \
+  COMMAND(addGet)              \
+  COMMAND(addSet)              \
+  COMMAND(addAdd)              \
+  COMMAND(addRemove)           \
+  COMMAND(addMerge)            \
+  COMMAND(addStats)            \
+  COMMAND(addTree)             \
+  COMMAND(addReport)           \
+  COMMAND(addHelp)
+
+namespace tarn {
+
+#define TARN_DECLARE(add) void add(CommandLine& line);
+TARN_COMMANDS(TARN_DECLARE)
+#undef TARN_DECLARE
+
+void addAllCommands(CommandLine& line) {
+#define TARN_CALL(add) add(line);
+  TARN_COMMANDS(TARN_CALL)
+#undef TARN_CALL
+}
+
+}  // namespace tarn

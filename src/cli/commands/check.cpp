@@ -1,0 +1,242 @@
+// Checks documents, as many at a time as there are cores.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <condition_variable>
+#include <exception>
+#include <filesystem>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "CommandLine.hpp"
+#include "documents/Finding.hpp"
+#include "libtarn/util/TextPosition.hpp"
+#include "output/json.hpp"
+#include "output/outputFile.hpp"
+#include "output/printable.hpp"
+#include "output/terminal.hpp"
+
+namespace tarn {
+
+using libtarn::model::validation::Violation;
+using libtarn::util::TextPosition;
+
+namespace {
+
+struct CheckRequest {
+  std::vector<std::string> files;
+  CheckScope scope;
+  bool json = false;
+  unsigned jobs = 0;  ///< Documents at a time; 0 for as many as there are cores.
+};
+
+constexpr const char* NO_MEMORY = "not enough memory";
+
+void tell(const std::string& path, const Finding& finding) {
+  if (finding.lacksMemory()) return tellError(errorLine(path, NO_MEMORY));
+  if (finding.error) return tellError(finding.error->what());
+  if (finding.status == Status::Done) {
+    return writeOutput(fmt::format("{}: {}\n", printable(path), styled(Style::Good, "ok")));
+  }
+  for (const Violation& violation : finding.violations) {
+    tellError(errorLine(path, violation.message));
+  }
+  if (const std::size_t leftOut = finding.violationCount - finding.violations.size()) {
+    tellError(errorLine(path, fmt::format("{} more violations", leftOut)));
+  }
+}
+
+Json placeOf(const Finding& finding, std::size_t TextPosition::*coordinate) {
+  if (!finding.error || !finding.error->place()) return nullptr;
+  return *finding.error->place().*coordinate;
+}
+
+void tellJson(const std::string& path, const Finding& finding, bool all) {
+  Json json = {{"file", path},
+               {"result", static_cast<int>(finding.status)},
+               {"message", nullptr},
+               {"line", placeOf(finding, &TextPosition::line)},
+               {"column", placeOf(finding, &TextPosition::column)},
+               {"path", nullptr}};
+  if (finding.error) json["message"] = finding.error->message();
+  if (finding.lacksMemory()) json["message"] = NO_MEMORY;
+  if (!finding.path.empty()) json["path"] = finding.path;
+  if (!finding.violations.empty()) {
+    json["message"] = finding.violations.front().message;
+    json["path"] = finding.violations.front().path;
+  }
+  if (all) {
+    json["violationCount"] = finding.violationCount;
+    json["violations"] = Json::array();
+    for (const Violation& violation : finding.violations) {
+      json["violations"].push_back({{"message", violation.message}, {"path", violation.path}});
+    }
+  }
+  writeOutput(jsonText(json) + "\n");
+}
+
+void tell(const std::string& path, const Finding& finding, const CheckRequest& request) {
+  if (request.json) {
+    tellJson(path, finding, request.scope.all);
+  } else {
+    tell(path, finding);
+  }
+}
+
+std::size_t workerCount(const CheckRequest& request) {
+  const unsigned wanted = request.jobs > 0 ? request.jobs : std::thread::hardware_concurrency();
+  return std::clamp<std::size_t>(wanted, 1, request.files.size());
+}
+
+bool canBeReadAgain(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::is_regular_file(path, ignored);
+}
+
+/// Checks the files on several threads, each document on one of them.
+class Workers {
+ public:
+  /// Throws std::bad_alloc before the first thread has been started.
+  explicit Workers(const CheckRequest& request)
+      : request_(request), findings_(request.files.size()) {
+    const std::size_t count = workerCount(request);
+    // One at a time is what the caller can do itself.
+    if (count == 1) return;
+    threads_.reserve(count);
+    while (threads_.size() < count && addThread()) {
+    }
+  }
+  Workers(const Workers&) = delete;
+  Workers& operator=(const Workers&) = delete;
+  ~Workers() {
+    stop();
+    joinAll();
+  }
+
+  /// Waits for the finding of a file, or checks it when there is no thread for that. Throws what
+  /// its check threw.
+  Finding finding(std::size_t number) {
+    const std::string& path = request_.files[number];
+    Result& result = findings_[number];
+    if (threads_.empty() && !result.isThere()) return checkFile(path, request_.scope);
+    wait(result);
+    if (result.exception) std::rethrow_exception(result.exception);
+    if (!result.finding->lacksMemory() || !canBeReadAgain(path)) return std::move(*result.finding);
+    // Alone there may be enough.
+    joinAll();
+    return checkFile(path, request_.scope);
+  }
+
+ private:
+  struct Result {
+    bool isThere() const { return finding || exception; }
+
+    std::optional<Finding> finding;
+    std::exception_ptr exception;
+  };
+
+  void wait(const Result& result) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    done_.wait(lock, [&result] { return result.isThere(); });
+  }
+
+  void joinAll() {
+    for (std::thread& thread : threads_) thread.join();
+    threads_.clear();
+  }
+
+  // False when no further thread can be had; fewer than wanted do as well, only slower.
+  bool addThread() {
+    try {
+      threads_.emplace_back([this] { work(); });
+    } catch (const std::system_error&) {
+      return false;
+    } catch (const std::bad_alloc&) {
+      return false;
+    }
+    return true;
+  }
+
+  void stop() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    next_ = findings_.size();
+  }
+
+  std::size_t nextNumber() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return next_ < findings_.size() ? next_++ : next_;
+  }
+
+  void work() {
+    for (std::size_t i = nextNumber(); i < findings_.size(); i = nextNumber()) {
+      Result result;
+      try {
+        result.finding = checkFile(request_.files[i], request_.scope);
+      } catch (...) {
+        result.exception = std::current_exception();
+      }
+      const std::lock_guard<std::mutex> lock(mutex_);
+      findings_[i] = std::move(result);
+      done_.notify_one();
+    }
+  }
+
+  const CheckRequest& request_;
+  std::mutex mutex_;
+  std::condition_variable done_;
+  std::vector<Result> findings_;  // under the mutex
+  std::size_t next_ = 0;          // under the mutex
+  std::vector<std::thread> threads_;
+};
+
+// Returns the status of the file.
+Status checkAndTell(std::size_t number, const CheckRequest& request, Workers* workers) {
+  const std::string& path = request.files[number];
+  try {
+    const Finding finding = workers ? workers->finding(number) : checkFile(path, request.scope);
+    tell(path, finding, request);
+    return finding.status;
+  } catch (const std::bad_alloc&) {
+    tellNoMemory(path.c_str());
+    return Status::FileError;
+  }
+}
+
+// Returns the highest status of the files.
+Status checkFiles(const CheckRequest& asked) {
+  CheckRequest request = asked;
+  request.scope.wantsPath = request.json;
+  Status highest = Status::Done;
+  std::optional<Workers> workers;
+  try {
+    workers.emplace(request);
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the main thread does it alone
+  }
+  for (std::size_t i = 0; i < request.files.size(); ++i) {
+    highest = std::max(highest, checkAndTell(i, request, workers ? &*workers : nullptr));
+  }
+  return highest;
+}
+
+}  // namespace
+
+void addCheck(CommandLine& line) {
+  auto [options, request] =
+      line.add<CheckRequest>("check", "Check documents against the format", checkFiles);
+  options.addArguments("FILE", request.files, "The documents; - is standard input");
+  options.addFlag("--all", request.scope.all, "Tell every violation");
+  options.addNumber("--limit", request.scope.limit,
+                    "Most violations to tell for a file; 0 for all that fit 64 MiB");
+  options.allowOnlyWith("--limit", "--all");
+  options.addFlag("--json", request.json, "Write a JSON object for each file, on a line");
+  options.addNumber("--jobs", request.jobs, "Documents to check at a time; 0 for one a core");
+}
+
+}  // namespace tarn

@@ -1,0 +1,78 @@
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <string>
+
+#include "CommandLine.hpp"
+#include "commonOptions.hpp"
+#include "documents/Changes.hpp"
+#include "documents/ObjectPattern.hpp"
+#include "documents/Selection.hpp"
+#include "documents/documentFile.hpp"
+#include "libtarn/model/exceptions/ModelException.hpp"
+#include "output/HostLog.hpp"
+#include "output/printable.hpp"
+
+namespace tarn {
+
+using libtarn::model::exceptions::ModelException;
+
+namespace {
+
+struct SetRequest {
+  std::string file;
+  Selection selection;
+  Changes changes;
+  Target target;
+};
+
+void change(Document& document, const ObjectPattern& mask, const ObjectPattern& values,
+            const std::string& path) {
+  HostLog::takeError();
+  try {
+    document.setChangesToMOs(mask.object(), values.object());
+  } catch (const ModelException& error) {
+    throw CommandError(Status::RuleBroken, path, error.what());
+  }
+  // The library says in its log only that an object could not keep its place among the names.
+  if (!HostLog::takeError().empty()) {
+    throw CommandError(Status::Conflict, path, "two objects would have one name");
+  }
+}
+
+Status setValues(const SetRequest& request) {
+  const ObjectPattern mask(request.selection);
+  const ObjectPattern values(request.changes);
+  Destination destination(request.file, request.target);
+  Document document(request.file);
+  const std::size_t count = document.getMOsMatchingMask(mask.object()).size();
+  requireSelected(request.file, count);
+  change(document, mask, values, request.file);
+  writeResult(document, destination,
+              fmt::format("{}: {} {} matched\n", printable(request.file), count,
+                          count == 1 ? "object" : "objects"));
+  return Status::Done;
+}
+
+void addChanges(Options& options, Changes& changes) {
+  options.addText("--class", "C", changes.className, "The new class");
+  options.addText("--version", "V", changes.version, "The new version");
+  options.addTexts("--p", "NAME=VALUE", changes.parameters, "A new value; may be repeated");
+  options.addText("--values", "FILE", changes.file,
+                  "The new values: the first object of this document");
+  for (const char* const part : {"--class", "--version", "--p"}) options.exclude("--values", part);
+}
+
+}  // namespace
+
+void addSet(CommandLine& line) {
+  auto [options, request] = line.add<SetRequest>(
+      "set", "Change the objects that match; --class, --version and --p are the new values",
+      setValues);
+  addFile(options, request.file);
+  addSelection(options, "mask-", request.selection);
+  addChanges(options, request.changes);
+  addTarget(options, request.target);
+}
+
+}  // namespace tarn

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+
+#include "files/Destination.hpp"
+#include "files/TextFile.hpp"
+#include "libtarn/model/LibTarnDocument.hpp"
+
+namespace libtarn::model {
+class LibTarnCmData;
+}
+
+namespace tarn {
+
+/// Whether a load checks the rules of the format.
+enum class Rules { Unchecked, Checked };
+
+/// A document of the command. Without memory its operations throw std::bad_alloc.
+class Document : public libtarn::model::LibTarnDocument {
+ public:
+  Document() : LibTarnDocument(libtarn::model::OutOfMemory::Throw) {}
+  /// Loads the file at `path`, as loadDocument() does.
+  explicit Document(const std::string& path, Rules rules = Rules::Unchecked);
+};
+
+/// Loads the file at `path`, "-" for standard input, into `document`. Throws CommandError for a
+/// file that cannot be read, malformed XML or a broken rule of the model.
+void loadDocument(const std::string& path, Document& document, Rules rules = Rules::Unchecked);
+
+/// As above, for a file that is open already.
+void loadDocument(TextFile& file, Document& document, Rules rules = Rules::Unchecked);
+
+/// Throws the CommandError for a text that was refused; reads the file again for line and column.
+[[noreturn]] void throwRefused(TextFile& file, const libtarn::model::Diagnostic& diagnostic);
+
+/// The cmData of a document that was loaded from `path`. Throws CommandError without one.
+libtarn::model::LibTarnCmData& requireCmData(const Document& document, const std::string& path);
+
+/// Writes the document to `destination`, and `report` on what was done to standard output, or to
+/// standard error when the document goes there. A file is replaced last, once all that it is
+/// reported with has been written. Throws CommandError and OutputClosed, with the file as it was.
+void writeResult(Document& document, Destination& destination, const std::string& report);
+
+}  // namespace tarn

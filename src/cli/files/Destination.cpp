@@ -1,0 +1,141 @@
+#include "files/Destination.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <system_error>
+
+#include "CommandError.hpp"
+#include "files/gzip.hpp"
+#include "output/outputFile.hpp"
+
+namespace tarn {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* STANDARD_OUTPUT = "-";
+// As many as the kernel follows.
+constexpr int MOST_LINKS = 40;
+
+/// What a path leads to when the links that it ends in are followed.
+struct Place {
+  fs::path path;
+  std::optional<int> descriptor;  // an open file of this process
+  bool isOpenFile = false;        // of this process or another one
+};
+
+bool isNumber(const std::string& text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// Whether the files in the folder, without links in its path, are those that a process has open.
+bool isFolderOfOpenFiles(const fs::path& folder) {
+  const std::string text = folder.string();
+  return text.compare(0, 6, "/proc/") == 0 && folder.filename() == "fd";
+}
+
+bool isOfThisProcess(const fs::path& folder) {
+  const std::string own = "/proc/" + std::to_string(::getpid()) + "/";
+  return folder.string().compare(0, own.size(), own) == 0;
+}
+
+// /dev/stdout, /dev/fd/3 and the like are links into /proc. What is behind such a number is an open
+// file, whatever path it may have: a pipe, or a file that a shell has opened for the command.
+void recognizeOpenFile(Place& place) {
+  const std::string number = place.path.filename().string();
+  if (!isNumber(number)) return;
+  std::error_code failed;
+  const fs::path folder = fs::canonical(place.path.parent_path(), failed);
+  if (failed || !isFolderOfOpenFiles(folder)) return;
+  place.isOpenFile = true;
+  int descriptor = -1;
+  const auto parsed = std::from_chars(number.data(), number.data() + number.size(), descriptor);
+  if (isOfThisProcess(folder) && parsed.ec == std::errc()) place.descriptor = descriptor;
+}
+
+// What cannot be followed is told when the target is opened.
+Place follow(const std::string& path) {
+  Place place{path, std::nullopt};
+  for (int i = 0; i < MOST_LINKS; ++i) {
+    recognizeOpenFile(place);
+    std::error_code noLink;
+    const fs::path next = fs::read_symlink(place.path, noLink);
+    if (place.isOpenFile || noLink) break;
+    place.path = place.path.parent_path() / next;
+  }
+  return place;
+}
+
+const char* kindOf(mode_t mode) {
+  if (S_ISFIFO(mode)) return "a FIFO";
+  return S_ISSOCK(mode) ? "a socket" : "a device";
+}
+
+[[noreturn]] void refuseInPlace(const std::string& name, const std::string& what) {
+  throw CommandError(Status::FileError, name, "--in-place cannot replace " + what);
+}
+
+}  // namespace
+
+Destination::Destination(const std::string& source, const Target& target)
+    : name_(target.inPlace ? source : target.output) {
+  if (name_ == STANDARD_OUTPUT) {
+    descriptor_ = STDOUT_FILENO;
+    return;
+  }
+  const Place place = follow(name_);
+  if (place.isOpenFile && target.inPlace) refuseInPlace(name_, "an open file");
+  descriptor_ = place.descriptor;
+  isOpenFile_ = place.isOpenFile;
+  // Now, since a file that is opened later may get the number.
+  if (descriptor_ && ::fcntl(*descriptor_, F_GETFL) < 0) throwFileError(name_, errno);
+  if (place.isOpenFile) return;
+  struct stat status {};
+  const bool exists = ::stat(place.path.c_str(), &status) == 0;
+  if (!exists && errno != ENOENT) throwFileError(name_, errno);
+  if (!exists || S_ISREG(status.st_mode)) {
+    replacement_.emplace(name_, place.path);
+  } else if (S_ISDIR(status.st_mode)) {
+    throwFileError(name_, EISDIR);
+  } else if (target.inPlace) {
+    refuseInPlace(name_, kindOf(status.st_mode));
+  }
+}
+
+bool Destination::isStandardOutput() const { return descriptor_ == STDOUT_FILENO; }
+
+void Destination::write(const std::string& text) {
+  if (isGzipName(name_)) {
+    writeContent(gzip(name_, text));
+  } else {
+    writeContent(text);
+  }
+}
+
+void Destination::commit() {
+  if (replacement_) replacement_->commit();
+}
+
+void Destination::writeContent(const std::string& content) {
+  if (isStandardOutput()) return writeOutput(content);
+  if (replacement_) return replacement_->write(content);
+  if (descriptor_) {
+    if (!writeAll(*descriptor_, name_, content)) throwFileError(name_, errno);
+    return;
+  }
+  const int ofFile = isOpenFile_ ? O_TRUNC : 0;
+  Descriptor opened(::open(name_.c_str(), O_WRONLY | ofFile | O_CLOEXEC));
+  struct stat status {};
+  if (!opened.isOpen() || ::fstat(opened.get(), &status) != 0) throwFileError(name_, errno);
+  // A file that came in the place of a FIFO would have to be replaced.
+  if (S_ISREG(status.st_mode) && !isOpenFile_) throwChangedError(name_);
+  if (!writeAll(opened.get(), name_, content) || !opened.close()) throwFileError(name_, errno);
+}
+
+}  // namespace tarn

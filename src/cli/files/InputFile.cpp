@@ -1,0 +1,176 @@
+// Two readers behind one interface: zlib, which also reads what is not compressed, and a plain one
+// for builds without it.
+
+#include "files/InputFile.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <filesystem>
+#include <mutex>
+#include <new>
+#include <set>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "CommandError.hpp"
+
+#ifdef TARN_WITH_ZLIB
+#include <zlib.h>
+
+#include "files/blockSizes.hpp"
+#endif
+
+namespace tarn {
+
+namespace {
+
+constexpr const char* STANDARD_INPUT = "-";
+constexpr std::string_view FORMER_MARK = " (deleted)";
+
+std::mutex pathsMutex;
+std::set<std::string> readPaths;
+std::set<std::string> formerPaths;  // those of them that were no longer there
+
+// The kernel marks the path of an open file that is no longer there.
+bool isMarked(const std::string& path) {
+  return path.size() > FORMER_MARK.size() &&
+         path.compare(path.size() - FORMER_MARK.size(), FORMER_MARK.size(), FORMER_MARK) == 0;
+}
+
+// A name may end in the mark, too.
+bool isAt(const std::string& path, const struct stat& status) {
+  struct stat there {};
+  return ::stat(path.c_str(), &there) == 0 && there.st_dev == status.st_dev &&
+         there.st_ino == status.st_ino;
+}
+
+void rememberPath(int descriptor, const struct stat& status) {
+  std::error_code ignored;
+  std::string path =
+      std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), ignored);
+  const std::lock_guard<std::mutex> lock(pathsMutex);
+  if (isMarked(path) && !isAt(path, status)) {
+    path.resize(path.size() - FORMER_MARK.size());
+    formerPaths.insert(path);
+  }
+  readPaths.insert(path);
+}
+
+#ifdef TARN_WITH_ZLIB
+
+[[noreturn]] void throwReadError(const std::string& path, gzFile file) {
+  int code = Z_OK;
+  gzerror(file, &code);
+  if (code == Z_ERRNO) throwFileError(path, errno);
+  if (code == Z_MEM_ERROR) throw std::bad_alloc();
+  throw CommandError(Status::FileError, path, "compressed data is damaged or cut off");
+}
+
+#else
+
+// What a gzip file begins with.
+constexpr const char* MAGIC = "\x1f\x8b";
+
+#endif
+
+}  // namespace
+
+#ifdef TARN_WITH_ZLIB
+
+struct InputFile::Reader {
+  explicit Reader(int descriptor) : file(gzdopen(descriptor, "rb")) {
+    if (!file) throw std::bad_alloc();
+    gzbuffer(file, GZIP_BLOCK);
+  }
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+  ~Reader() { gzclose(file); }
+
+  gzFile file;
+};
+
+std::size_t InputFile::read(char* block, std::size_t size) {
+  const int count =
+      gzread(reader_->file, block, static_cast<unsigned>(std::min<std::size_t>(size, INT_MAX)));
+  if (count < 0) throwReadError(path_, reader_->file);
+  if (count > 0) return static_cast<std::size_t>(count);
+  // A stream that is cut off shows only here.
+  int code = Z_OK;
+  gzerror(reader_->file, &code);
+  if (code != Z_OK) throwReadError(path_, reader_->file);
+  return 0;
+}
+
+void InputFile::rewind() {
+  if (gzrewind(reader_->file) != 0) throwReadError(path_, reader_->file);
+}
+
+#else
+
+struct InputFile::Reader {
+  explicit Reader(int opened) : descriptor(opened) {}
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+  ~Reader() { ::close(descriptor); }
+
+  int descriptor;
+  bool isAtStart = true;
+};
+
+std::size_t InputFile::read(char* block, std::size_t size) {
+  ssize_t count = -1;
+  do {
+    count = ::read(reader_->descriptor, block, std::min<std::size_t>(size, INT_MAX));
+    if (count < 0 && errno != EINTR) throwFileError(path_, errno);
+  } while (count < 0);
+  if (std::exchange(reader_->isAtStart, false) && count >= 2 && std::memcmp(block, MAGIC, 2) == 0) {
+    throw CommandError(Status::FileError, path_, "this build cannot read compressed files");
+  }
+  return static_cast<std::size_t>(count);
+}
+
+void InputFile::rewind() {
+  if (::lseek(reader_->descriptor, 0, SEEK_SET) != 0) throwFileError(path_, errno);
+}
+
+#endif
+
+InputFile::InputFile(const std::string& path) : path_(path) {
+  const int descriptor =
+      path == STANDARD_INPUT ? ::dup(STDIN_FILENO) : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) throwFileError(path_, errno);
+  try {
+    reader_ = std::make_unique<Reader>(descriptor);
+  } catch (const std::bad_alloc&) {
+    ::close(descriptor);
+    throw;
+  }
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) throwFileError(path_, errno);
+  if (S_ISDIR(status.st_mode)) throwFileError(path_, EISDIR);
+  if (S_ISREG(status.st_mode)) rememberPath(descriptor, status);
+  // Standard input may stand anywhere in its file.
+  isSeekable_ = S_ISREG(status.st_mode) && path != STANDARD_INPUT;
+  if (isSeekable_) size_ = static_cast<std::uint64_t>(status.st_size);
+}
+
+InputFile::~InputFile() = default;
+
+bool InputFile::hasReadFileAt(const std::string& path) {
+  const std::lock_guard<std::mutex> lock(pathsMutex);
+  return readPaths.count(path) == 1;
+}
+
+bool InputFile::hasReadFormerFileAt(const std::string& path) {
+  const std::lock_guard<std::mutex> lock(pathsMutex);
+  return formerPaths.count(path) == 1;
+}
+
+}  // namespace tarn

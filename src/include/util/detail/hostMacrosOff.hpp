@@ -1,0 +1,28 @@
+// Included by other headers; not for hosts.
+//
+// Constants have names that hosts and their platforms define as macros. Between this header and
+// hostMacrosOn.hpp those macros do not exist; afterwards they are what they were. Without a guard:
+// each header of the library that declares such a constant includes both.
+
+#pragma push_macro("DEBUG")
+#undef DEBUG
+#pragma push_macro("ERROR")
+#undef ERROR
+#pragma push_macro("INFO")
+#undef INFO
+#pragma push_macro("WARNING")
+#undef WARNING
+#pragma push_macro("CREATE")
+#undef CREATE
+#pragma push_macro("DELETE")
+#undef DELETE
+#pragma push_macro("UPDATE")
+#undef UPDATE
+#pragma push_macro("AUTO")
+#undef AUTO
+#pragma push_macro("ACTUAL")
+#undef ACTUAL
+#pragma push_macro("PLAN")
+#undef PLAN
+#pragma push_macro("DEFAULTS")
+#undef DEFAULTS

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+#include "libtarn/TarnApi.hpp"
+
+namespace libtarn {
+namespace model {
+class IElement;
+}
+
+namespace util {
+
+/// Replaces the content of `out` with the printed element and everything below it: the lines that
+/// the printed document has for it, indented as there, the last line feed included. A detached
+/// element is printed without indentation. The element must be of this library (asserted).
+TARN_API void dumpElement(const model::IElement& element, std::string& out);
+
+}  // namespace util
+}  // namespace libtarn

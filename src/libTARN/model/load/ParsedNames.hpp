@@ -1,0 +1,226 @@
+#pragma once
+
+// The names of the parameters of one element after the other, put in order.
+//
+// Objects of one class mostly have the same parameters in the same order. So the sequence of names
+// that came last with a class is remembered, and how it is sorted. As long as the names that come
+// are those of the sequence, each entry is written where it belongs, and neither sorted nor
+// compared with another one.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <numeric>
+#include <string_view>
+#include <vector>
+
+#include "../indexation/textHash.hpp"
+#include "libtarn/model/indexation/TarnCollection.hpp"
+
+namespace libtarn {
+namespace model {
+
+/// Whether names are sorted and distinct, distinct in another order, or possibly duplicate.
+enum class NameOrder { SORTED, DISTINCT, UNKNOWN };
+
+/// Elements of one kind that have just been parsed, with their names. The text that they were
+/// parsed from holds no zero byte and outlives this.
+template <class Element>
+class ParsedNames {
+ public:
+  using Entry = indexation::ParameterEntry<Element>;
+
+  /// Forgets the elements and begins the sequence of another one. `kind` is a text that elements
+  /// with the same sequence of names mostly share, such as a class.
+  void start(std::string_view kind) {
+    count_ = 0;
+    const std::size_t ends = kind.empty() ? 0 : letter(kind.front()) + 7 * letter(kind.back());
+    place_ = (5 * kind.size() + ends) % SEQUENCES;
+    follows_ = !sequences_.empty();
+    if (follows_) {
+      known_ = &sequences_[place_];
+    } else {
+      names_.clear();
+      others_.clear();
+    }
+  }
+
+  /// `name` ends with a zero byte and points into the text.
+  void add(std::string_view name, Element* element) {
+    if (follows_ && count_ < known_->count && isSameName(name, known_->names[count_])) {
+      inPlace_[known_->places[count_]] = {name.data(), element};
+    } else {
+      addToOthers(name, element);
+    }
+    ++count_;
+  }
+
+  /// Orders the entries; called once, when all elements have been added.
+  NameOrder order() {
+    if (follows_ && count_ == known_->count) return orderOfKnown();
+    if (follows_) stopFollowing();
+    if (count_ <= 1) return NameOrder::SORTED;
+    if (count_ <= FEW) remember();
+    if (count_ > FEW && areSorted()) return NameOrder::SORTED;
+    const bool differ = (count_ <= FEW && digestsDiffer()) || namesDiffer();
+    return differ ? NameOrder::DISTINCT : NameOrder::UNKNOWN;
+  }
+
+  /// The entries, once order() has been called and until the next start().
+  const Entry* entries() const { return follows_ ? inPlace_ : others_.data(); }
+  std::size_t size() const { return count_; }
+
+ private:
+  static constexpr std::size_t FEW = 32;
+  static constexpr std::size_t SEQUENCES = 32;
+  // Names that crowd are made by those who want to slow a load down.
+  static constexpr std::size_t MOST_PROBES = 64;
+
+  static std::size_t letter(char c) { return static_cast<unsigned char>(c); }
+
+  // Names are so short that a call takes longer.
+  static bool isSameName(std::string_view a, std::string_view b) {
+    using Word = std::uint64_t;
+    if (a.size() != b.size()) return false;
+    if (a.size() < sizeof(Word)) return std::equal(a.begin(), a.end(), b.begin());
+    const auto differ = [&a, &b](std::size_t place) {
+      Word first = 0;
+      Word second = 0;
+      std::memcpy(&first, a.data() + place, sizeof(first));
+      std::memcpy(&second, b.data() + place, sizeof(second));
+      return first ^ second;
+    };
+    const std::size_t last = a.size() - sizeof(Word);
+    Word difference = differ(last);
+    for (std::size_t place = 0; place < last; place += sizeof(Word)) difference |= differ(place);
+    return difference == 0;
+  }
+
+  // A sequence of names, and for each its place among them in the order of names: once they have
+  // been sorted, and the one it came at until then.
+  struct Sequence {
+    std::size_t count = 0;
+    std::string_view names[FEW];
+    std::uint8_t places[FEW];
+    bool isSorted = false;
+
+    void remember(const std::string_view* others, std::size_t othersCount) {
+      count = othersCount;
+      std::copy_n(others, count, names);
+      std::iota(places, places + count, std::uint8_t{0});
+      isSorted = false;
+    }
+
+    // False, and nothing changed, when two are the same.
+    bool sort() {
+      std::uint8_t sorted[FEW];
+      std::uint8_t* const end = sorted + count;
+      std::iota(sorted, end, std::uint8_t{0});
+      std::sort(sorted, end, [this](auto a, auto b) { return names[a] < names[b]; });
+      const auto same = [this](auto a, auto b) { return names[a] == names[b]; };
+      if (std::adjacent_find(sorted, end, same) != end) return false;
+      for (std::size_t i = 0; i < count; ++i) places[sorted[i]] = static_cast<std::uint8_t>(i);
+      isSorted = true;
+      return true;
+    }
+  };
+
+  struct Slot {
+    std::uint32_t hash;
+    std::uint32_t number;  // of the entry, from 1; 0 for an empty slot
+  };
+
+  // Documents that have no object with two names need no room for sequences.
+  void remember() {
+    if (sequences_.empty()) sequences_.resize(SEQUENCES);
+    sequences_[place_].remember(names_.data(), count_);
+  }
+
+  NameOrder orderOfKnown() {
+    if (known_->isSorted) return NameOrder::SORTED;
+    Entry came[FEW];
+    std::copy_n(inPlace_, count_, came);
+    if (!known_->sort()) return NameOrder::UNKNOWN;
+    for (std::size_t i = 0; i < count_; ++i) inPlace_[known_->places[i]] = came[i];
+    return NameOrder::SORTED;
+  }
+
+  void addToOthers(std::string_view name, Element* element) {
+    if (follows_) stopFollowing();
+    names_.push_back(name);
+    others_.push_back({name.data(), element});
+  }
+
+  // What came so far goes back to the order it came in.
+  void stopFollowing() {
+    follows_ = false;
+    names_.assign(known_->names, known_->names + count_);
+    others_.resize(count_);
+    for (std::size_t i = 0; i < count_; ++i) others_[i] = inPlace_[known_->places[i]];
+  }
+
+  // Names of different digests are different. Made of the ends of a name, where most differ.
+  static std::uint32_t digestOf(std::string_view name) {
+    constexpr std::uint64_t PRIME = 0x9E3779B97F4A7C15U;
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    if (name.size() >= sizeof(first)) {
+      std::memcpy(&first, name.data(), sizeof(first));
+      std::memcpy(&last, name.data() + name.size() - sizeof(last), sizeof(last));
+    } else {
+      for (const char c : name) last = last << 8U | static_cast<unsigned char>(c);
+    }
+    return static_cast<std::uint32_t>(((first ^ name.size()) * PRIME ^ last) * PRIME >> 32U);
+  }
+
+  bool digestsDiffer() const {
+    std::uint32_t digests[FEW];
+    bool same = false;
+    for (std::size_t i = 0; i < count_; ++i) {
+      digests[i] = digestOf(names_[i]);
+      for (std::size_t j = 0; j < i; ++j) same |= digests[i] == digests[j];
+    }
+    return !same;
+  }
+
+  bool areSorted() const {
+    return std::adjacent_find(names_.begin(), names_.end(), std::greater_equal<>()) == names_.end();
+  }
+
+  // False also when it is too hard to tell.
+  bool namesDiffer() {
+    std::size_t capacity = 8;
+    while (capacity < 2 * count_) capacity *= 2;
+    slots_.assign(capacity, Slot{0, 0});
+    std::uint32_t number = 0;
+    for (const std::string_view name : names_) {
+      const std::uint32_t hash = indexation::textHash(name.data(), name.size());
+      std::size_t position = hash & (capacity - 1);
+      for (std::size_t probes = 0; slots_[position].number != 0; ++probes) {
+        const Slot& slot = slots_[position];
+        const bool isSame = slot.hash == hash && names_[slot.number - 1] == name;
+        if (isSame || probes == MOST_PROBES) return false;
+        position = (position + 1) & (capacity - 1);
+      }
+      slots_[position] = {hash, ++number};
+    }
+    return true;
+  }
+
+  // While the names are those of `known_`, the entries are in `inPlace_`, else with the names in
+  // the order that they came in.
+  bool follows_ = false;
+  std::size_t count_ = 0;
+  std::size_t place_ = 0;  // of the kind's sequence
+  Sequence* known_ = nullptr;
+  Entry inPlace_[FEW];
+  std::vector<std::string_view> names_;
+  std::vector<Entry> others_;
+  std::vector<Sequence> sequences_;
+  std::vector<Slot> slots_;
+};
+
+}  // namespace model
+}  // namespace libtarn
