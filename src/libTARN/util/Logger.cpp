@@ -15,6 +15,16 @@ const Logger::Level Logger::Level::INFO("INFO");
 
 namespace {
 
+// Null without memory. Not new (std::nothrow): a host that counts its heap may replace only the
+// usual operator new, and what a sanitizer allocates for the other one is nothing that it can free.
+std::ostringstream* newStream() {
+  try {
+    return new std::ostringstream;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 // Without memory for the text a line comes without it: that there was one may be what counts.
 std::string textOf(const std::ostringstream* stream) {
   try {
@@ -27,10 +37,7 @@ std::string textOf(const std::ostringstream* stream) {
 }  // namespace
 
 Logger::Logger(Level level, const char* location, const char* function)
-    : level_(level),
-      location_(location),
-      function_(function),
-      stream_(new (std::nothrow) std::ostringstream) {}
+    : level_(level), location_(location), function_(function), stream_(newStream()) {}
 
 std::ostream& Logger::stream() { return *stream_; }
 
