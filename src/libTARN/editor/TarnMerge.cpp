@@ -11,7 +11,6 @@
 
 #include <map>
 #include <new>
-#include <sstream>
 #include <string_view>
 #include <vector>
 
@@ -19,6 +18,7 @@
 #include "../model/UndoLog.hpp"
 #include "../model/patternText.hpp"
 #include "../util/LogLocation.hpp"
+#include "../util/joined.hpp"
 #include "libtarn/Assertion.hpp"
 #include "libtarn/editor/exceptions/EditorException.hpp"
 #include "libtarn/model/LibTarnCmDataImp.hpp"
@@ -66,10 +66,9 @@ void logError(const char* location, const char* function, const char* message) {
 // `before` and `after` stand around "'managedObject' element with 'distName=NAME'".
 [[noreturn]] void throwConflict(const char* before, const DistinguishedName& distName,
                                 const char* after) {
-  std::ostringstream message;
-  message << before << "'" << LibTarnManagedObject::TAG_NAME << "' element with '"
-          << DistinguishedName::ATTR_NAME << "=" << distName << "'" << after;
-  throw EditorException(message.str());
+  throw EditorException(util::joined(before, "'", LibTarnManagedObject::TAG_NAME,
+                                     "' element with '", DistinguishedName::ATTR_NAME, "=",
+                                     distName.getText(), "'", after));
 }
 
 template <class Imp, class Interface>

@@ -1,12 +1,19 @@
 #include "libtarn/model/exceptions/DuplicateElementException.hpp"
 
-#include <sstream>
-
+#include "../../util/joined.hpp"
 #include "libtarn/model/DistinguishedName.hpp"
 
 namespace libtarn {
 namespace model {
 namespace exceptions {
+
+namespace {
+
+const char* textOf(const DistinguishedName& key) { return key.getText(); }
+const std::string& textOf(const std::string& key) { return key; }
+const char* textOf(const char* key) { return key; }
+
+}  // namespace
 
 DuplicateElementException::DuplicateElementException(const std::string& message)
     : ModelException(message) {}
@@ -18,10 +25,9 @@ DuplicateElementException DuplicateElementException::instance(const char* childT
                                                               const char* parent,
                                                               const char* keyAttribute,
                                                               const T& key) {
-  std::ostringstream message;
-  message << "The '" << parent << "' element already contains a '" << childTag << "' element with '"
-          << keyAttribute << "=" << key << "'";
-  return DuplicateElementException(message.str());
+  return DuplicateElementException(util::joined("The '", parent, "' element already contains a '",
+                                                childTag, "' element with '", keyAttribute, "=",
+                                                textOf(key), "'"));
 }
 
 template DuplicateElementException DuplicateElementException::instance(

@@ -1,6 +1,6 @@
 #include "libtarn/model/exceptions/InvalidAttributeValueException.hpp"
 
-#include <sstream>
+#include "../../util/joined.hpp"
 
 namespace libtarn {
 namespace model {
@@ -14,10 +14,8 @@ InvalidAttributeValueException::~InvalidAttributeValueException() = default;
 InvalidAttributeValueException InvalidAttributeValueException::instance(const char* element,
                                                                         const char* attribute,
                                                                         const char* value) {
-  std::ostringstream message;
-  message << "'" << value << "' is not a valid value of '" << element << "' attribute '"
-          << attribute << "'";
-  return InvalidAttributeValueException(message.str());
+  return InvalidAttributeValueException(util::joined("'", value, "' is not a valid value of '",
+                                                     element, "' attribute '", attribute, "'"));
 }
 
 void InvalidAttributeValueException::throwException(const char* element, const char* attribute,

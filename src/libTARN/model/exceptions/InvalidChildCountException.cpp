@@ -1,6 +1,6 @@
 #include "libtarn/model/exceptions/InvalidChildCountException.hpp"
 
-#include <sstream>
+#include "../../util/joined.hpp"
 
 namespace libtarn {
 namespace model {
@@ -15,15 +15,11 @@ InvalidChildCountException InvalidChildCountException::instance(const char* chil
                                                                 const char* element,
                                                                 std::size_t min, std::size_t max,
                                                                 std::size_t count) {
-  std::ostringstream message;
-  message << "The '" << element << "' element has " << count << " child '" << childTag
-          << "' elements.  Expected: ";
-  if (min == max) {
-    message << min;
-  } else {
-    message << "[" << min << ", " << max << "]";
-  }
-  return InvalidChildCountException(message.str());
+  const std::string expected =
+      min == max ? util::joined(min) : util::joined("[", min, ", ", max, "]");
+  return InvalidChildCountException(util::joined("The '", element, "' element has ", count,
+                                                 " child '", childTag,
+                                                 "' elements.  Expected: ", expected));
 }
 
 }  // namespace exceptions

@@ -1,6 +1,6 @@
 #include "libtarn/model/exceptions/NoElementValueException.hpp"
 
-#include <sstream>
+#include "../../util/joined.hpp"
 
 namespace libtarn {
 namespace model {
@@ -12,9 +12,7 @@ NoElementValueException::NoElementValueException(const std::string& message)
 NoElementValueException::~NoElementValueException() = default;
 
 NoElementValueException NoElementValueException::instance(const char* element) {
-  std::ostringstream message;
-  message << "The '" << element << "' element has no value";
-  return NoElementValueException(message.str());
+  return NoElementValueException(util::joined("The '", element, "' element has no value"));
 }
 
 }  // namespace exceptions

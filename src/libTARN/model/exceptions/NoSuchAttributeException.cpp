@@ -1,6 +1,6 @@
 #include "libtarn/model/exceptions/NoSuchAttributeException.hpp"
 
-#include <sstream>
+#include "../../util/joined.hpp"
 
 namespace libtarn {
 namespace model {
@@ -13,9 +13,8 @@ NoSuchAttributeException::~NoSuchAttributeException() = default;
 
 NoSuchAttributeException NoSuchAttributeException::instance(const char* element,
                                                             const char* attribute) {
-  std::ostringstream message;
-  message << "The '" << element << "' element has no attribute '" << attribute << "'";
-  return NoSuchAttributeException(message.str());
+  return NoSuchAttributeException(
+      util::joined("The '", element, "' element has no attribute '", attribute, "'"));
 }
 
 void NoSuchAttributeException::throwException(const char* element, const char* attribute) {

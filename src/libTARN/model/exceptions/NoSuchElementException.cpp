@@ -1,6 +1,6 @@
 #include "libtarn/model/exceptions/NoSuchElementException.hpp"
 
-#include <sstream>
+#include "../../util/joined.hpp"
 
 namespace libtarn {
 namespace model {
@@ -14,10 +14,8 @@ NoSuchElementException::~NoSuchElementException() = default;
 template <class T>
 NoSuchElementException NoSuchElementException::instance(const char* childTag,
                                                         const char* keyAttribute, const T& key) {
-  std::ostringstream message;
-  message << "Child '" << childTag << "' element identified by '" << keyAttribute << "=" << key
-          << "' not found";
-  return NoSuchElementException(message.str());
+  return NoSuchElementException(util::joined("Child '", childTag, "' element identified by '",
+                                             keyAttribute, "=", key, "' not found"));
 }
 
 template NoSuchElementException NoSuchElementException::instance(const char* childTag,

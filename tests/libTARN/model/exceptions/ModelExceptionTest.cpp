@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <new>
 #include <string>
 #include <type_traits>
 
@@ -14,6 +15,7 @@
 #include "libtarn/model/exceptions/NoElementValueException.hpp"
 #include "libtarn/model/exceptions/NoSuchAttributeException.hpp"
 #include "libtarn/model/exceptions/NoSuchElementException.hpp"
+#include "support/HeapCount.hpp"
 
 namespace {
 
@@ -63,6 +65,26 @@ TEST(ModelExceptionTest, MessagesFollowTheirTemplates) {
                 "'plans' is not a valid value of 'cmData' attribute 'type'");
   expectMessage(InvalidDistinguishedNameException("A"), "Invalid distinguished name: 'A'");
   expectMessage(InvalidDistinguishedNameException(nullptr), "Invalid distinguished name");
+}
+
+// A stream would cut it.
+TEST(ModelExceptionTest, MessageIsNotCutWhenMemoryEnds) {
+  const std::string name(100, 'x');
+  const auto make = [&name] {
+    return DuplicateElementException::instance("p", name.c_str(), "name", name);
+  };
+  const std::string whole = make().what();
+  std::string made;
+  for (std::size_t number = 1; made.empty(); ++number) {
+    ASSERT_LT(number, 100U);
+    try {
+      const tarn_test::HeapFault fault(number);
+      made = make().what();
+    } catch (const std::bad_alloc&) {
+      EXPECT_TRUE(made.empty());
+    }
+  }
+  EXPECT_EQ(made, whole);
 }
 
 TEST(ModelExceptionTest, ThrowExceptionThrowsWhatInstanceMakes) {

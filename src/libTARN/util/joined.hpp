@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace libtarn {
+namespace util {
+
+namespace joining {
+
+inline void append(std::string& text, const char* part) {
+  if (part) text += part;
+}
+inline void append(std::string& text, const std::string& part) { text += part; }
+inline void append(std::string& text, std::size_t number) { text += std::to_string(number); }
+
+}  // namespace joining
+
+/// The parts one behind the other: texts, of which null is an empty one, and numbers. Throws
+/// std::bad_alloc without memory, where a stream would cut the text and go on, and writes numbers
+/// alike in every locale.
+template <class... Parts>
+std::string joined(const Parts&... parts) {
+  std::string text;
+  (joining::append(text, parts), ...);
+  return text;
+}
+
+}  // namespace util
+}  // namespace libtarn
