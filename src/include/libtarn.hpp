@@ -14,6 +14,7 @@
 #include "libtarn/model/LibTarnManagedObject.hpp"
 #include "libtarn/model/List.hpp"
 #include "libtarn/model/Log.hpp"
+#include "libtarn/model/RefusedChange.hpp"
 #include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/Scalar.hpp"
 #include "libtarn/model/Structure.hpp"

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
@@ -9,13 +10,15 @@
 #include "documents/ObjectPattern.hpp"
 #include "documents/Selection.hpp"
 #include "documents/documentFile.hpp"
-#include "libtarn/model/exceptions/ModelException.hpp"
+#include "libtarn/model/RefusedChange.hpp"
+#include "libtarn/model/ResultCodes.hpp"
 #include "output/HostLog.hpp"
 #include "output/printable.hpp"
 
 namespace tarn {
 
-using libtarn::model::exceptions::ModelException;
+using libtarn::model::ChangeResult;
+using libtarn::model::RefusedChange;
 
 namespace {
 
@@ -28,16 +31,18 @@ struct SetRequest {
 
 void change(Document& document, const ObjectPattern& mask, const ObjectPattern& values,
             const std::string& path) {
-  HostLog::takeError();
-  try {
-    document.setChangesToMOs(mask.object(), values.object());
-  } catch (const ModelException& error) {
-    throw CommandError(Status::RuleBroken, path, error.what());
+  std::vector<RefusedChange> refused;
+  document.tryChangesToMOs(mask.object(), values.object(), &refused);
+  bool isNameTaken = false;
+  for (const RefusedChange& each : refused) {
+    if (each.reason.code == ChangeResult::BrokenRule) {
+      throw CommandError(Status::RuleBroken, path, each.reason.message);
+    }
+    isNameTaken = isNameTaken || each.reason.code == ChangeResult::NameTaken;
   }
-  // The library says in its log only that an object could not keep its place among the names.
-  if (!HostLog::takeError().empty()) {
-    throw CommandError(Status::Conflict, path, "two objects would have one name");
-  }
+  if (!isNameTaken) return;
+  HostLog::takeError();  // what the refusal says, too
+  throw CommandError(Status::Conflict, path, "two objects would have one name");
 }
 
 Status setValues(const SetRequest& request) {

@@ -6,10 +6,11 @@
 namespace libtarn {
 namespace model {
 
-/// What became of the last parse or validation of a document, or of a merge.
+/// What became of the last parse or validation of a document, of a merge, or of a change by mask.
 struct Diagnostic {
   /// The result: 0; for a parse or a validation 1 for malformed XML, or 2 for a broken rule of the
-  /// model (ParseResult); for a merge 1 when it was refused (EditResult).
+  /// model (ParseResult); for a merge 1 when it was refused (EditResult); for a change by mask a
+  /// ChangeResult.
   int code = 0;
   /// What is wrong, without a prefix; empty on success.
   std::string message;

@@ -25,6 +25,7 @@ class LibTarnCmData;
 class LibTarnDocumentInternal;
 class LibTarnManagedObject;
 class TarnDomDocument;
+struct RefusedChange;
 
 namespace validation {
 struct Violation;
@@ -106,6 +107,14 @@ class TARN_API LibTarnDocument {
   /// Applies LibTarnManagedObject::change(mask, changes) to the managed objects of the first cmData
   /// that match `mask`. Logs each object at level INFO.
   void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
+  /// As setChangesToMOs(), with LibTarnManagedObject::tryChange() in place of change(). Returns the
+  /// first refusal, or success when every object that matches was changed as asked, also when none
+  /// matches. `refused`, when given, gets all refusals in place of what it holds, in byte order of
+  /// the names that the objects had. Ends behind an object that a broken rule refuses, as its
+  /// exception ends setChangesToMOs(): the same values would break it in the others. Throws
+  /// std::bad_alloc, with the objects before changed.
+  Diagnostic tryChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes,
+                             std::vector<RefusedChange>* refused = nullptr);
 
  private:
   int parseImpl(std::vector<char> text, bool validate);

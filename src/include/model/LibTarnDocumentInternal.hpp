@@ -13,6 +13,7 @@ namespace model {
 class LibTarnCmData;
 class LibTarnManagedObject;
 class TarnDomDocument;
+struct RefusedChange;
 
 /// The root element, `tarn`. A document has one, made with the document and used again by every
 /// parse.
@@ -52,10 +53,14 @@ class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement 
   void addLibTarnCmData(LibTarnCmData& cmData);
   std::list<LibTarnManagedObject*> getMOsMatchingMask(const LibTarnManagedObject& mask) const;
   void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
+  void tryChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes,
+                       std::vector<RefusedChange>& refused);
 
  private:
   template <class Rebuild>
   void forEachCmData(Rebuild rebuild);
+  template <class Change>
+  void changeMatching(const LibTarnManagedObject& mask, Change change);
 
   TarnDomDocument* document_;
 };

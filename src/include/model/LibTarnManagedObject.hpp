@@ -4,6 +4,7 @@
 #include <string>
 
 #include "libtarn/TarnApi.hpp"
+#include "libtarn/model/Diagnostic.hpp"
 #include "libtarn/model/DistinguishedName.hpp"
 #include "libtarn/model/IElement.hpp"
 #include "libtarn/model/indexation/TarnCollection.hpp"
@@ -75,7 +76,7 @@ class TARN_API LibTarnManagedObject : public IElement {
   /// and lists that `values` has. False, with nothing changed, when it does not match. `values` may
   /// be this object, which changes nothing. A name that the document's validator rejects is not
   /// taken over. When an exception is thrown (ModelException for a list that breaks a rule of the
-  /// model, std::bad_alloc), nothing has changed.
+  /// model, std::bad_alloc), nothing has changed. tryChange() reports all of this as a value.
   virtual bool change(const LibTarnManagedObject& pattern, const LibTarnManagedObject& values) = 0;
   /// Writes the attribute "version".
   virtual void setVersion(const std::string& version) = 0;
@@ -120,6 +121,12 @@ class TARN_API LibTarnManagedObject : public IElement {
   /// Whether the object carries an operation. getOperation() is AUTO with "auto" and with none. The
   /// default, for objects of a host's own class, takes AUTO for none.
   virtual bool hasOperation() const;
+
+  /// Calls change() and returns what came of it: Diagnostic::code is a ChangeResult, and the
+  /// message says why the object was not changed as asked. A ModelException becomes BrokenRule.
+  /// Throws what else change() throws, and std::bad_alloc; nothing has changed then. The message of
+  /// InvalidName and NameTaken is empty when there is no memory for it.
+  Diagnostic tryChange(const LibTarnManagedObject& pattern, const LibTarnManagedObject& values);
 };
 
 }  // namespace model

@@ -119,7 +119,6 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
 
   void stageAttributes(const LibTarnManagedObject& pattern, const LibTarnManagedObject& values,
                        StagedAttributes& attributes);
-  std::string changedDistName(const char* pattern, const char* replacement) const;
   void replaceScalars(const LibTarnManagedObject& values, UndoLog& log);
   void replaceLists(const LibTarnManagedObject& values, UndoLog& log);
 

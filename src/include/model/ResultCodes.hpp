@@ -26,5 +26,24 @@ struct EditResult {
   static constexpr std::uint8_t NoSuchElement = 2;
 };
 
+/// What became of a change by mask: Diagnostic::code of LibTarnManagedObject::tryChange() and
+/// LibTarnDocument::tryChangesToMOs().
+struct ChangeResult {
+  /// All was changed as asked.
+  static constexpr int Done = 0;
+  /// Nothing has changed: the object does not match the mask.
+  static constexpr int NoMatch = 1;
+  /// Nothing has changed: a copy of what the object was to get breaks a rule of the model.
+  static constexpr int BrokenRule = 2;
+  /// The object has kept its name, since the document's name validator rejects the new one. All
+  /// else was changed.
+  static constexpr int InvalidName = 3;
+  /// All was changed, but another object has the new name: the index does not find the object.
+  /// LibTarnManagedObject::setDistName() says how that ends.
+  static constexpr int NameTaken = 4;
+  /// Nothing has changed: the document has no cmData.
+  static constexpr int NoCmData = 5;
+};
+
 }  // namespace model
 }  // namespace libtarn

@@ -5,6 +5,8 @@
 
 #include "../util/LogLocation.hpp"
 #include "libtarn/model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/RefusedChange.hpp"
+#include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/TarnDomDocument.hpp"
 #include "libtarn/model/exceptions/ModelException.hpp"
 #include "libtarn/model/validation/Validator.hpp"
@@ -24,6 +26,7 @@ constexpr int DONE = 0;
 constexpr int MALFORMED = 1;
 constexpr int MODEL_RULE_BROKEN = 2;
 
+constexpr const char* NO_CM_DATA_MESSAGE = "Document doesn't have cmData node";
 // As a Validator has it.
 constexpr const char* BODY_PATH = "tarn > cmData > ";
 
@@ -173,6 +176,17 @@ std::size_t LibTarnDocument::getTextOffset(const IElement& element) const {
 void LibTarnDocument::setChangesToMOs(const LibTarnManagedObject& mask,
                                       const LibTarnManagedObject& changes) {
   root_->setChangesToMOs(mask, changes);
+}
+
+Diagnostic LibTarnDocument::tryChangesToMOs(const LibTarnManagedObject& mask,
+                                            const LibTarnManagedObject& changes,
+                                            std::vector<RefusedChange>* refused) {
+  std::vector<RefusedChange> ownRefused;
+  if (!refused) refused = &ownRefused;
+  refused->clear();
+  if (!getLibTarnCmData()) return {ChangeResult::NoCmData, NO_CM_DATA_MESSAGE, 0};
+  root_->tryChangesToMOs(mask, changes, *refused);
+  return refused->empty() ? Diagnostic() : refused->front().reason;
 }
 
 }  // namespace model

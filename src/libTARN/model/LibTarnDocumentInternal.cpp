@@ -1,6 +1,7 @@
 #include "libtarn/model/LibTarnDocumentInternal.hpp"
 
 #include <cstring>
+#include <utility>
 
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
@@ -8,6 +9,8 @@
 #include "attributeNames.hpp"
 #include "libtarn/model/LibTarnCmDataImp.hpp"
 #include "libtarn/model/LibTarnManagedObject.hpp"
+#include "libtarn/model/RefusedChange.hpp"
+#include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/TarnDomDocument.hpp"
 #include "libtarn/model/exceptions/ModelException.hpp"
 #include "libtarn/model/validation/Validator.hpp"
@@ -110,6 +113,26 @@ std::list<LibTarnManagedObject*> LibTarnDocumentInternal::getMOsMatchingMask(
 
 void LibTarnDocumentInternal::setChangesToMOs(const LibTarnManagedObject& mask,
                                               const LibTarnManagedObject& changes) {
+  changeMatching(mask, [&](LibTarnManagedObject& object) {
+    object.change(mask, changes);
+    return true;
+  });
+}
+
+void LibTarnDocumentInternal::tryChangesToMOs(const LibTarnManagedObject& mask,
+                                              const LibTarnManagedObject& changes,
+                                              std::vector<RefusedChange>& refused) {
+  changeMatching(mask, [&](LibTarnManagedObject& object) {
+    Diagnostic found = object.tryChange(mask, changes);
+    const int code = found.code;
+    if (code != ChangeResult::Done) refused.push_back({&object, std::move(found)});
+    return code != ChangeResult::BrokenRule;
+  });
+}
+
+// Until `change` returns false.
+template <class Change>
+void LibTarnDocumentInternal::changeMatching(const LibTarnManagedObject& mask, Change change) {
   const LibTarnCmData* const cmData = getLibTarnCmData();
   if (!cmData) return;
   // A copy: a change may give an object another place in the index.
@@ -122,7 +145,7 @@ void LibTarnDocumentInternal::setChangesToMOs(const LibTarnManagedObject& mask,
     util::Logger(util::Logger::Level::INFO, TARN_LOG_LOCATION, "setChangesToMOs")
         << "MO with DN: " << object->getDistName()
         << (matches ? " match the mask." : " doesn't match the mask.");
-    if (matches) object->change(mask, changes);
+    if (matches && !change(*object)) return;
   }
 }
 

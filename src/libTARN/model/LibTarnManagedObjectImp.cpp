@@ -10,6 +10,7 @@
 #include "TypedChildren.hpp"
 #include "UndoLog.hpp"
 #include "attributeNames.hpp"
+#include "changedDistName.hpp"
 #include "indexChildren.hpp"
 #include "libtarn/model/IDistinguishedNameValidator.hpp"
 #include "libtarn/model/LibTarnCmDataImp.hpp"
@@ -25,13 +26,6 @@
 namespace libtarn {
 namespace model {
 
-namespace {
-
-// Stands for any distinguished name.
-constexpr const char* ANY_DIST_NAME = "_-_";
-
-}  // namespace
-
 const char* const LibTarnManagedObjectImp::UNIQUE_CONTAINER_ID_ATTR_NAME = NAME_ATTRIBUTE;
 
 // The order gives the ordinals.
@@ -39,8 +33,6 @@ const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::CREATE("c
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::DELETE("delete");
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::UPDATE("update");
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::AUTO("auto");
-
-bool LibTarnManagedObject::hasOperation() const { return getOperation() != Operation::AUTO; }
 
 LibTarnManagedObjectImp::LibTarnManagedObjectImp(
     libDomXml::IMemoryPool* pool, const IDistinguishedNameValidator* distNameValidator,
@@ -309,22 +301,10 @@ void LibTarnManagedObjectImp::stageAttributes(const LibTarnManagedObject& patter
   const char* const version = values.getVersion();
   if (version && !isWildcard(version))
     attributes.version.emplace(*this, VERSION_ATTRIBUTE, version);
-  const char* const replacement = values.getDistName().getText();
-  if (!replacement || isSameText(replacement, ANY_DIST_NAME)) return;
-  const std::string distName = changedDistName(pattern.getDistName().getText(), replacement);
-  if (!distNameValidator_->isValid(distName.c_str())) return;
-  attributes.distName.emplace(*this, DistinguishedName::ATTR_NAME, distName.c_str());
-}
-
-// With `replacement` in place of the first occurrence of `pattern`.
-std::string LibTarnManagedObjectImp::changedDistName(const char* pattern,
-                                                     const char* replacement) const {
-  std::string distName = getAttribute(DistinguishedName::ATTR_NAME, "");
-  const std::size_t position = pattern ? distName.find(pattern) : std::string::npos;
-  if (position != std::string::npos) {
-    distName.replace(position, std::strlen(pattern), replacement);
-  }
-  return distName;
+  const std::optional<std::string> distName =
+      changedDistName(getAttribute(DistinguishedName::ATTR_NAME, ""), pattern, values);
+  if (!distName || !distNameValidator_->isValid(distName->c_str())) return;
+  attributes.distName.emplace(*this, DistinguishedName::ATTR_NAME, distName->c_str());
 }
 
 void LibTarnManagedObjectImp::replaceScalars(const LibTarnManagedObject& values, UndoLog& log) {
