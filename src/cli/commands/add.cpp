@@ -4,9 +4,9 @@
 #include "commonOptions.hpp"
 #include "documents/Outcomes.hpp"
 #include "documents/documentFile.hpp"
-#include "libraryGaps.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/exceptions/ModelException.hpp"
+#include "libtarn/util/TarnFactory.hpp"
 #include "textOrEmpty.hpp"
 
 namespace tarn {
@@ -37,7 +37,7 @@ Status addObjects(const AddRequest& request) {
       continue;
     }
     try {
-      cmData.addLibTarnManagedObject(copyInto(document, *object));
+      cmData.addLibTarnManagedObject(*document.getFactory().createCopy(*object));
       outcomes.addDone(distName, "added");
     } catch (const ModelException& error) {
       outcomes.addFailure(Status::RuleBroken, distName, error.what());

@@ -6,12 +6,12 @@
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
 #include "documents/documentFile.hpp"
-#include "libraryGaps.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/LibTarnExtension.hpp"
 #include "libtarn/model/List.hpp"
 #include "libtarn/model/Scalar.hpp"
 #include "libtarn/model/Structure.hpp"
+#include "libtarn/util/dumpElement.hpp"
 #include "output/outputFile.hpp"
 
 namespace tarn {
@@ -117,6 +117,13 @@ std::optional<std::string> valueOf(const LibTarnManagedObject& object, const std
   return item ? item : extensionParameterOf(object, name);
 }
 
+// Not indented, although it stands in a document.
+std::string textOf(const LibTarnManagedObject& object) {
+  std::string text;
+  libtarn::util::dumpElement(object, text, 0);
+  return text;
+}
+
 Status getValue(const GetRequest& request) {
   const Document document(request.file);
   const LibTarnCmData* const cmData = document.getLibTarnCmData();
@@ -125,7 +132,7 @@ Status getValue(const GetRequest& request) {
   const std::string subject = subjectOf(request.file, request.distName);
   if (!object) throw CommandError(Status::NothingMatched, subject, "no such object");
   if (request.name.empty()) {
-    writeOutput(xmlOf(*object));
+    writeOutput(textOf(*object));
     return Status::Done;
   }
   const std::optional<std::string> value = valueOf(*object, request.name);

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <new>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -7,7 +8,6 @@
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
 #include "documents/documentFile.hpp"
-#include "libraryGaps.hpp"
 #include "libtarn/editor/TarnMerge.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/exceptions/ModelException.hpp"
@@ -51,10 +51,12 @@ std::string summary(const Document& delta) {
          std::to_string(deleted) + " deleted";
 }
 
-// Why the library refused is in its log only.
+// The reason that the library gives is empty when there was no memory for it.
 [[noreturn]] void throwRefusal(const MergeRequest& request, const std::string& deltaPath,
-                               const Document& source, const Document& delta) {
-  const std::string reason = HostLog::takeError();
+                               const Document& source, const Document& delta,
+                               const std::string& reason) {
+  HostLog::takeError();  // which says the same
+  if (reason.empty()) throw std::bad_alloc();
   if (!source.getLibTarnCmData()) {
     throw CommandError(Status::RuleBroken, request.source, reason);
   }
@@ -80,11 +82,14 @@ Applied applyDelta(const MergeRequest& request, const std::string& path, Documen
   refuseSameFile(request.source, path);
   Document delta(path, rulesOf(request));
   try {
-    if (!TarnMerge(source).mergeDocument(delta)) throwRefusal(request, path, source, delta);
+    TarnMerge merge(source);
+    if (!merge.mergeDocument(delta)) {
+      throwRefusal(request, path, source, delta, merge.getDiagnostic().message);
+    }
   } catch (const libtarn::model::exceptions::ModelException& error) {
     throw CommandError(Status::RuleBroken, path, error.what());
   }
-  return {printable(path) + ": " + summary(delta) + "\n", hasAbbreviatedTags(delta)};
+  return {printable(path) + ": " + summary(delta) + "\n", delta.hasAbbreviatedTags()};
 }
 
 void validateMerged(const MergeRequest& request, Document& merged) {

@@ -19,7 +19,7 @@ struct ReportRequest {
 
 Status writeReport(const ReportRequest& request) {
   Destination destination(request.file, request.target);
-  const Document document(request.file);
+  Document document(request.file);
   const ReportPage page = reportPage(request.file, document);
   if (page.violationsLeftOut > 0) {
     tellNote(request.file,

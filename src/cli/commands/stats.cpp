@@ -8,8 +8,9 @@
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
 #include "documents/documentFile.hpp"
-#include "libraryGaps.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
+#include "libtarn/util/countElements.hpp"
 #include "libtarn/util/dumpTarnDocument.hpp"
 #include "output/HostLog.hpp"
 #include "output/json.hpp"
@@ -33,7 +34,7 @@ struct StatsRequest {
 struct Stats {
   std::map<std::string, std::size_t> objectsOfClass;
   std::size_t objects = 0;
-  ElementCounts counts;
+  libtarn::util::ElementCounts counts;
   std::size_t textBytes = 0;  // of the printed form
   std::size_t memoryBytes = 0;
   double loadMilliseconds = 0;
@@ -72,7 +73,7 @@ Stats statsOf(const std::string& path) {
   stats.memoryBytes = document.getMemorySize();
   stats.validationMilliseconds = millisecondsOf([&] { stats.isValid = document.validate() == 0; });
   HostLog::takeError();
-  stats.counts = countElements(document);
+  stats.counts = libtarn::util::countElements(document);
   countObjects(document, stats);
   stats.textBytes = printedSize(document);
   return stats;

@@ -4,27 +4,28 @@
 #include <string_view>
 #include <vector>
 
-#include "libraryGaps.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/LibTarnExtension.hpp"
 #include "libtarn/model/List.hpp"
 #include "libtarn/model/Scalar.hpp"
 #include "libtarn/model/Structure.hpp"
-#include "libtarn/model/validation/Validator.hpp"
 #include "libtarn/model/validation/Violation.hpp"
+#include "libtarn/model/validation/validateObject.hpp"
+#include "output/HostLog.hpp"
 #include "output/json.hpp"
+#include "output/operationText.hpp"
 #include "pageTemplate.hpp"
 #include "textOrEmpty.hpp"
 
 namespace tarn {
 
+using libtarn::model::LibTarnCmData;
 using libtarn::model::LibTarnDocument;
 using libtarn::model::LibTarnExtension;
 using libtarn::model::LibTarnManagedObject;
 using libtarn::model::List;
 using libtarn::model::Scalar;
 using libtarn::model::Structure;
-using libtarn::model::validation::Validator;
 using libtarn::model::validation::Violation;
 
 namespace {
@@ -83,30 +84,32 @@ struct Findings {
 /// Looks for violations, and bounds what all of them take together.
 class ViolationSearch {
  public:
-  explicit ViolationSearch(const LibTarnDocument& document) : document_(document) {}
+  explicit ViolationSearch(LibTarnDocument& document) : document_(document) {}
 
   /// Those of one object. It is validated alone, on the path that it has in the document.
   Findings ofObject(const LibTarnManagedObject& object) {
     std::vector<Violation> violations;
-    Validator validator(&violations, MOST_VIOLATIONS, bytesLeft_);
-    validateObject(object, validator);
-    objectCount_ += validator.getViolationCount();
-    return findings(violations, validator.getViolationCount());
+    std::size_t count = 0;
+    libtarn::model::validation::validateObject(object, &violations, MOST_VIOLATIONS, bytesLeft_,
+                                               &count);
+    objectCount_ += count;
+    return findings(violations, count);
   }
 
   /// Those that are no object's: of the root, of cmData and of its header. Asked for when all
   /// objects have been, since their violations are found again and taken off.
   Findings aroundObjects() {
     std::vector<Violation> violations;
-    Validator validator(&violations, MOST_VIOLATIONS, MOST_VIOLATION_BYTES);
-    validateDocument(document_, validator);
-    const std::string objectPath = pathOfObjects();
+    std::size_t all = 0;
+    document_.validate(&violations, MOST_VIOLATIONS, MOST_VIOLATION_BYTES, &all);
+    HostLog::takeError();  // what the violations say, too
+    const std::string objectPath = std::string(LibTarnDocument::TAG_NAME) + " > " +
+                                   LibTarnCmData::TAG_NAME + " > " + LibTarnManagedObject::TAG_NAME;
     const auto isOfObject = [&objectPath](const Violation& violation) {
       return violation.path.compare(0, objectPath.size(), objectPath) == 0;
     };
     violations.erase(std::remove_if(violations.begin(), violations.end(), isOfObject),
                      violations.end());
-    const std::size_t all = validator.getViolationCount();
     return findings(violations, std::max(violations.size(), all - std::min(all, objectCount_)));
   }
 
@@ -122,7 +125,7 @@ class ViolationSearch {
     return {messagesOf(violations), count - violations.size()};
   }
 
-  const LibTarnDocument& document_;
+  LibTarnDocument& document_;
   std::size_t bytesLeft_ = MOST_VIOLATION_BYTES;
   std::size_t objectCount_ = 0;
   std::size_t leftOut_ = 0;
@@ -159,7 +162,7 @@ std::string scriptText(const Json& json) {
 std::string dataOf(const std::string& path, const LibTarnDocument& document,
                    ViolationSearch& search) {
   std::string data = "{\"file\":" + scriptText(path) + ",\"objects\":[";
-  const libtarn::model::LibTarnCmData* const cmData = document.getLibTarnCmData();
+  const LibTarnCmData* const cmData = document.getLibTarnCmData();
   if (cmData) {
     const char* separator = "\n";
     for (const LibTarnManagedObject* object : cmData->getLibTarnManagedObjects()) {
@@ -174,7 +177,7 @@ std::string dataOf(const std::string& path, const LibTarnDocument& document,
 
 }  // namespace
 
-ReportPage reportPage(const std::string& path, const LibTarnDocument& document) {
+ReportPage reportPage(const std::string& path, LibTarnDocument& document) {
   ViolationSearch search(document);
   ReportPage page{REPORT_PAGE, 0};
   page.text.replace(page.text.find(DATA_MARK), DATA_MARK.size(), dataOf(path, document, search));

@@ -14,6 +14,6 @@ struct ReportPage {
 };
 
 /// The page for the document that was loaded from `path`.
-ReportPage reportPage(const std::string& path, const libtarn::model::LibTarnDocument& document);
+ReportPage reportPage(const std::string& path, libtarn::model::LibTarnDocument& document);
 
 }  // namespace tarn

@@ -38,6 +38,9 @@ struct Violation;
 /// used by different threads.
 class TARN_API LibTarnDocument {
  public:
+  /// The tag of the root.
+  static constexpr const char* TAG_NAME = "tarn";
+
   /// Its memory comes from maps; without any the process ends (assertion "memory").
   LibTarnDocument();
   /// Its memory comes from maps. OutOfMemory::Throw: where there is none, std::bad_alloc comes out
@@ -80,6 +83,10 @@ class TARN_API LibTarnDocument {
                std::size_t limit = std::numeric_limits<std::size_t>::max(),
                std::size_t byteLimit = std::numeric_limits<std::size_t>::max(),
                std::size_t* count = nullptr);
+  /// Whether an element below the root has a tag that is only the beginning of the one that the
+  /// format has for it, such as "li". A copy has the whole tag, in a merge as well, and rules that
+  /// the element did not have to follow. Walks the document; does not recurse on the depth.
+  bool hasAbbreviatedTags() const;
   /// What the last parse() or validate() found; success before the first. Good until the next one.
   const Diagnostic& getDiagnostic() const { return diagnostic_; }
 

@@ -5,6 +5,7 @@
 
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/IElement.hpp"
+#include "libtarn/model/LibTarnDocument.hpp"
 #include "libtarn/model/TarnDomElement.hpp"
 
 namespace libtarn {
@@ -19,7 +20,7 @@ struct RefusedChange;
 /// parse.
 class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement {
  public:
-  static constexpr const char* TAG_NAME = "tarn";
+  static constexpr const char* TAG_NAME = LibTarnDocument::TAG_NAME;
 
   explicit LibTarnDocumentInternal(TarnDomDocument* document);
 

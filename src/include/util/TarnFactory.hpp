@@ -58,6 +58,9 @@ class TARN_API TarnFactory {
   model::LibTarnManagedObject* createLibTarnManagedObject(
       const char* className, const model::DistinguishedName& distName,
       const model::LibTarnManagedObject::Operation& operation, const char* version);
+  /// A deep, detached copy of an object of any document, as LibTarnManagedObject::clone() makes it,
+  /// with its exceptions.
+  model::LibTarnManagedObject* createCopy(const model::LibTarnManagedObject& object);
   /// A null name or value is left out.
   model::Scalar* createScalar(const char* name, const char* value);
   /// An empty list, item or extension; a null name counts as "".

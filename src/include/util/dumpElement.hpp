@@ -15,6 +15,9 @@ namespace util {
 /// the printed document has for it, indented as there, the last line feed included. A detached
 /// element is printed without indentation. The element must be of this library (asserted).
 TARN_API void dumpElement(const model::IElement& element, std::string& out);
+/// As above, wherever the element stands: indented as a document indents elements at `depth`, 0 for
+/// no indentation.
+TARN_API void dumpElement(const model::IElement& element, std::string& out, unsigned int depth);
 
 }  // namespace util
 }  // namespace libtarn

@@ -1,12 +1,24 @@
 #include "libtarn/model/LibTarnDocument.hpp"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <string_view>
 #include <utility>
 
 #include "../util/LogLocation.hpp"
+#include "elementWalk.hpp"
+#include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/LibTarnDocumentInternal.hpp"
+#include "libtarn/model/LibTarnExtension.hpp"
+#include "libtarn/model/LibTarnHeader.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
+#include "libtarn/model/List.hpp"
+#include "libtarn/model/Log.hpp"
 #include "libtarn/model/RefusedChange.hpp"
 #include "libtarn/model/ResultCodes.hpp"
+#include "libtarn/model/Scalar.hpp"
+#include "libtarn/model/Structure.hpp"
 #include "libtarn/model/TarnDomDocument.hpp"
 #include "libtarn/model/exceptions/ModelException.hpp"
 #include "libtarn/model/validation/Validator.hpp"
@@ -29,6 +41,21 @@ constexpr int MODEL_RULE_BROKEN = 2;
 constexpr const char* NO_CM_DATA_MESSAGE = "Document doesn't have cmData node";
 // As a Validator has it.
 constexpr const char* BODY_PATH = "tarn > cmData > ";
+
+// Of the elements below the root.
+constexpr std::string_view TAGS[] = {LibTarnCmData::TAG_NAME,
+                                     LibTarnHeader::TAG_NAME,
+                                     Log::TAG_NAME,
+                                     LibTarnManagedObject::TAG_NAME,
+                                     LibTarnExtension::TAG_NAME,
+                                     List::TAG_NAME,
+                                     Structure::TAG_NAME,
+                                     Scalar::TAG_NAME};
+
+bool hasWholeTag(const rapidxml::xml_node<char>& element) {
+  const std::string_view name(element.name(), element.name_size());
+  return std::find(std::begin(TAGS), std::end(TAGS), name) != std::end(TAGS);
+}
 
 }  // namespace
 
@@ -129,6 +156,12 @@ int LibTarnDocument::validate(std::vector<validation::Violation>* violations, st
   if (found == 0 && ++found <= limit) violations->push_back({diagnostic_.message, BODY_PATH});
   if (count) *count = found;
   return result;
+}
+
+bool LibTarnDocument::hasAbbreviatedTags() const {
+  return !walkElements(*root_, [this](const rapidxml::xml_node<char>& element, std::size_t) {
+    return &element == root_ || hasWholeTag(element);
+  });
 }
 
 void LibTarnDocument::checkRootRules() const {

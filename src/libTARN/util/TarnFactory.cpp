@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "../model/attributeNames.hpp"
+#include "libtarn/Assertion.hpp"
 #include "libtarn/DomFactory.hpp"
 #include "libtarn/model/DistinguishedNameValidator.hpp"
 #include "libtarn/model/LibTarnCmDataImp.hpp"
@@ -77,6 +78,12 @@ LibTarnManagedObject* TarnFactory::createLibTarnManagedObject(
     const char* className, const DistinguishedName& distName,
     const LibTarnManagedObject::Operation& operation, const char* version) {
   return createLibTarnManagedObject(className, distName.getText(), operation, version);
+}
+
+LibTarnManagedObject* TarnFactory::createCopy(const LibTarnManagedObject& object) {
+  auto* const copy = dynamic_cast<LibTarnManagedObject*>(object.clone(*this));
+  TARN_ASSERT(copy, "copy of a managed object");
+  return copy;
 }
 
 Scalar* TarnFactory::createScalar(const char* name, const char* value) {

@@ -492,6 +492,20 @@ TEST_F(ManagedObjectTest, CopyIsIndependentOfItsSource) {
   EXPECT_STREQ(copy->getScalarParameter("x")->getValue(), "1");
 }
 
+TEST_F(ManagedObjectTest, FactoryCopiesAnObjectOfAnyDocument) {
+  LibTarnManagedObjectImp& object = parsed(
+      "<managedObject class='C' distName='A-1' operation='create'><p name='x'>1</p>"
+      "<list name='l'><item><p name='q'/></item></list></managedObject>");
+  LibTarnManagedObject* const copy = factory().createCopy(object);
+  auto& element = dynamic_cast<LibTarnManagedObjectImp&>(*copy);
+  EXPECT_EQ(tarn_test::dump(element), tarn_test::dump(object));
+  EXPECT_EQ(element.getParent(), nullptr);
+  EXPECT_EQ(element.getDomFactory()->getMemoryPool(), &factory().getMemoryPool());
+  EXPECT_TRUE(copy->getOperation() == Operation::CREATE && copy->hasScalarParameter("x"));
+  object.addParameter(*documents_.back()->getFactory().createScalar("y", "2"));
+  EXPECT_FALSE(copy->hasScalarParameter("y"));
+}
+
 TEST_F(ManagedObjectTest, ChildrenAreCopiedIntoADetachedElementOfAnotherPool) {
   LibTarnManagedObjectImp& source = parsed(
       "<managedObject a='b'><list name='l'><item><p name='q'/></item></list></managedObject>");

@@ -67,6 +67,22 @@ TEST_F(DumpElementTest, DetachedElementIsNotIndented) {
   EXPECT_EQ(dumped(removed), "<p name=\"p\">1</p>\n");
 }
 
+TEST_F(DumpElementTest, IndentationIsOfTheDepthThatIsAskedFor) {
+  LibTarnManagedObject& object = *document_.getLibTarnCmData()->getLibTarnManagedObject("A-1");
+  const Scalar& scalar = *object.getScalarParameter("p");
+  const Scalar& detached = *document_.getFactory().createScalar("p", "1");
+  for (const unsigned int depth : {0U, 1U, 5U}) {
+    for (const Scalar* each : {&scalar, &detached}) {
+      std::string out = "replaced";
+      dumpElement(*each, out, depth);
+      EXPECT_EQ(out, std::string(depth, ' ') + "<p name=\"p\">1</p>\n");
+    }
+  }
+  std::string asInDocument;
+  dumpElement(object, asInDocument, 2);
+  EXPECT_EQ(asInDocument, dumped(object));
+}
+
 TEST_F(DumpElementTest, ElementOfAnotherImplementationIsAnAssertion) {
   class Foreign : public IElement {
     IElement* getNextSiblingElement() const override { return nullptr; }
