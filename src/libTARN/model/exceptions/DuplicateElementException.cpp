@@ -1,5 +1,7 @@
 #include "libtarn/model/exceptions/DuplicateElementException.hpp"
 
+#include <string_view>
+
 #include "../../util/joined.hpp"
 #include "libtarn/model/DistinguishedName.hpp"
 
@@ -10,7 +12,7 @@ namespace exceptions {
 namespace {
 
 const char* textOf(const DistinguishedName& key) { return key.getText(); }
-const std::string& textOf(const std::string& key) { return key; }
+std::string_view textOf(const std::string& key) { return key; }
 const char* textOf(const char* key) { return key; }
 
 }  // namespace

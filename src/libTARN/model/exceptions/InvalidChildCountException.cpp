@@ -1,5 +1,7 @@
 #include "libtarn/model/exceptions/InvalidChildCountException.hpp"
 
+#include <string_view>
+
 #include "../../util/joined.hpp"
 
 namespace libtarn {
@@ -17,9 +19,9 @@ InvalidChildCountException InvalidChildCountException::instance(const char* chil
                                                                 std::size_t count) {
   const std::string expected =
       min == max ? util::joined(min) : util::joined("[", min, ", ", max, "]");
-  return InvalidChildCountException(util::joined("The '", element, "' element has ", count,
-                                                 " child '", childTag,
-                                                 "' elements.  Expected: ", expected));
+  return InvalidChildCountException(
+      util::joined("The '", element, "' element has ", count, " child '", childTag,
+                   "' elements.  Expected: ", std::string_view(expected)));
 }
 
 }  // namespace exceptions

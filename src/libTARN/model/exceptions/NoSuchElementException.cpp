@@ -1,5 +1,7 @@
 #include "libtarn/model/exceptions/NoSuchElementException.hpp"
 
+#include <string_view>
+
 #include "../../util/joined.hpp"
 
 namespace libtarn {
@@ -15,7 +17,8 @@ template <class T>
 NoSuchElementException NoSuchElementException::instance(const char* childTag,
                                                         const char* keyAttribute, const T& key) {
   return NoSuchElementException(util::joined("Child '", childTag, "' element identified by '",
-                                             keyAttribute, "=", key, "' not found"));
+                                             keyAttribute, "=", std::string_view(key),
+                                             "' not found"));
 }
 
 template NoSuchElementException NoSuchElementException::instance(const char* childTag,
