@@ -1,3 +1,4 @@
+// Included by other headers; not for hosts.
 #pragma once
 
 namespace libDomXml {

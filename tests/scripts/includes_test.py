@@ -79,6 +79,20 @@ class IncludesTest(unittest.TestCase):
         (self.root / "src" / "new.cpp").write_text("", encoding="utf-8")
         self.assertEqual(self.found(), ["src/new.cpp: is in no room"])
 
+    def test_a_mark_where_hosts_include_by_name_is_found(self):
+        for path in ["src/include/model/Log.hpp", "DomXML/Include/OutOfMemory.hpp"]:
+            file = self.root / path
+            text = file.read_text(encoding="utf-8")
+            file.write_text(f"// Included by other headers; not for hosts.\n{text}", encoding="utf-8")
+            self.assertEqual(self.found(), [f"{path}: is marked as not for hosts"])
+            file.write_text(text, encoding="utf-8")
+
+    def test_a_node_class_without_a_mark_is_found(self):
+        path = "src/include/model/ScalarImp.hpp"
+        file = self.root / path
+        file.write_text(file.read_text(encoding="utf-8").partition("\n")[2], encoding="utf-8")
+        self.assertEqual(self.found(), [f"{path}: a node class, is to say so at its first line"])
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

@@ -4,6 +4,7 @@
 
 #include "CommandError.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
+#include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/util/dumpTarnDocument.hpp"
 #include "output/HostLog.hpp"
 #include "output/outputFile.hpp"
@@ -12,6 +13,7 @@ namespace tarn {
 
 using libtarn::model::Diagnostic;
 using libtarn::model::LibTarnCmData;
+using libtarn::model::ParseResult;
 
 Document::Document(const std::string& path, Rules rules) : Document() {
   loadDocument(path, *this, rules);
@@ -29,7 +31,7 @@ void loadDocument(TextFile& file, Document& document, Rules rules) {
 
 void throwRefused(TextFile& file, const Diagnostic& diagnostic) {
   HostLog::takeError();  // what the diagnostic says, too
-  if (diagnostic.code == 1) {
+  if (diagnostic.code == ParseResult::Malformed) {
     throw CommandError(Status::Malformed, file.path(), file.locate(diagnostic.offset),
                        diagnostic.message);
   }

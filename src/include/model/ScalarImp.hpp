@@ -1,3 +1,4 @@
+// A node class; hosts include it only to derive from it or to cast to it.
 #pragma once
 
 #include <string>

@@ -33,11 +33,6 @@ namespace model {
 
 namespace {
 
-// Results of a parse or a validation.
-constexpr int DONE = 0;
-constexpr int MALFORMED = 1;
-constexpr int MODEL_RULE_BROKEN = 2;
-
 constexpr const char* NO_CM_DATA_MESSAGE = "Document doesn't have cmData node";
 // As a Validator has it.
 constexpr const char* BODY_PATH = "tarn > cmData > ";
@@ -94,16 +89,16 @@ int LibTarnDocument::parseImpl(std::vector<char> text, bool validate) {
   } catch (const rapidxml::parse_error& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "parseImpl")
         << "Parsing failed: " << error.what();
-    return fail(MALFORMED, error.what(), domDocument_->getTextOffset(error));
+    return fail(ParseResult::Malformed, error.what(), domDocument_->getTextOffset(error));
   } catch (const exceptions::ModelException& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "parseImpl")
         << "Validation failed: " << error.what();
-    return fail(MODEL_RULE_BROKEN, error.what(), 0);
+    return fail(ParseResult::BrokenRule, error.what(), 0);
   }
   util::Logger(util::Logger::Level::INFO, TARN_LOG_LOCATION, "parseImpl")
       << "LibTarnDocument parsing done. Document parsing, building indexers"
       << (validate ? ", validation successful" : "");
-  return DONE;
+  return ParseResult::Done;
 }
 
 Diagnostic LibTarnDocument::validateText(std::vector<char> (*read)(void* reader), void* reader) {
@@ -136,10 +131,10 @@ int LibTarnDocument::validate() {
   } catch (const exceptions::ModelException& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "validate")
         << "Validation failed: " << error.what();
-    return fail(MODEL_RULE_BROKEN, error.what(), 0);
+    return fail(ParseResult::BrokenRule, error.what(), 0);
   }
   util::Logger(util::Logger::Level::INFO, TARN_LOG_LOCATION, "validate") << "Validation successful";
-  return DONE;
+  return ParseResult::Done;
 }
 
 int LibTarnDocument::validate(std::vector<validation::Violation>* violations, std::size_t limit,
@@ -148,7 +143,7 @@ int LibTarnDocument::validate(std::vector<validation::Violation>* violations, st
   violations->clear();
   if (count) *count = 0;
   const int result = validate();
-  if (result == DONE) return result;
+  if (result == ParseResult::Done) return result;
   validation::Validator validator(violations, limit, byteLimit);
   root_->accept(validator);
   std::size_t found = validator.getViolationCount();
