@@ -34,7 +34,7 @@ void change(Document& document, const ObjectPattern& mask, const ObjectPattern& 
   } catch (const ModelException& error) {
     throw CommandError(Status::RuleBroken, path, error.what());
   }
-  // The library says in its log only that an object could not keep its place among the names.
+  // Only the log says that an object lost its entry in the index because its new name was taken.
   if (!HostLog::takeError().empty()) {
     throw CommandError(Status::Conflict, path, "two objects would have one name");
   }
