@@ -115,14 +115,15 @@ int DomDocument::rapidParse(char* text) {
   return 0;
 }
 
-// What a host's own rapidParse() makes of the next text is not known: it may detach nothing.
+// The document cannot rely on a host's rapidParse() to detach the earlier tree.
 void DomDocument::leaveText() {
   moveDeclarationIntoPool();
   remove_all_nodes();
   remove_all_attributes();
 }
 
-// Once for each text that brings one: parse after parse would take as much memory again.
+// Only once for each text that brings a declaration: otherwise each parse would take that memory
+// again.
 void DomDocument::moveDeclarationIntoPool() {
   if (!declarationIsInText_) return;
   declaration_->moveTextsIntoPool();
@@ -164,7 +165,8 @@ void* DomDocument::allocateMemory(unsigned int size) { return allocate_aligned(s
 
 void DomDocument::deallocateMemory(void* /*memory*/) {}
 
-// The parser asks without texts, so often that it gets what the factory would make straight away.
+// The parser passes no texts. It calls these so often that they build the object without the
+// factory.
 
 DomElement* DomDocument::allocate_node(rapidxml::node_type type, const char* name,
                                        const char* value, std::size_t nameSize,
@@ -193,7 +195,7 @@ IDomElement* DomDocument::clone() const {
 
 IDomElement* DomDocument::clone(IMemoryPool* /*pool*/) const { return clone(); }
 
-// A document is no element with a name, a value or attributes.
+// A document has no name, value or attributes.
 
 const char* DomDocument::getTagName() const { return nullptr; }
 void DomDocument::setTagName(const char* /*name*/) {}
