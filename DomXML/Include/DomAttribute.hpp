@@ -18,8 +18,8 @@ class TARN_API DomAttribute : public rapidxml::xml_attribute<char> {
 
   /// Does nothing: the pool frees its objects together.
   static void operator delete(void* /*memory*/) {}
-  /// Placement new: constructs the attribute at `place`.
-  static void* operator new(std::size_t /*size*/, void* place) { return place; }
+  /// Placement new: constructs the attribute at `address`.
+  static void* operator new(std::size_t /*size*/, void* address) { return address; }
 
   /// The name, or "" when unset.
   const char* getTagName() const { return name(); }

@@ -23,8 +23,8 @@ class TARN_API DomElement : public IDomElement, public rapidxml::xml_node<char> 
 
   /// Does nothing: the pool frees its objects together.
   static void operator delete(void* /*memory*/) {}
-  /// Placement new: constructs the element at `place`.
-  static void* operator new(std::size_t /*size*/, void* place) { return place; }
+  /// Placement new: constructs the element at `address`.
+  static void* operator new(std::size_t /*size*/, void* address) { return address; }
 
   /// Returns a deep, detached copy in the same pool, which keeps the node kind. A child whose class
   /// overrides this function is asked for its copy; every other one is copied as a DomElement. Does

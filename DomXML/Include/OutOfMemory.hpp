@@ -6,7 +6,7 @@ namespace libDomXml {
 /// memory.
 enum class OutOfMemory {
   Assert,  ///< The process ends with the assertion "memory".
-  Throw  ///< ///< The operation throws std::bad_alloc; the document can still be used or destroyed.
+  Throw    ///< The operation throws std::bad_alloc; the document can still be used or destroyed.
 };
 
 }  // namespace libDomXml

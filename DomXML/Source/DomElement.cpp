@@ -35,8 +35,8 @@ DomElement* copyWithoutChildren(const DomElement& source, IMemoryPool* pool,
 // Returns true if the class of `element` overrides the function.
 bool overrides(const DomElement& element, VirtualFunction function) {
   if (typeid(element) == typeid(DomElement)) return false;
-  const DomElement plain(nullptr);
-  return !runSameCode(element, plain, function);
+  const DomElement base(nullptr);
+  return !runSameCode(element, base, function);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace libDomXml {
 
 namespace {
 
-constexpr std::size_t WORD = sizeof(void*);  // // alignment of blocks
+constexpr std::size_t WORD = sizeof(void*);  // alignment of blocks
 
 // The word before a block points to its region.
 MappedRegion*& regionOf(void* block) { return static_cast<MappedRegion**>(block)[-1]; }

@@ -140,9 +140,9 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
   /// Forgets everything allocated since the object at `first`, itself included. Its memory is given
   /// out again, as far as it lies in the current block.
   void forget_from(void* first) {
-    const auto place = reinterpret_cast<std::uintptr_t>(first);
-    const bool in_block = place >= reinterpret_cast<std::uintptr_t>(m_begin) &&
-                          place < reinterpret_cast<std::uintptr_t>(m_end);
+    const auto address = reinterpret_cast<std::uintptr_t>(first);
+    const bool in_block = address >= reinterpret_cast<std::uintptr_t>(m_begin) &&
+                          address < reinterpret_cast<std::uintptr_t>(m_end);
     m_ptr = in_block ? static_cast<char*>(first) : align(align(m_begin) + sizeof(char*));
   }
 
@@ -194,9 +194,9 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
     if (value) record.value(value, value_size ? value_size : internal::measure(value));
   }
 
-  char* m_begin;  // // raw start of the current block
-  char* m_ptr;  // // its first free byte
-  char* m_end;  // // one past its last byte
+  char* m_begin;  // raw start of the current block
+  char* m_ptr;    // its first free byte
+  char* m_end;    // one past its last byte
   char m_static_memory[static_pool_size];
   alloc_func* m_alloc_func = nullptr;
   free_func* m_free_func = nullptr;

@@ -128,7 +128,7 @@ template <class Ch>
 class TARN_API xml_attribute : public xml_base<Ch> {
  public:
   // The links are set when the attribute is linked, and read only while it is.
-  xml_attribute() {}  // // NOLINT(modernize-use-equals-default): would clear the links
+  xml_attribute() {}  // NOLINT(modernize-use-equals-default): would clear the links
 
   /// Returns the next attribute of the same node, or null; by name when one is given.
   xml_attribute* next_attribute(const Ch* name = nullptr, std::size_t name_size = 0,

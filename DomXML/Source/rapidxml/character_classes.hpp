@@ -56,7 +56,7 @@ struct double_quoted {
 };
 
 /// Characters that are printed as they are.
-struct plain {
+struct verbatim {
   [[gnu::visibility("hidden")]] static constexpr character_table table = [] {
     character_table all = all_but("&<>'\"");
     all[0] = true;
@@ -82,7 +82,7 @@ constexpr bool contains(char c) {
 }
 
 struct named_reference {
-  const char* name;  // // without the "&"
+  const char* name;  // without the "&"
   std::size_t size;
   char character;
 };

@@ -32,7 +32,7 @@ struct parse_events {
     return nullptr;
   }
   /// Called when a reference to NUL has been expanded.
-  void zero_byte() {}
+  void nul_expanded() {}
   /// Called when an element within another has been read and linked. The outer one is still open.
   template <class Node>
   void element_complete(Node* /*element*/) {}
@@ -320,7 +320,7 @@ class parser {
       throw parse_error("invalid numeric character entity", end);
     }
     if (*end != Ch(';')) throw parse_error("expected ;", end);
-    if (code == 0) m_events.zero_byte();
+    if (code == 0) m_events.nul_expanded();
     read = end + 1;
     return write_utf8(code, write);
   }

@@ -102,13 +102,13 @@ typename Block::mask special_in(const Block& block) {
 }
 
 /// Returns the first character from `begin` on that is printed as a reference, or `end`.
-inline const char* end_of_plain(const char* begin, const char* end) {
+inline const char* end_of_verbatim(const char* begin, const char* end) {
   while (end - begin >= static_cast<std::ptrdiff_t>(wide_block::size)) {
     const wide_block::mask special = special_in(wide_block(begin));
     if (wide_block::any(special)) return begin + wide_block::first(special);
     begin += wide_block::size;
   }
-  while (begin != end && contains<plain>(*begin)) ++begin;
+  while (begin != end && contains<verbatim>(*begin)) ++begin;
   return begin;
 }
 
@@ -158,9 +158,9 @@ inline char* copy_name(char* to, const char* from, std::size_t size) {
   return to + size;
 }
 
-/// Like copy_plain(), for a text of one to two words.
+/// Like copy_verbatim(), for a text of one to two words.
 template <class Word>
-char* copy_plain_ends(char* to, const char* from, std::size_t size) {
+char* copy_verbatim_ends(char* to, const char* from, std::size_t size) {
   const auto first = load_word<Word>(from);
   const auto last = load_word<Word>(from + size - sizeof(Word));
   if (wide_block::any(special_in(wide_block(first, last)))) return nullptr;
@@ -171,7 +171,7 @@ char* copy_plain_ends(char* to, const char* from, std::size_t size) {
 
 /// Copies a text without characters that are printed as references, and returns the end of the
 /// copy. Returns null for any other text, of which it may have copied a part.
-inline char* copy_plain(char* to, const char* from, std::size_t size) {
+inline char* copy_verbatim(char* to, const char* from, std::size_t size) {
   std::size_t copied = 0;
   for (; size - copied >= wide_block::size; copied += wide_block::size) {
     const wide_block block(from + copied);
@@ -185,11 +185,11 @@ inline char* copy_plain(char* to, const char* from, std::size_t size) {
     return to + size;
   }
   if constexpr (wide_block::size >= 2 * sizeof(std::uint64_t)) {
-    if (size >= sizeof(std::uint64_t)) return copy_plain_ends<std::uint64_t>(to, from, size);
-    if (size >= sizeof(std::uint32_t)) return copy_plain_ends<std::uint32_t>(to, from, size);
+    if (size >= sizeof(std::uint64_t)) return copy_verbatim_ends<std::uint64_t>(to, from, size);
+    if (size >= sizeof(std::uint32_t)) return copy_verbatim_ends<std::uint32_t>(to, from, size);
   }
   for (std::size_t i = 0; i < size; ++i) {
-    if (!contains<plain>(from[i])) return nullptr;
+    if (!contains<verbatim>(from[i])) return nullptr;
     to[i] = from[i];
   }
   return to + size;
@@ -235,7 +235,7 @@ class printer {
 
   void expanded(const char* begin, const char* end, char noexpand) {
     for (;;) {
-      const char* const special = end_of_plain(begin, end);
+      const char* const special = end_of_verbatim(begin, end);
       put(begin, special);
       if (special == end) return;
       const char* const reference = *special == noexpand ? nullptr : reference_for(*special);
@@ -308,9 +308,9 @@ class printer {
 
   // The next elements usually follow at higher addresses, in the pool as in the text.
   static void prefetch_behind(const node* element) {
-    const char* const place = reinterpret_cast<const char*>(element);
-    __builtin_prefetch(place + 768);
-    __builtin_prefetch(place + 832);
+    const char* const address = reinterpret_cast<const char*>(element);
+    __builtin_prefetch(address + 768);
+    __builtin_prefetch(address + 832);
     __builtin_prefetch(element->name() + 512);
   }
 
@@ -337,13 +337,13 @@ class printer {
       out = copy_name(out, attribute->name(), attribute->name_size());
       *out++ = '=';
       *out++ = '"';
-      out = copy_plain(out, attribute->value(), attribute->value_size());
+      out = copy_verbatim(out, attribute->value(), attribute->value_size());
       if (!out) return false;
       *out++ = '"';
     }
     *out++ = '>';
     if (value_owner) {
-      out = copy_plain(out, value_owner->value(), value_owner->value_size());
+      out = copy_verbatim(out, value_owner->value(), value_owner->value_size());
       if (!out) return false;
       *out++ = '<';
       *out++ = '/';

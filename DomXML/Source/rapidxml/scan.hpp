@@ -239,8 +239,8 @@ class basic_scanner {
     return true;
   }
 
-  const char* m_measured;  // // no byte of the text before this is NUL
-  const char* m_last_block;  // // the last position where a block of such bytes begins
+  const char* m_measured;    // no byte of the text before this is NUL
+  const char* m_last_block;  // the last position where a block of such bytes begins
   bool m_complete = false;
 };
 

@@ -210,7 +210,7 @@ indexation::ManagedObjectEntry LibTarnCmDataImp::findUnindexed(const char* distN
                                                                Predicate isIt) const {
   indexation::ManagedObjectEntry key{distName, nullptr, 0};
   while (unindexed_) {
-    const indexation::ManagedObjectEntry* const entry = unindexed_->place(key).entry;
+    const indexation::ManagedObjectEntry* const entry = unindexed_->lowerBound(key).entry;
     if (!entry || std::strcmp(entry->key, distName) != 0) break;
     if (isIt(implementation<LibTarnManagedObjectImp>(*entry->object))) return *entry;
     key.serial = entry->serial + 1;

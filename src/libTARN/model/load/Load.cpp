@@ -175,7 +175,7 @@ void Load::complete(LibTarnManagedObjectImp& object, Body& body) {
   const std::string_view key = keyOf(attributes.distName);
   objects_.push_back({key.data(), &object, indexation::textHash(key.data(), key.size())});
   ++body.end;
-  body.isIndexed = !hasZeroByte_ && index(object, attributes);
+  body.isIndexed = !hasNul_ && index(object, attributes);
   require(body.isIndexed);
   if (isValid_) check(object, attributes);
   if (mode_ == Mode::ONLY_CHECK) drop(object, body);
@@ -287,7 +287,7 @@ void Load::finish(Body& body) {
 
 // Brings into effect what has been filled. False when the body is to be indexed in document order.
 bool Load::adopt(Body& body) {
-  if (!indexes_ || !body.isIndexed || hasZeroByte_) return false;
+  if (!indexes_ || !body.isIndexed || hasNul_) return false;
   if (body.begin == body.end) return !body.cmData->getFirstChild(LibTarnManagedObject::TAG_NAME);
   return Internals::objectIndex(*body.cmData).fill(&objects_[body.begin], body.end - body.begin);
 }

@@ -77,7 +77,7 @@ class Load : public rapidxml::parse_events {
   /// Names come one behind the other: the end of an earlier one, when a host's hook did not ask the
   /// document for the node, is not behind this one.
   char* end_of_counted_name(const char* name) const { return nameEnd_ > name ? nameEnd_ : nullptr; }
-  void zero_byte() { hasZeroByte_ = true; }
+  void nul_expanded() { hasNul_ = true; }
   void element_complete(rapidxml::xml_node<char>* element);
 
  private:
@@ -117,7 +117,7 @@ class Load : public rapidxml::parse_events {
   bool indexes_;  // on the way
   bool isValid_;  // all that has been read, as far as known
   bool isParsed_ = false;
-  bool hasZeroByte_ = false;
+  bool hasNul_ = false;
   bool isTopLevel_ = false;   // from a "<" outside of every element to the node behind it
   char* nameEnd_ = nullptr;   // of the last element that the document has made
   std::vector<Body> bodies_;  // that have headers or objects, in document order
