@@ -25,7 +25,7 @@ class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement 
   using TarnDomElement::clone;
   /// Always throws ModelException.
   libDomXml::IDomElement* clone(libDomXml::IMemoryPool* pool) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   TarnDomElement* clone(util::TarnFactory& factory) const override;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -36,15 +36,17 @@ class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement 
   /// Does nothing: the root stays.
   void removeThisElement() override;
 
-  /// As the operations of LibTarnDocument, but errors are thrown: rapidxml::parse_error and
+  /// Parses a copy of `text`, like LibTarnDocument::parse(), but throws rapidxml::parse_error and
   /// ModelException.
   void parse(const char* text);
+  /// Parses `text`, like LibTarnDocument::parse(), but throws rapidxml::parse_error and
+  /// ModelException.
   void parse(std::vector<char>& text);
   void rebuildIndexersAndInitializeEnums();
-  /// Throws DuplicateElementException when two managed objects have one name.
+  /// Throws DuplicateElementException when two managed objects have the same name.
   void checkNames();
 
-  /// The owning document.
+  /// Returns the owning document.
   TarnDomDocument* getItsTarnDomDocument() const { return document_; }
   const char* getVersion() const;
   const char* getXmlns() const;

@@ -32,7 +32,7 @@ class TARN_API StructureImp : public TarnDomElement, public Structure {
   using TarnDomElement::clone;
   StructureImp* clone() const override;
   StructureImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   StructureImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -47,8 +47,8 @@ class TARN_API StructureImp : public TarnDomElement, public Structure {
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
-  /// Takes the `p` children into the component index. Throws DuplicateElementException for the
-  /// second of one name; those before it stay indexed.
+  /// Adds the `p` children to the component index. Throws DuplicateElementException for the second
+  /// of one name; those before it stay indexed.
   void rebuildIndexers();
 
  protected:

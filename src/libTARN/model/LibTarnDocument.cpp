@@ -24,7 +24,7 @@ constexpr int DONE = 0;
 constexpr int MALFORMED = 1;
 constexpr int MODEL_RULE_BROKEN = 2;
 
-// As a Validator has it.
+// The path that a Validator would report.
 constexpr const char* BODY_PATH = "tarn > cmData > ";
 
 }  // namespace
@@ -83,7 +83,7 @@ Diagnostic LibTarnDocument::validateText(std::vector<char> (*read)(void* reader)
   return document.getDiagnostic();
 }
 
-// Nothing is left of the objects, so that this takes little more memory than the text.
+// Drops every object after validation, so it takes little more memory than the text.
 bool LibTarnDocument::isKnownToBeValid(std::vector<char> text) {
   LibTarnDocument document(OutOfMemory::Throw);
   try {
@@ -122,7 +122,7 @@ int LibTarnDocument::validate(std::vector<validation::Violation>* violations, st
   validation::Validator validator(violations, limit, byteLimit);
   root_->accept(validator);
   std::size_t found = validator.getViolationCount();
-  // Names that two objects have are no rule of the walk.
+  // Unique names are not one of the rules of the walk.
   if (found == 0 && ++found <= limit) violations->push_back({diagnostic_.message, BODY_PATH});
   if (count) *count = found;
   return result;
@@ -134,7 +134,7 @@ void LibTarnDocument::checkRootRules() const {
   root_->dispatchToSelf(validator);
 }
 
-// Walks twice only for a document that is broken, or has parts of the host's.
+// Walks twice only when a document is not valid, or has objects of host classes.
 void LibTarnDocument::checkRules() const {
   if (validation::keepsRules(*root_)) return;
   validation::Validator validator;

@@ -19,7 +19,7 @@ namespace model {
 
 namespace {
 
-// Where an item without a parent is, in messages.
+// Where an item without a parent is, for messages.
 constexpr const char* NO_PLACE = "(list: )";
 
 }  // namespace
@@ -120,14 +120,14 @@ void StructureImp::rebuildIndexers() {
   if (const ScalarImp* const second = indexComponents()) throwDuplicate(placeText(), *second);
 }
 
-// The second component of a name, or null.
+// Returns the second component of a name, or null.
 const ScalarImp* StructureImp::indexComponents() {
   auto* child = firstTypedChild<ScalarImp>(*this);
   while (child && indexOnce<Scalar>(*componentIndex_, *child)) child = nextTypedSibling(*child);
   return child;
 }
 
-// An item need not be in a list of a managed object: what is missing counts as "".
+// An item need not be in a list of a managed object: a missing part counts as "".
 std::string StructureImp::placeText() const {
   const auto* const list = dynamic_cast<const ListImp*>(getParent());
   const auto* const object =
