@@ -37,8 +37,8 @@ class TARN_API DomFactory {
   DomAttribute* allocateAttribute(const char* name, const char* value, std::size_t nameSize,
                                   std::size_t valueSize);
 
-  /// Gives `target`, which lives in this pool, NUL-terminated copies of the texts of `source`. A
-  /// text that holds a NUL is copied up to it. Unset texts become "".
+  /// Copies the texts of `source`, NUL-terminated, and sets them as those of `target`, which lives
+  /// in this pool. A text that holds a NUL is copied up to it. Unset texts become "".
   void copyTexts(const rapidxml::xml_base<char>& source, rapidxml::xml_base<char>& target);
 
   /// Returns the pool.

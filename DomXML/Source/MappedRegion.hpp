@@ -26,7 +26,7 @@ class MappedRegion {
   /// Returns a block of `size` bytes, aligned to the size of a pointer, for a pool whose newest
   /// block is `newest` (null: it has none). Returns null when there is no memory.
   static void* allocate(std::size_t size, void* newest);
-  /// Gives back a block of allocate(), and the map with its last one.
+  /// Returns a block to its map, and the map to the system after its last block.
   static void release(void* block);
 
  private:

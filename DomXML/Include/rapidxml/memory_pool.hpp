@@ -66,6 +66,7 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
   /// may cost to align the link and the first record.
   static constexpr std::size_t block_overhead = sizeof(char*) + 2 * alignment - 2;
 
+  /// An empty pool, whose first block is part of the object.
   memory_pool() : m_begin(m_static_memory), m_ptr(align(m_static_memory)), m_end(static_end()) {}
   memory_pool(const memory_pool&) = delete;
   memory_pool& operator=(const memory_pool&) = delete;

@@ -65,6 +65,7 @@ bool same_name(const Ch* name, std::size_t size, const Ch* other, std::size_t ot
 template <class Ch>
 class TARN_API xml_base {
  public:
+  /// A record without texts, detached.
   xml_base() = default;
 
   /// Returns the name, or a shared empty text when there is none. NUL-terminated after a complete

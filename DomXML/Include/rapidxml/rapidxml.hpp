@@ -3,9 +3,9 @@
 // The XML core: node records, the memory pool that holds them, and the parser.
 //
 // A parsed document is a tree of records whose names and values point into the text. The parser
-// changes the text in place: it writes a NUL behind every name and value, and expands references
-// where they stand (the result is never longer than the reference). Nothing is copied and nothing
-// is freed one by one; the pool is released as a whole.
+// changes the text in place: it writes a NUL after every name and value, and overwrites references
+// with what they stand for, which is never longer. Nothing is copied and nothing is freed one by
+// one; the pool is released as a whole.
 //
 // The parser allocates every node and attribute through IXMLFactory, so that a document derived
 // from xml_document can return larger objects that embed a record.
@@ -52,6 +52,7 @@ constexpr int parse_declaration_node = 32;
 template <class Ch>
 class TARN_API xml_document : public xml_node<Ch>, public memory_pool<Ch> {
  public:
+  /// An empty document.
   xml_document() : xml_node<Ch>(node_document) {}
 
   /// Parses the NUL-terminated `text` in place and moves `text` along. Detaches what the document

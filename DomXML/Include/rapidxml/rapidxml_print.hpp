@@ -41,6 +41,7 @@ class iterator_receiver final : public text_receiver {
   void receive(const char* begin, const char* end) override {
     while (begin != end) *m_out++ = *begin++;
   }
+  /// Returns the advanced iterator.
   OutIt position() const { return m_out; }
 
  private:
@@ -49,7 +50,7 @@ class iterator_receiver final : public text_receiver {
 
 }  // namespace internal
 
-/// Prints `node` and everything below it, with a line feed behind each node unless `flags` has
+/// Prints `node` and everything below it, with a line feed after each node unless `flags` has
 /// print_no_indenting. `indent` is the depth of the node, from 0. Returns the advanced iterator.
 template <class OutIt>
 OutIt print_node(OutIt out, const xml_node<char>* node, int flags, int indent) {
@@ -61,7 +62,7 @@ OutIt print_node(OutIt out, const xml_node<char>* node, int flags, int indent) {
 /// Like the other overload; appends to `out`.
 TARN_API void print_node(std::string& out, const xml_node<char>* node, int flags, int indent);
 
-/// Prints an element (asserted) and everything below it, without a line feed behind its end tag.
+/// Prints an element (asserted) and everything below it, without a line feed after its end tag.
 /// Returns the advanced iterator.
 template <class OutIt>
 OutIt print_element_node(OutIt out, const xml_node<char>* node, int flags, int indent) {

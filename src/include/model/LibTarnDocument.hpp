@@ -85,7 +85,7 @@ class TARN_API LibTarnDocument {
   /// the next one.
   const Diagnostic& getDiagnostic() const { return diagnostic_; }
 
-  /// Returns the DOM document behind this one, which owns it.
+  /// Returns the DOM document, which this document owns.
   TarnDomDocument* getItsTarnDomDocument() const;
   /// Returns the bytes that the document occupies: its pool and the texts that it has taken over.
   std::size_t getMemorySize() const;
@@ -115,8 +115,8 @@ class TARN_API LibTarnDocument {
   int parseImpl(std::vector<char> text, bool validate);
   static bool isKnownToBeValid(std::vector<char> text);
   static Diagnostic validateText(std::vector<char> (*read)(void* reader), void* reader);
-  void checkRules() const;
-  void checkRootRules() const;
+  void validateTree() const;
+  void validateRoot() const;
   int fail(int code, const std::string& message, std::size_t offset);
 
   std::unique_ptr<TarnDomDocument> domDocument_;

@@ -18,8 +18,10 @@ class TarnDomDocument;
 /// parse.
 class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement {
  public:
+  /// The tag.
   static constexpr const char* TAG_NAME = "tarn";
 
+  /// The empty root of `document`.
   explicit LibTarnDocumentInternal(TarnDomDocument* document);
 
   using TarnDomElement::clone;
@@ -39,20 +41,27 @@ class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement 
   /// Parses a copy of `text`, like LibTarnDocument::parse(), but throws rapidxml::parse_error and
   /// ModelException.
   void parse(const char* text);
-  /// Parses `text`, like LibTarnDocument::parse(), but throws rapidxml::parse_error and
-  /// ModelException.
+  /// Takes over `text` and parses it in place, like LibTarnDocument::parse(), but throws
+  /// rapidxml::parse_error and ModelException.
   void parse(std::vector<char>& text);
+  /// Reads the types and operations, and fills all indexes. Throws ModelException.
   void rebuildIndexersAndInitializeEnums();
   /// Throws DuplicateElementException when two managed objects have the same name.
   void checkNames();
 
   /// Returns the owning document.
   TarnDomDocument* getItsTarnDomDocument() const { return document_; }
+  /// See LibTarnDocument::getVersion().
   const char* getVersion() const;
+  /// See LibTarnDocument::getXmlns().
   const char* getXmlns() const;
+  /// See LibTarnDocument::getLibTarnCmData().
   LibTarnCmData* getLibTarnCmData() const;
+  /// See LibTarnDocument::addLibTarnCmData().
   void addLibTarnCmData(LibTarnCmData& cmData);
+  /// See LibTarnDocument::getMOsMatchingMask().
   std::list<LibTarnManagedObject*> getMOsMatchingMask(const LibTarnManagedObject& mask) const;
+  /// See LibTarnDocument::setChangesToMOs().
   void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
 
  private:

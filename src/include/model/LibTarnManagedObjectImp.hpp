@@ -77,6 +77,7 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
+  /// Returns the validator that setDistName() asks.
   const IDistinguishedNameValidator* getDistNameValidator() const { return distNameValidator_; }
 
   /// Reads the operation and adds `p` and `list` children to the indexes. Throws
@@ -94,6 +95,7 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
   const std::optional<util::Enum<Operation>>& getKeptOperation() const {
     return operation_.getKept();
   }
+  /// Keeps `operation` and leaves the attribute as it is.
   void setKeptOperation(const std::optional<util::Enum<Operation>>& operation) {
     operation_.setKept(operation);
   }

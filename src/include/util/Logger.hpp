@@ -50,8 +50,8 @@ class TARN_API Logger {
     return *this;
   }
   /// Adds a text to the message.
-  /// Adds a text to the message.
   Logger& operator<<(const char* text);
+  /// Adds a text to the message.
   Logger& operator<<(const std::string& text);
 
   /// The log callback. The host defines it; the library calls it synchronously, once for each line.

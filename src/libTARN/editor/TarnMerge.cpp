@@ -162,8 +162,8 @@ class Changes {
 
   /// Like apply(). For "auto", first writes the explicit operation into the delta, and so into the
   /// copy.
-  void applyAndTell(LibTarnManagedObject* source, LibTarnManagedObject& delta,
-                    const DistinguishedName& distName) {
+  void applyResolvingAuto(LibTarnManagedObject* source, LibTarnManagedObject& delta,
+                          const DistinguishedName& distName) {
     Operation operation = delta.getOperation();
     if (operation == Operation::AUTO) {
       operation = explicitOperation(source);
@@ -257,7 +257,7 @@ bool TarnMerge::doMerge(LibTarnCmDataImp* delta) {
   Changes changes(*cmData_, factory_);
   for (LibTarnManagedObject* object : delta->getLibTarnManagedObjects()) {
     const DistinguishedName distName = object->getDistName();
-    changes.applyAndTell(cmData_->getLibTarnManagedObject(distName), *object, distName);
+    changes.applyResolvingAuto(cmData_->getLibTarnManagedObject(distName), *object, distName);
   }
   changes.addLogs(*delta);
   changes.finish();
@@ -288,7 +288,7 @@ void TarnMerge::mergeDocuments(LibTarnManagedObject* source, LibTarnManagedObjec
                                const DistinguishedName& distName) {
   TARN_ASSERT(cmData_ && delta, "cmData && delta");
   Changes changes(*cmData_, factory_);
-  changes.applyAndTell(source, *delta, distName);
+  changes.applyResolvingAuto(source, *delta, distName);
   changes.finish();
 }
 

@@ -60,7 +60,7 @@ int LibTarnDocument::parseImpl(std::vector<char> text, bool validate) {
     domDocument_->keepText();
     const Load::Verdict below =
         Load(*domDocument_, validate ? Load::Mode::VALIDATE : Load::Mode::INDEX).run(text);
-    if (validate) below == Load::Verdict::VALID ? checkRootRules() : checkRules();
+    if (validate) below == Load::Verdict::VALID ? validateRoot() : validateTree();
   } catch (const rapidxml::parse_error& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "parseImpl")
         << "Parsing failed: " << error.what();
@@ -87,9 +87,9 @@ Diagnostic LibTarnDocument::validateText(std::vector<char> (*read)(void* reader)
 bool LibTarnDocument::isKnownToBeValid(std::vector<char> text) {
   LibTarnDocument document(OutOfMemory::Throw);
   try {
-    Load load(*document.domDocument_, Load::Mode::ONLY_CHECK);
+    Load load(*document.domDocument_, Load::Mode::VALIDATE_ONLY);
     if (load.run(text) == Load::Verdict::NOT_KNOWN) return false;
-    document.checkRootRules();
+    document.validateRoot();
   } catch (const rapidxml::parse_error&) {
     return false;
   } catch (const exceptions::ModelException&) {
@@ -101,7 +101,7 @@ bool LibTarnDocument::isKnownToBeValid(std::vector<char> text) {
 int LibTarnDocument::validate() {
   diagnostic_ = Diagnostic();
   try {
-    checkRules();
+    validateTree();
     root_->checkNames();
   } catch (const exceptions::ModelException& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "validate")
@@ -128,14 +128,14 @@ int LibTarnDocument::validate(std::vector<validation::Violation>* violations, st
   return result;
 }
 
-void LibTarnDocument::checkRootRules() const {
+void LibTarnDocument::validateRoot() const {
   validation::Validator validator;
   root_->updatePath(validator);
   root_->dispatchToSelf(validator);
 }
 
 // Walks twice only when a document is not valid, or has objects of host classes.
-void LibTarnDocument::checkRules() const {
+void LibTarnDocument::validateTree() const {
   if (validation::keepsRules(*root_)) return;
   validation::Validator validator;
   root_->accept(validator);

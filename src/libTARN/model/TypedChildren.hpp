@@ -31,7 +31,8 @@ auto& implementation(Interface& element) {
   return *imp;
 }
 
-/// Returns `node` or the first sibling after it that has the tag and the class of `Imp`, or null.
+/// Returns the first of `node` and the siblings after it that has the tag and the class of `Imp`,
+/// or null. `node` has the tag, or is null.
 template <class Imp>
 Imp* skipToTyped(rapidxml::xml_node<char>* node) {
   while (node) {

@@ -240,7 +240,7 @@ class TARN_API TarnCollection {
     mutable const EntryRun<Entry>* run_ = nullptr;
     mutable const EntrySequence<Entry>* sequence_ = nullptr;  // null: changes are not followed
     mutable std::uint32_t seenChanges_ = 0;
-    mutable bool hasAdvanced_ = false;  // of the removed entry it was at
+    mutable bool hasAdvanced_ = false;  // the current entry was removed
     mutable Entry entry_{};             // the current entry
     mutable RangeEnd<Entry> end_;
   };

@@ -85,15 +85,23 @@ class TARN_API Validator {
   template <class Child>
   void validateAtLeastOneChild(const IElement& element) const;
 
-  /// Asks the rules for one element of that kind, without its children.
+  /// Asks the rules of the root: its attributes and the number of bodies.
   void visit(const LibTarnDocumentInternal& root);
+  /// Asks the rules of a body: the number of headers and, for a plan, of objects.
   void visit(const LibTarnCmDataImp& cmData);
+  /// A header has no rules of its own.
   void visit(const LibTarnHeaderImp& header);
+  /// Asks the rules of a log entry: its attributes.
   void visit(const LogImp& log);
+  /// Asks the rules of an object: its class and its distinguished name.
   void visit(const LibTarnManagedObjectImp& object);
+  /// An extension has no rules of its own; its parameters must have names.
   void visit(const LibTarnExtensionImp& extension);
+  /// Asks the rules of a `p`: its name, unless it is a plain value.
   void visit(const ScalarImp& scalar);
+  /// Asks the rules of a list: its name, and that it does not hold both plain values and items.
   void visit(const ListImp& list);
+  /// An item has no rules of its own; its components must have names.
   void visit(const StructureImp& structure);
 
  private:

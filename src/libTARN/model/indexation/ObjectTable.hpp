@@ -195,8 +195,9 @@ class ObjectTable {
     }
   }
 
-  // Empties the slot `gap`: moves entries that were probed past it back, one gap after the other.
-  // An entry more than MOST_PROBES after the gap cannot have been probed past it.
+  // Empties the slot `gap`: moves an entry whose probes passed it into the gap, then fills the gap
+  // that this leaves. The probes of an entry more than MOST_PROBES after a gap cannot have passed
+  // it.
   void closeGap(std::size_t gap) {
     std::size_t next = (gap + 1) & mask_;
     while (slots_[next].number != 0 && ((next - gap) & mask_) <= MOST_PROBES) {

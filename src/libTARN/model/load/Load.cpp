@@ -178,8 +178,8 @@ void Load::complete(LibTarnManagedObjectImp& object, Body& body) {
   ++body.end;
   body.isIndexed = !hasNul_ && index(object, attributes);
   require(body.isIndexed);
-  if (isValid_) check(object, attributes);
-  if (mode_ == Mode::ONLY_CHECK) drop(object, body);
+  if (isValid_) validate(object, attributes);
+  if (mode_ == Mode::VALIDATE_ONLY) drop(object, body);
 }
 
 // Indexing. False: a name is duplicate, or not known to be unique.
@@ -240,7 +240,7 @@ bool Load::index(StructureImp& item, std::string_view listName) {
 
 // Rules; those of parameters and lists are asked where these are indexed.
 
-void Load::check(const LibTarnManagedObjectImp& object, const ObjectAttributes& attributes) {
+void Load::validate(const LibTarnManagedObjectImp& object, const ObjectAttributes& attributes) {
   const char* const distName = attributes.distName.data();
   require(rules::objectHasClass(attributes.className.data()) && rules::objectHasName(distName) &&
           rules::objectHasValidName(*object.getDistNameValidator(), distName));
@@ -256,7 +256,7 @@ void Load::drop(LibTarnManagedObjectImp& object, Body& body) {
 // The end of the parse
 
 void Load::finish() {
-  const bool logs = mode_ != Mode::ONLY_CHECK;
+  const bool logs = mode_ != Mode::VALIDATE_ONLY;
   using util::Logger;
   if (logs) Logger(Logger::Level::DEBUG, TARN_LOG_LOCATION, "parse") << "Parsing done";
   // A document that a host has not given to a LibTarnDocument has no root.
@@ -281,7 +281,7 @@ void Load::finish(Body& body) {
           rules::planHasObjects(isPlan, body.begin != body.end));
   if (adopt(body)) return;
   require(false);
-  if (mode_ == Mode::ONLY_CHECK) throw Stopped();
+  if (mode_ == Mode::VALIDATE_ONLY) throw Stopped();
   takeBack(body);
   body.cmData->rebuildIndexers();
 }
@@ -298,7 +298,7 @@ bool Load::adopt(Body& body) {
 
 void Load::cleanUp() {
   document_.load_ = nullptr;
-  if (mode_ == Mode::ONLY_CHECK) return;
+  if (mode_ == Mode::VALIDATE_ONLY) return;
   for (; finished_ < bodies_.size(); ++finished_) takeBack(bodies_[finished_]);
   // Declaration and root stay, and the parser may not have terminated their texts yet.
   if (!isParsed_) document_.moveTextsIntoPool();

@@ -40,10 +40,10 @@ class Load : public rapidxml::parse_events {
  public:
   /// What the load is to make of the text.
   enum class Mode {
-    TREE,       ///< The tree alone; the indexes stay as they are.
-    INDEX,      ///< Tree and indexes.
-    VALIDATE,   ///< Tree and indexes, and whether the rules are kept.
-    ONLY_CHECK  ///< Whether the rules are kept; each object is dropped after that.
+    TREE,          ///< The tree alone; the indexes stay as they are.
+    INDEX,         ///< Tree and indexes.
+    VALIDATE,      ///< Tree and indexes, and whether the rules are kept.
+    VALIDATE_ONLY  ///< Whether the rules are kept; each object is dropped after that.
   };
   /// VALID when everything below the root is known to keep the rules of the format.
   enum class Verdict { VALID, NOT_KNOWN };
@@ -101,7 +101,7 @@ class Load : public rapidxml::parse_events {
   bool index(LibTarnManagedObjectImp& object, const ObjectAttributes& attributes);
   bool index(ListImp& list, std::string_view name);
   bool index(StructureImp& item, std::string_view listName);
-  void check(const LibTarnManagedObjectImp& object, const ObjectAttributes& attributes);
+  void validate(const LibTarnManagedObjectImp& object, const ObjectAttributes& attributes);
   void require(bool isKept) { isValid_ = isValid_ && isKept; }
   void drop(LibTarnManagedObjectImp& object, Body& body);
 

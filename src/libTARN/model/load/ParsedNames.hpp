@@ -37,10 +37,10 @@ class ParsedNames {
   void start(std::string_view kind) {
     count_ = 0;
     const std::size_t ends = kind.empty() ? 0 : letter(kind.front()) + 7 * letter(kind.back());
-    place_ = (5 * kind.size() + ends) % SEQUENCES;
+    sequenceIndex_ = (5 * kind.size() + ends) % SEQUENCES;
     follows_ = !sequences_.empty();
     if (follows_) {
-      known_ = &sequences_[place_];
+      known_ = &sequences_[sequenceIndex_];
     } else {
       names_.clear();
       others_.clear();
@@ -50,7 +50,7 @@ class ParsedNames {
   /// Adds an element; `name` is NUL-terminated and points into the text.
   void add(std::string_view name, Element* element) {
     if (follows_ && count_ < known_->count && isSameName(name, known_->names[count_])) {
-      inPlace_[known_->places[count_]] = {name.data(), element};
+      ordered_[known_->positions[count_]] = {name.data(), element};
     } else {
       addToOthers(name, element);
     }
@@ -69,7 +69,7 @@ class ParsedNames {
   }
 
   /// Returns the entries; valid after order() and until the next start().
-  const Entry* entries() const { return follows_ ? inPlace_ : others_.data(); }
+  const Entry* entries() const { return follows_ ? ordered_ : others_.data(); }
   /// Returns the number of entries.
   std::size_t size() const { return count_; }
 
@@ -86,16 +86,17 @@ class ParsedNames {
     using Word = std::uint64_t;
     if (a.size() != b.size()) return false;
     if (a.size() < sizeof(Word)) return std::equal(a.begin(), a.end(), b.begin());
-    const auto differ = [&a, &b](std::size_t place) {
+    const auto differ = [&a, &b](std::size_t offset) {
       Word first = 0;
       Word second = 0;
-      std::memcpy(&first, a.data() + place, sizeof(first));
-      std::memcpy(&second, b.data() + place, sizeof(second));
+      std::memcpy(&first, a.data() + offset, sizeof(first));
+      std::memcpy(&second, b.data() + offset, sizeof(second));
       return first ^ second;
     };
     const std::size_t last = a.size() - sizeof(Word);
     Word difference = differ(last);
-    for (std::size_t place = 0; place < last; place += sizeof(Word)) difference |= differ(place);
+    for (std::size_t offset = 0; offset < last; offset += sizeof(Word))
+      difference |= differ(offset);
     return difference == 0;
   }
 
@@ -104,13 +105,13 @@ class ParsedNames {
   struct Sequence {
     std::size_t count = 0;
     std::string_view names[FEW];
-    std::uint8_t places[FEW];
+    std::uint8_t positions[FEW];
     bool isSorted = false;
 
     void remember(const std::string_view* others, std::size_t othersCount) {
       count = othersCount;
       std::copy_n(others, count, names);
-      std::iota(places, places + count, std::uint8_t{0});
+      std::iota(positions, positions + count, std::uint8_t{0});
       isSorted = false;
     }
 
@@ -122,7 +123,7 @@ class ParsedNames {
       std::sort(sorted, end, [this](auto a, auto b) { return names[a] < names[b]; });
       const auto same = [this](auto a, auto b) { return names[a] == names[b]; };
       if (std::adjacent_find(sorted, end, same) != end) return false;
-      for (std::size_t i = 0; i < count; ++i) places[sorted[i]] = static_cast<std::uint8_t>(i);
+      for (std::size_t i = 0; i < count; ++i) positions[sorted[i]] = static_cast<std::uint8_t>(i);
       isSorted = true;
       return true;
     }
@@ -136,15 +137,15 @@ class ParsedNames {
   // Allocated on first use: many documents have no element with two names.
   void remember() {
     if (sequences_.empty()) sequences_.resize(SEQUENCES);
-    sequences_[place_].remember(names_.data(), count_);
+    sequences_[sequenceIndex_].remember(names_.data(), count_);
   }
 
   NameOrder orderOfKnown() {
     if (known_->isSorted) return NameOrder::SORTED;
-    Entry came[FEW];
-    std::copy_n(inPlace_, count_, came);
+    Entry arrived[FEW];
+    std::copy_n(ordered_, count_, arrived);
     if (!known_->sort()) return NameOrder::UNKNOWN;
-    for (std::size_t i = 0; i < count_; ++i) inPlace_[known_->places[i]] = came[i];
+    for (std::size_t i = 0; i < count_; ++i) ordered_[known_->positions[i]] = arrived[i];
     return NameOrder::SORTED;
   }
 
@@ -159,7 +160,7 @@ class ParsedNames {
     follows_ = false;
     names_.assign(known_->names, known_->names + count_);
     others_.resize(count_);
-    for (std::size_t i = 0; i < count_; ++i) others_[i] = inPlace_[known_->places[i]];
+    for (std::size_t i = 0; i < count_; ++i) others_[i] = ordered_[known_->positions[i]];
   }
 
   // Returns a digest, made of the ends of a name, where most names differ. Names with different
@@ -215,9 +216,9 @@ class ParsedNames {
   // `others_`, in the order of their arrival.
   bool follows_ = false;
   std::size_t count_ = 0;
-  std::size_t place_ = 0;  // in `sequences_`, for this kind
+  std::size_t sequenceIndex_ = 0;  // in `sequences_`, for this kind
   Sequence* known_ = nullptr;
-  Entry inPlace_[FEW];
+  Entry ordered_[FEW];
   std::vector<std::string_view> names_;
   std::vector<Entry> others_;
   std::vector<Sequence> sequences_;

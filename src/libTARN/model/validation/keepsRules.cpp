@@ -97,14 +97,14 @@ bool isManagedObject(const Node& node) {
 
 // A host may have unlinked objects, or changed their tags, without the index: a Validator visits
 // those as well.
-bool doIndexedElsewhereKeepRules(const LibTarnCmDataImp& cmData) {
-  bool doAll = true;
+bool doUnlinkedObjectsKeepRules(const LibTarnCmDataImp& cmData) {
+  bool allDo = true;
   Internals::objectIndex(cmData).forEach([&](const LibTarnManagedObject* indexed) {
     const auto& object = implementation<LibTarnManagedObjectImp>(*indexed);
     const bool isVisited = object.parent() == &cmData && isManagedObject(object);
-    if (doAll && !isVisited) doAll = isValidObject(object);
+    if (allDo && !isVisited) allDo = isValidObject(object);
   });
-  return doAll;
+  return allDo;
 }
 
 bool isValidBody(const LibTarnCmDataImp& cmData) {
@@ -122,7 +122,7 @@ bool isValidBody(const LibTarnCmDataImp& cmData) {
   }
   const bool isPlan = cmData.getType() == LibTarnCmData::Type::PLAN;
   return rules::bodyHasOneHeader(headers) && rules::planHasObjects(isPlan, hasObject) &&
-         doIndexedElsewhereKeepRules(cmData);
+         doUnlinkedObjectsKeepRules(cmData);
 }
 
 }  // namespace
