@@ -282,7 +282,7 @@ void Load::finish(Body& body) {
   if (adopt(body)) return;
   require(false);
   if (mode_ == Mode::VALIDATE_ONLY) throw Stopped();
-  takeBack(body);
+  clearIndexes(body);
   body.cmData->rebuildIndexers();
 }
 
@@ -299,25 +299,25 @@ bool Load::adopt(Body& body) {
 void Load::cleanUp() {
   document_.load_ = nullptr;
   if (mode_ == Mode::VALIDATE_ONLY) return;
-  for (; finished_ < bodies_.size(); ++finished_) takeBack(bodies_[finished_]);
+  for (; finished_ < bodies_.size(); ++finished_) clearIndexes(bodies_[finished_]);
   // Declaration and root stay, and the parser may not have terminated their texts yet.
   if (!isParsed_) document_.moveTextsIntoPool();
 }
 
-void Load::takeBack(Body& body) {
+void Load::clearIndexes(Body& body) {
   for (std::size_t i = body.begin; i < body.end; ++i) {
     auto& object = static_cast<LibTarnManagedObjectImp&>(*objects_[i].object);
     Internals::operation(object).setKept({});
     Internals::scalarIndex(object).clear();
     Internals::listIndex(object).clear();
     for (Node* node = object.first_node(); node; node = node->next_sibling()) {
-      if (auto* const list = parsedAs<ListImp>(node)) takeBack(*list);
+      if (auto* const list = parsedAs<ListImp>(node)) clearIndexes(*list);
     }
   }
   body.end = body.begin;
 }
 
-void Load::takeBack(ListImp& list) {
+void Load::clearIndexes(ListImp& list) {
   for (Node* node = list.first_node(); node; node = node->next_sibling()) {
     if (auto* const item = parsedAs<StructureImp>(node)) Internals::componentIndex(*item).clear();
   }

@@ -110,8 +110,8 @@ class Load : public rapidxml::parse_events {
   bool adopt(Body& body);
 
   void cleanUp();
-  void takeBack(Body& body);
-  static void takeBack(ListImp& list);
+  void clearIndexes(Body& body);
+  static void clearIndexes(ListImp& list);
 
   TarnDomDocument& document_;
   Mode mode_;

@@ -22,7 +22,7 @@
 namespace libtarn {
 namespace model {
 
-/// Whether names are sorted and distinct, distinct in another order, or possibly duplicate.
+/// Order of names: sorted and distinct, distinct in another order, or possibly duplicate.
 enum class NameOrder { SORTED, DISTINCT, UNKNOWN };
 
 /// The names of elements of one kind that have just been parsed. No name holds a NUL, and the
