@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "libtarn/DocumentText.hpp"
 #include "libtarn/DomElement.hpp"
 #include "libtarn/IDomDocument.hpp"
 #include "libtarn/OutOfMemory.hpp"
@@ -118,13 +119,14 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
 
   /// The declaration that is printed, or null.
   DomElement* declaration_ = nullptr;
+  /// The text of the last parse that handed its text over.
+  DocumentText text_;
 
  private:
   void leaveText();
-  int parseBuffer();
+  int parseText();
   void moveDeclarationOut();
 
-  std::unique_ptr<char[]> buffer_;
   bool declarationIsInText_ = false;
   bool takesFromPool_ = false;
 };

@@ -71,8 +71,8 @@ void DomDocument::mmapFree(void* memory) {
 
 int DomDocument::parse(std::unique_ptr<char[]> text) {
   leaveText();
-  buffer_.swap(text);
-  return parseBuffer();
+  text_.swap(text);
+  return parseText();
 }
 
 int DomDocument::parse(const char* text, boost::shared_ptr<IStripper> stripper) {
@@ -94,12 +94,13 @@ std::unique_ptr<char[]> DomDocument::copyOf(const char* text, IStripper* strippe
 
 int DomDocument::parseInPlaceOfEarlier(std::unique_ptr<char[]> text) {
   leaveText();
-  buffer_ = std::move(text);
-  return parseBuffer();
+  text_.swap(text);
+  text.reset();
+  return parseText();
 }
 
-int DomDocument::parseBuffer() {
-  const int result = rapidParse(buffer_.get());
+int DomDocument::parseText() {
+  const int result = rapidParse(text_.data());
   if (result != 0) return result;
   moveDeclarationOut();
   return 0;

@@ -7,7 +7,7 @@
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/EnumeratedAttribute.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/ModelNode.hpp"
 #include "libtarn/model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
 
 namespace libDomXml {
@@ -29,12 +29,12 @@ class LibTarnManagedObjectImp;
 struct StagedAttributes;
 
 /// Node class of LibTarnCmData.
-class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
+class TARN_API LibTarnCmDataImp : public ModelNode, public LibTarnCmData {
  public:
   LibTarnCmDataImp(libDomXml::IMemoryPool* pool, const indexation::ITarnIndexFactory* indexFactory,
                    util::TarnFactory& factory);
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   LibTarnCmDataImp* clone() const override;
   /// Returns a deep copy. Its index and type are not filled: rebuildIndexersAndInitializeEnums()
   /// does that.
@@ -107,7 +107,6 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   EnumeratedAttribute<Type> type_;
   const indexation::ITarnIndexFactory* indexFactory_;
   indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* managedObjectIndex_;
-  util::TarnFactory& factory_;
   Unindexed* unindexed_ = nullptr;  // children that lost their names to others, by these names
 };
 

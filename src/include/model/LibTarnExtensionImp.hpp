@@ -5,15 +5,15 @@
 
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/LibTarnExtension.hpp"
+#include "libtarn/model/ModelNode.hpp"
 #include "libtarn/model/ScalarImp.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
 #include "libtarn/model/UniqueContainer.hpp"
 
 namespace libtarn {
 namespace model {
 
 /// Node class of LibTarnExtension.
-class TARN_API LibTarnExtensionImp : public LibTarnExtension, public TarnDomElement {
+class TARN_API LibTarnExtensionImp : public LibTarnExtension, public ModelNode {
  public:
   LibTarnExtensionImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
 
@@ -28,7 +28,7 @@ class TARN_API LibTarnExtensionImp : public LibTarnExtension, public TarnDomElem
   Scalar* getParameter(const std::string& name) const override;
   std::uint8_t removeParameter(const std::string& name) override;
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   LibTarnExtensionImp* clone() const override;
   LibTarnExtensionImp* clone(util::TarnFactory& factory) const override;
   /// Not to be called: logs an ERROR line and returns null.
@@ -45,7 +45,6 @@ class TARN_API LibTarnExtensionImp : public LibTarnExtension, public TarnDomElem
 
  private:
   UniqueContainer<LibTarnExtensionImp, ScalarImp, std::string> parameters_;
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

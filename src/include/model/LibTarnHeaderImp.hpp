@@ -2,7 +2,7 @@
 
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/LibTarnHeader.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/ModelNode.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -14,14 +14,12 @@ namespace model {
 class UndoLog;
 
 /// Node class of LibTarnHeader.
-class TARN_API LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
+class TARN_API LibTarnHeaderImp : public ModelNode, public LibTarnHeader {
  public:
   LibTarnHeaderImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-      : TarnDomElement(pool), factory_(factory) {
-    xml_base::name(TAG_NAME);
-  }
+      : ModelNode(pool, factory, TAG_NAME) {}
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   LibTarnHeaderImp* clone() const override;
   LibTarnHeaderImp* clone(util::TarnFactory& factory) const override;
   /// Not to be called: logs an ERROR line and returns null.
@@ -44,9 +42,6 @@ class TARN_API LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
-
- private:
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

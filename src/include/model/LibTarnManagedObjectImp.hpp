@@ -8,7 +8,7 @@
 #include "libtarn/model/EnumeratedAttribute.hpp"
 #include "libtarn/model/LibTarnExtensionImp.hpp"
 #include "libtarn/model/LibTarnManagedObject.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/ModelNode.hpp"
 #include "libtarn/model/UniqueContainer.hpp"
 #include "libtarn/model/indexation/ITarnUniqueIndex.hpp"
 
@@ -29,7 +29,7 @@ struct StagedAttributes;
 class UndoLog;
 
 /// Node class of LibTarnManagedObject.
-class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnManagedObject {
+class TARN_API LibTarnManagedObjectImp : public ModelNode, public LibTarnManagedObject {
  public:
   /// Attribute that identifies an extension.
   static const char* const UNIQUE_CONTAINER_ID_ATTR_NAME;
@@ -39,7 +39,7 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
                           const indexation::ITarnIndexFactory* indexFactory,
                           util::TarnFactory& factory);
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   LibTarnManagedObjectImp* clone() const override;
   LibTarnManagedObjectImp* clone(util::TarnFactory& factory) const override;
   /// Not to be called: logs an ERROR line and returns null.
@@ -136,7 +136,6 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
   indexation::ITarnUniqueIndex<List>* listIndex_;
   EnumeratedAttribute<Operation> operation_;
   UniqueContainer<LibTarnManagedObjectImp, LibTarnExtensionImp, std::string> extensions_;
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

@@ -5,7 +5,7 @@
 
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/List.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/ModelNode.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -15,14 +15,12 @@ namespace libtarn {
 namespace model {
 
 /// Node class of List.
-class TARN_API ListImp : public TarnDomElement, public List {
+class TARN_API ListImp : public ModelNode, public List {
  public:
   ListImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-      : TarnDomElement(pool), factory_(factory) {
-    xml_base::name(TAG_NAME);
-  }
+      : ModelNode(pool, factory, TAG_NAME) {}
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   ListImp* clone() const override;
   ListImp* clone(util::TarnFactory& factory) const override;
   /// Not to be called: logs an ERROR line and returns null.
@@ -54,8 +52,6 @@ class TARN_API ListImp : public TarnDomElement, public List {
  private:
   bool hasMatch(const Scalar& pattern) const;
   bool hasMatch(const Structure& pattern) const;
-
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

@@ -5,7 +5,7 @@
 
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/Log.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/ModelNode.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -15,14 +15,12 @@ namespace libtarn {
 namespace model {
 
 /// Node class of Log.
-class TARN_API LogImp : public TarnDomElement, public Log {
+class TARN_API LogImp : public ModelNode, public Log {
  public:
   LogImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-      : TarnDomElement(pool), factory_(factory) {
-    xml_base::name(TAG_NAME);
-  }
+      : ModelNode(pool, factory, TAG_NAME) {}
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   LogImp* clone() const override;
   const char* getValue() const override;
   LogImp* clone(util::TarnFactory& factory) const override;
@@ -46,9 +44,6 @@ class TARN_API LogImp : public TarnDomElement, public Log {
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
-
- private:
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

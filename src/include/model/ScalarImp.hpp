@@ -3,8 +3,8 @@
 #include <string>
 
 #include "libtarn/TarnApi.hpp"
+#include "libtarn/model/ModelNode.hpp"
 #include "libtarn/model/Scalar.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -14,14 +14,12 @@ namespace libtarn {
 namespace model {
 
 /// Node class of Scalar.
-class TARN_API ScalarImp : public TarnDomElement, public Scalar {
+class TARN_API ScalarImp : public ModelNode, public Scalar {
  public:
   ScalarImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-      : TarnDomElement(pool), factory_(factory) {
-    xml_base::name(TAG_NAME);
-  }
+      : ModelNode(pool, factory, TAG_NAME) {}
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   ScalarImp* clone() const override;
   ScalarImp* clone(util::TarnFactory& factory) const override;
   /// Not to be called: logs an ERROR line and returns null.
@@ -42,9 +40,6 @@ class TARN_API ScalarImp : public TarnDomElement, public Scalar {
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
-
- private:
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "libtarn/TarnApi.hpp"
+#include "libtarn/model/ModelNode.hpp"
 #include "libtarn/model/Structure.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
 #include "libtarn/model/indexation/ITarnUniqueIndex.hpp"
 
 namespace libDomXml {
@@ -24,12 +24,12 @@ class ITarnIndexFactory;
 }
 
 /// Node class of Structure.
-class TARN_API StructureImp : public TarnDomElement, public Structure {
+class TARN_API StructureImp : public ModelNode, public Structure {
  public:
   StructureImp(libDomXml::IMemoryPool* pool, const indexation::ITarnIndexFactory* indexFactory,
                util::TarnFactory& factory);
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   StructureImp* clone() const override;
   StructureImp* clone(util::TarnFactory& factory) const override;
   /// Not to be called: logs an ERROR line and returns null.
@@ -65,7 +65,6 @@ class TARN_API StructureImp : public TarnDomElement, public Structure {
 
   const indexation::ITarnIndexFactory* indexFactory_;
   indexation::ITarnUniqueIndex<Scalar>* componentIndex_;
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

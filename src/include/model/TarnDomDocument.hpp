@@ -1,6 +1,5 @@
 #pragma once
 
-#include <list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -100,14 +99,13 @@ class TARN_API TarnDomDocument : public libDomXml::DomDocument {
   TarnDomElement* reuseRoot(const char* nameEnd);
   bool isTopLevelNode() const;
 
-  std::vector<char> buffer_;
   util::TarnFactory factory_;
   const char* textStart_ = nullptr;  // of the last parse; its text may have been freed
   char* parsePosition_ = nullptr;
   Load* load_ = nullptr;  // while a text is parsed
   LibTarnDocumentInternal* root_ = nullptr;
   bool rootIsInText_ = false;  // its name, value and attributes
-  std::list<std::vector<char>> keptTexts_;
+  std::vector<libDomXml::DocumentText> keptTexts_;
 };
 
 }  // namespace model

@@ -46,13 +46,10 @@ const LibTarnCmData::Type LibTarnCmData::Type::DEFAULTS("defaults");
 LibTarnCmDataImp::LibTarnCmDataImp(libDomXml::IMemoryPool* pool,
                                    const indexation::ITarnIndexFactory* indexFactory,
                                    util::TarnFactory& factory)
-    : TarnDomElement(pool),
+    : ModelNode(pool, factory, TAG_NAME),
       type_(this, TYPE_ATTRIBUTE),
       indexFactory_(indexFactory),
-      managedObjectIndex_(checkedIndex(indexFactory_->createUniqueAndNonUniqueMultiIndex())),
-      factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
+      managedObjectIndex_(checkedIndex(indexFactory_->createUniqueAndNonUniqueMultiIndex())) {}
 
 LibTarnCmDataImp* LibTarnCmDataImp::clone() const { return clone(factory_); }
 

@@ -45,16 +45,13 @@ bool LibTarnManagedObject::hasOperation() const { return getOperation() != Opera
 LibTarnManagedObjectImp::LibTarnManagedObjectImp(
     libDomXml::IMemoryPool* pool, const IDistinguishedNameValidator* distNameValidator,
     const indexation::ITarnIndexFactory* indexFactory, util::TarnFactory& factory)
-    : TarnDomElement(pool),
+    : ModelNode(pool, factory, TAG_NAME),
       distNameValidator_(distNameValidator),
       indexFactory_(indexFactory),
       scalarIndex_(checkedIndex(indexFactory_->createUniqueScalarNameTarnIndex())),
       listIndex_(checkedIndex(indexFactory_->createUniqueIndexForList())),
       operation_(this, OPERATION_ATTRIBUTE),
-      extensions_(UNIQUE_CONTAINER_ID_ATTR_NAME),
-      factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
+      extensions_(UNIQUE_CONTAINER_ID_ATTR_NAME) {}
 
 LibTarnManagedObjectImp* LibTarnManagedObjectImp::clone() const { return clone(factory_); }
 

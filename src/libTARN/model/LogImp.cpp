@@ -47,7 +47,7 @@ void LogImp::updatePath(validation::Validator& validator) const {
   validator.appendToPath(TAG_NAME, nullptr);
 }
 
-const char* LogImp::getValue() const { return TarnDomElement::getValue(); }
+const char* LogImp::getValue() const { return ModelNode::getValue(); }
 
 const char* LogImp::getAction() const { return getAttribute(ACTION_ATTRIBUTE); }
 

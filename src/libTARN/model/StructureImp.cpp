@@ -27,12 +27,9 @@ constexpr const char* NO_PLACE = "(list: )";
 StructureImp::StructureImp(libDomXml::IMemoryPool* pool,
                            const indexation::ITarnIndexFactory* indexFactory,
                            util::TarnFactory& factory)
-    : TarnDomElement(pool),
+    : ModelNode(pool, factory, TAG_NAME),
       indexFactory_(indexFactory),
-      componentIndex_(checkedIndex(indexFactory_->createUniqueScalarNameTarnIndex())),
-      factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
+      componentIndex_(checkedIndex(indexFactory_->createUniqueScalarNameTarnIndex())) {}
 
 StructureImp* StructureImp::clone() const { return clone(factory_); }
 

@@ -186,13 +186,12 @@ void TarnDomDocument::takeText(std::vector<char>& text) {
     throw rapidxml::parse_error("unexpected end of data", text.data() + text.size());
   }
   leaveTree();
-  buffer_.swap(text);
+  text_.swap(text);
 }
 
 void TarnDomDocument::keepText() {
-  if (buffer_.empty()) return;
-  keptTexts_.emplace_back();
-  keptTexts_.back().swap(buffer_);
+  if (text_.empty()) return;
+  keptTexts_.push_back(std::move(text_));
 }
 
 int TarnDomDocument::rapidParse(char* text) {
@@ -248,15 +247,15 @@ void TarnDomDocument::leaveTree() {
 }
 
 std::size_t TarnDomDocument::getMemorySize() const {
-  std::size_t size = pool_size() + buffer_.capacity();
-  for (const std::vector<char>& text : keptTexts_) size += text.capacity();
+  std::size_t size = pool_size() + text_.capacity();
+  for (const libDomXml::DocumentText& text : keptTexts_) size += text.capacity();
   return size;
 }
 
 std::string TarnDomDocument::printDocument() {
   std::string out;
   // An estimate that spares most documents the copies of a text that grows.
-  out.reserve(buffer_.size() + buffer_.size() / 16);
+  out.reserve(text_.size() + text_.size() / 16);
   rapidxml::print_node(out, declaration_, 0, 0);
   if (root_) rapidxml::print_node(out, root_, 0, 0);
   return out;

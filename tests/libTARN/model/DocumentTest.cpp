@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
@@ -232,6 +233,43 @@ TEST_F(DocumentTest, PartsThatAHostDoesNotBringAreTheDocumentsOwn) {
 }
 
 // cmData
+
+std::unique_ptr<char[]> arrayOf(const std::string& text) {
+  std::unique_ptr<char[]> array(new char[text.size() + 1]);
+  std::copy_n(text.c_str(), text.size() + 1, array.get());
+  return array;
+}
+
+TEST(TextOfDocumentTest, VectorGoesWhenAnArrayTakesItsPlace) {
+  const std::string text = rootText("<cmData type=\"plan\"/>" + std::string(1 << 20, ' '));
+  LibTarnDocument document;
+  TarnDomDocument& dom = *document.getItsTarnDomDocument();
+  std::vector<char> vector(text.c_str(), text.c_str() + text.size() + 1);
+  dom.parse(vector);
+  const std::size_t withVector = dom.getMemorySize();
+  ASSERT_EQ(dom.parse(arrayOf(text)), 0);
+  EXPECT_LT(dom.getMemorySize(), withVector / 2);
+}
+
+TEST(TextOfDocumentTest, ParseOfAVectorHandsBackTheEarlierVectorButNoArray) {
+  const std::string first = rootText("<cmData type=\"plan\"/>");
+  const std::string second = rootText("<cmData type=\"actual\"/>");
+  LibTarnDocument document;
+  TarnDomDocument& dom = *document.getItsTarnDomDocument();
+  std::vector<char> vector(first.c_str(), first.c_str() + first.size() + 1);
+  dom.parse(vector);
+  EXPECT_TRUE(vector.empty());
+  vector.assign(second.c_str(), second.c_str() + second.size() + 1);
+  const char* const characters = vector.data();
+  dom.parse(vector);
+  EXPECT_EQ(vector.size(), first.size() + 1);
+  dom.keepText();
+  ASSERT_EQ(dom.parse(arrayOf(first)), 0);
+  vector.assign(second.c_str(), second.c_str() + second.size() + 1);
+  dom.parse(vector);
+  EXPECT_TRUE(vector.empty());
+  EXPECT_STREQ(characters + second.size(), "") << "a kept text stays where it was";
+}
 
 TEST_F(DocumentTest, TypeIsReadAtRebuildAndKeptInStep) {
   auto* const fresh = dynamic_cast<LibTarnCmDataImp*>(factory().allocateTarnCmDataNode());

@@ -118,7 +118,7 @@ Load::~Load() { document_.load_ = nullptr; }
 
 Load::Verdict Load::run(std::vector<char>& text) {
   document_.takeText(text);
-  return run(document_.buffer_.data());
+  return run(document_.text_.data());
 }
 
 Load::Verdict Load::run(char* text) {
