@@ -102,7 +102,7 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
   /// Returns a NUL-terminated copy of `text`, made by `stripper` unless it is null.
   static std::unique_ptr<char[]> copyOf(const char* text, IStripper* stripper);
   /// Frees the text of an earlier parse and parses `text` in place. Returns 0 or 1.
-  int parseInPlaceOfEarlier(std::unique_ptr<char[]> text);
+  int parseReplacingText(std::unique_ptr<char[]> text);
   /// Returns memory for one node or attribute; never null (asserted).
   void* allocateObject(std::size_t size) {
     return takesFromPool_ ? allocate_aligned(size) : DomFactory(this).allocateObject(size);
@@ -119,7 +119,7 @@ class TARN_API DomDocument : public IDomDocument, public rapidxml::xml_document<
 
   /// The declaration that is printed, or null.
   DomElement* declaration_ = nullptr;
-  /// The text of the last parse that handed its text over.
+  /// The text of the last parse that took over or copied its text.
   DocumentText text_;
 
  private:

@@ -76,7 +76,7 @@ int DomDocument::parse(std::unique_ptr<char[]> text) {
 }
 
 int DomDocument::parse(const char* text, boost::shared_ptr<IStripper> stripper) {
-  return parseInPlaceOfEarlier(copyOf(text, stripper.get()));
+  return parseReplacingText(copyOf(text, stripper.get()));
 }
 
 std::unique_ptr<char[]> DomDocument::copyOf(const char* text, IStripper* stripper) {
@@ -92,7 +92,7 @@ std::unique_ptr<char[]> DomDocument::copyOf(const char* text, IStripper* strippe
   return copy;
 }
 
-int DomDocument::parseInPlaceOfEarlier(std::unique_ptr<char[]> text) {
+int DomDocument::parseReplacingText(std::unique_ptr<char[]> text) {
   leaveText();
   text_.swap(text);
   text.reset();

@@ -59,8 +59,8 @@ class TARN_API StructureImp : public ModelNode, public Structure {
   friend struct Internals;
 
   const ScalarImp* indexComponents();
-  std::string placeText() const;
-  [[noreturn]] static void throwDuplicate(const std::string& place, const ScalarImp& component);
+  std::string parentText() const;
+  [[noreturn]] static void throwDuplicate(const std::string& parent, const ScalarImp& component);
   bool hasMatch(const Scalar& pattern) const;
 
   const indexation::ITarnIndexFactory* indexFactory_;

@@ -164,7 +164,7 @@ TarnDomElement* TarnDomDocument::createTarnElement() {
 int TarnDomDocument::parse(const char* text, boost::shared_ptr<libDomXml::IStripper> stripper) {
   std::unique_ptr<char[]> copy = copyOf(text, stripper.get());
   leaveTree();
-  return parseInPlaceOfEarlier(std::move(copy));
+  return parseReplacingText(std::move(copy));
 }
 
 int TarnDomDocument::parse(std::unique_ptr<char[]> text) {
