@@ -31,13 +31,13 @@ class TARN_API LibTarnExtensionImp : public LibTarnExtension, public ModelNode {
   using ModelNode::clone;
   LibTarnExtensionImp* clone() const override;
   LibTarnExtensionImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   LibTarnExtensionImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
   void updatePath(validation::Validator& validator) const override;
 
-  /// The name, "" when there is none.
+  /// Returns the name, "" when there is none.
   std::string getId() const;
 
  protected:

@@ -22,7 +22,7 @@ class TARN_API LibTarnHeaderImp : public ModelNode, public LibTarnHeader {
   using ModelNode::clone;
   LibTarnHeaderImp* clone() const override;
   LibTarnHeaderImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   LibTarnHeaderImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -34,10 +34,10 @@ class TARN_API LibTarnHeaderImp : public ModelNode, public LibTarnHeader {
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
-  /// Appends copies of the entries of `header`, of more than MAX_LOG_COUNT the newest. False when
-  /// there is none.
+  /// Appends copies of the entries of `header`; of more than MAX_LOG_COUNT only the newest. Returns
+  /// false when `header` has none.
   bool appendCopiesOfLogs(const LibTarnHeader& header, UndoLog& log);
-  /// Removes the oldest entries beyond MAX_LOG_COUNT. Needs no memory.
+  /// Unlinks the oldest entries beyond MAX_LOG_COUNT. Needs no memory.
   void truncate();
 
  protected:

@@ -23,7 +23,7 @@ class TARN_API ListImp : public ModelNode, public List {
   using ModelNode::clone;
   ListImp* clone() const override;
   ListImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   ListImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -42,7 +42,7 @@ class TARN_API ListImp : public ModelNode, public List {
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
-  /// Builds the component index of every item. Throws DuplicateElementException for two components
+  /// Fills the component index of every item. Throws DuplicateElementException for two components
   /// of one name in an item.
   void rebuildIndexersAndDispatchToChildren();
 

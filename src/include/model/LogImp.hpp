@@ -24,7 +24,7 @@ class TARN_API LogImp : public ModelNode, public Log {
   LogImp* clone() const override;
   const char* getValue() const override;
   LogImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   LogImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -32,13 +32,14 @@ class TARN_API LogImp : public ModelNode, public Log {
 
   const char* getAction() const override;
   const char* getDateTime() const override;
-  /// Logs an ERROR line as well, which hosts use as a trace of changes.
+  /// Sets "dateTime" to the current time. Emits a log line at level ERROR, which hosts use as a
+  /// trace of changes.
   void updateDateTime() override;
   LogImp* getNextSiblingElement() const override;
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
-  /// `time` as local time in the form DATETIME_FORMAT.
+  /// Returns `time` as local time in the form of DATETIME_FORMAT.
   static std::string formatDateTime(std::time_t time);
 
  protected:

@@ -7,13 +7,13 @@
 namespace libtarn {
 namespace model {
 
-/// What the node classes of elements that can be copied have in common.
+/// Base of the node classes whose elements can be copied: what they have in common.
 ///
-/// It overrides nothing of the element interfaces: each node class does that itself, so that its
-/// virtual functions stand in the order in which it declares them.
+/// It overrides no function of the element interfaces. Each node class does that itself, so that
+/// its virtual functions have the order in which it declares them.
 class TARN_API ModelNode : public TarnDomElement {
  protected:
-  /// A detached element with the tag `tag` and no attributes, to be made in `pool`. `factory`
+  /// A detached element with the tag `tag` and no attributes, for placement in `pool`. `factory`
   /// makes the elements that are added to it.
   ModelNode(libDomXml::IMemoryPool* pool, util::TarnFactory& factory, const char* tag)
       : TarnDomElement(pool), factory_(factory) {
@@ -22,6 +22,7 @@ class TARN_API ModelNode : public TarnDomElement {
 
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override = 0;
 
+  /// The factory of the element's document.
   util::TarnFactory& factory_;
 };
 

@@ -22,7 +22,7 @@ class TARN_API ScalarImp : public ModelNode, public Scalar {
   using ModelNode::clone;
   ScalarImp* clone() const override;
   ScalarImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   ScalarImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;

@@ -32,7 +32,7 @@ class TARN_API StructureImp : public ModelNode, public Structure {
   using ModelNode::clone;
   StructureImp* clone() const override;
   StructureImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   StructureImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -47,8 +47,8 @@ class TARN_API StructureImp : public ModelNode, public Structure {
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
-  /// Takes the `p` children into the component index. Throws DuplicateElementException for the
-  /// second of one name; those before it stay indexed.
+  /// Adds the `p` children to the component index. Throws DuplicateElementException for the second
+  /// of one name; those before it stay indexed.
   void rebuildIndexers();
 
  protected:
@@ -59,8 +59,8 @@ class TARN_API StructureImp : public ModelNode, public Structure {
   friend struct Internals;
 
   const ScalarImp* indexComponents();
-  std::string placeText() const;
-  [[noreturn]] static void throwDuplicate(const std::string& place, const ScalarImp& component);
+  std::string parentText() const;
+  [[noreturn]] static void throwDuplicate(const std::string& parent, const ScalarImp& component);
   bool hasMatch(const Scalar& pattern) const;
 
   const indexation::ITarnIndexFactory* indexFactory_;

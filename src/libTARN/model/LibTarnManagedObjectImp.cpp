@@ -27,14 +27,14 @@ namespace model {
 
 namespace {
 
-// Stands for any distinguished name.
+// Matches any distinguished name.
 constexpr const char* ANY_DIST_NAME = "_-_";
 
 }  // namespace
 
 const char* const LibTarnManagedObjectImp::UNIQUE_CONTAINER_ID_ATTR_NAME = NAME_ATTRIBUTE;
 
-// The order gives the ordinals.
+// The order determines the ordinals.
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::CREATE("create");
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::DELETE("delete");
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::UPDATE("update");
@@ -121,7 +121,7 @@ void LibTarnManagedObjectImp::setVersion(const std::string& version) {
 
 void LibTarnManagedObjectImp::clearOperation() { operation_.remove(); }
 
-// An object under another kind of element is in no index.
+// An object below another kind of element is in no index.
 std::uint8_t LibTarnManagedObjectImp::setDistName(const char* distName) {
   if (!distNameValidator_->isValid(distName)) return 1;
   if (auto* const cmData = dynamic_cast<LibTarnCmDataImp*>(getParent())) {
@@ -272,8 +272,9 @@ bool LibTarnManagedObjectImp::hasMatch(const List& pattern) const {
 
 // Changing
 
-// What needs memory or may refuse comes first: the parameters, which are taken back when something
-// behind them throws, and the texts of the attributes. Setting the attributes then cannot fail.
+// First comes everything that needs memory or may be refused: the parameters, which are undone when
+// something after them throws, and the texts of the attributes. Setting the attributes then cannot
+// fail.
 bool LibTarnManagedObjectImp::change(const LibTarnManagedObject& pattern,
                                      const LibTarnManagedObject& values) {
   if (!match(pattern)) return false;
@@ -298,7 +299,7 @@ bool LibTarnManagedObjectImp::change(const LibTarnManagedObject& pattern,
 void LibTarnManagedObjectImp::stageAttributes(const LibTarnManagedObject& pattern,
                                               const LibTarnManagedObject& values,
                                               StagedAttributes& attributes) {
-  // The object keeps its place among those of its class when it stays in it.
+  // An object that stays in its class keeps its position among the objects of the class.
   const char* const className = values.getClass();
   if (className && !isWildcard(className) && !isSameText(className, getClass())) {
     attributes.className.emplace(*this, CLASS_ATTRIBUTE, className);
@@ -313,7 +314,7 @@ void LibTarnManagedObjectImp::stageAttributes(const LibTarnManagedObject& patter
   attributes.distName.emplace(*this, DistinguishedName::ATTR_NAME, distName.c_str());
 }
 
-// With `replacement` in place of the first occurrence of `pattern`.
+// Returns the name with `replacement` instead of the first occurrence of `pattern`.
 std::string LibTarnManagedObjectImp::changedDistName(const char* pattern,
                                                      const char* replacement) const {
   std::string distName = getAttribute(DistinguishedName::ATTR_NAME, "");

@@ -23,7 +23,8 @@ namespace indexation {
 
 // Nothing changes during a walk here.
 template <>
-EntryPlace<Number> placeOf(const EntrySource<Number>& /*source*/, const Number& /*entry*/) {
+EntryPosition<Number> lowerBound(const EntrySequence<Number>& /*sequence*/,
+                                 const Number& /*entry*/) {
   return {};
 }
 
