@@ -8,14 +8,13 @@
 
 namespace bench {
 
-/// Whether memory is fresh from the system in each round, or has been used by earlier rounds.
+/// Memory is fresh from the system in each round, or was used by earlier rounds.
 enum class Memory { COLD, WARM };
 
-/// One round of a piece of work: what is measured. True when it went right. What it holds goes
-/// when it is destroyed, which is not measured.
+/// One measured round of a task. Returns true on success. Its destruction is not measured.
 using Round = std::function<bool()>;
 
-/// Gets a round ready from the text of a document, which is not measured.
+/// Prepares a round from the text of a document. Not measured.
 using Prepare = std::function<Round(const std::string& text, Memory memory)>;
 
 /// The same task done by one library.
@@ -26,10 +25,10 @@ struct Work {
   bool slow = false;  ///< Takes so long that it is measured cold only.
 };
 
-/// The works of all libraries, in the order in which they are told.
+/// The tasks of all libraries, in the order of the report.
 std::vector<Work> allWorks();
 
-// What each library does, one source each.
+// The tasks of each library, each in its own source.
 void addTarnWorks(std::vector<Work>& works);
 void addPugixmlWorks(std::vector<Work>& works);
 void addTinyxml2Works(std::vector<Work>& works);
@@ -49,7 +48,7 @@ constexpr const char* MERGE = "merge of a delta that updates every object";
 constexpr const char* RELEASE = "release";
 constexpr const char* LIMIT = "limit";
 
-/// A round that works on `state`, which it owns; `work(State&)` is what is measured.
+/// A round that owns `state`; `work(State&)` is measured.
 template <class State, class Function>
 Round roundOn(std::shared_ptr<State> state, Function work) {
   return [state = std::move(state), work] { return work(*state); };

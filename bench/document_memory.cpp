@@ -1,7 +1,7 @@
-// What a loaded document takes, every index used, for each byte of its text. Does not depend on the
-// machine, only on the size of its pointers.
+// Memory of a loaded document, with every index used, for each byte of its text. Depends on the
+// size of pointers, not on the machine otherwise.
 //
-// Usage: document_memory DOCUMENT [LIMIT]     fails when it is more than LIMIT
+// Usage: document_memory DOCUMENT [LIMIT]     fails when the result is more than LIMIT
 
 #include <cstdio>
 #include <cstdlib>

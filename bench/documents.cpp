@@ -1,8 +1,8 @@
-// Works on one whole document, libtarn and its peers in one process and turn about.
+// Tasks on one whole document; libtarn and its peers take turns in one process.
 //
 // Usage: documents DOCUMENT [--benchmark_...]
 // Names of the benchmarks are TASK/LIBRARY/MEMORY. Memory is cold, that is fresh from the system in
-// every round, or warm, that is used by earlier rounds. Google Benchmark tells the rest:
+// every round, or warm, that is used by earlier rounds. Options of Google Benchmark:
 // --benchmark_filter, --benchmark_repetitions, --benchmark_format=json.
 
 #include <benchmark/benchmark.h>
@@ -39,7 +39,7 @@ std::vector<Work> allWorks() {
 
 namespace {
 
-// Bytes of this process that are in memory.
+// Resident bytes of this process.
 double residentBytes() {
   std::size_t total = 0;
   std::size_t resident = 0;
@@ -88,8 +88,8 @@ void registerAll(const std::string& text) {
   }
 }
 
-// All memory comes from the one heap that is kept, so that a warm round finds it warm; what a cold
-// round is to find fresh is given back before it.
+// All memory comes from one heap. Warm rounds find its memory warm; before a cold round it is given
+// back to the system.
 void keepHeap() {
   mallopt(M_MMAP_MAX, 0);
   mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());

@@ -1,6 +1,5 @@
-// Documents made to be slow, and what load, print and merge do with them. hostile.py counts their
-// instructions under callgrind; each phase is one function, which is counted with all that it
-// calls.
+// Load, print and merge of documents made to be slow. hostile.py counts the instructions under
+// callgrind. Each phase is one function; its count includes everything that it calls.
 //
 // Usage: hostile --list
 //        hostile SHAPE BYTES load|print|merge|times
@@ -25,7 +24,7 @@ using namespace libtarn::model;
 void libtarn::util::Logger::print(Level /*level*/, const char* /*location*/,
                                   const char* /*function*/, const char* /*message*/) {}
 
-// Of C, so that the names are those that callgrind is told.
+// With C linkage, so that callgrind gets the names as they are here.
 extern "C" {
 
 [[gnu::noinline]] void measured_load(LibTarnDocument& document, std::vector<char>& text) {
@@ -44,7 +43,7 @@ extern "C" {
 
 namespace {
 
-// One more piece of a document, the `number`-th.
+// The `number`-th piece of a document.
 using Piece = std::function<std::string(std::size_t number)>;
 
 std::string whole(const std::string& content) {
@@ -54,7 +53,7 @@ std::string whole(const std::string& content) {
 
 const std::string HEADER = "<header><log dateTime='d' action='a'/></header>";
 
-// `before`, pieces until there are so many bytes, `after`.
+// `before`, pieces up to that number of bytes, `after`.
 std::string repeat(std::size_t bytes, const std::string& before, const Piece& piece,
                    const std::string& after) {
   std::string text = before;
@@ -79,12 +78,12 @@ std::string nested(std::size_t bytes, const std::string& before, const std::stri
 
 std::string digits(std::size_t number) { return std::to_string(number); }
 
-// In no order.
+// In random order.
 std::string shuffled(std::size_t number) {
   return std::to_string(number * 2654435761U % 4294967291U);
 }
 
-// Names of 16 bytes that all have one hash: the second word takes back what the first one did.
+// Names of 16 bytes that all have one hash: the second word cancels the first one.
 std::string crowding(std::size_t number) {
   constexpr std::uint64_t PRIME = 0x9E3779B97F4A7C15U;
   static std::mt19937_64 random(1);
@@ -102,7 +101,7 @@ std::string crowding(std::size_t number) {
   return digits(number);
 }
 
-// How many slots a table of so many names has, and the slot of a name in it.
+// The number of slots of a table with that number of names, and the slot of a name in it.
 std::size_t slotsFor(std::size_t count) {
   std::size_t slots = 16;
   while (slots / 3 * 2 < count) slots *= 2;
@@ -120,11 +119,11 @@ std::string object(const std::string& name, const std::string& content) {
 struct Shape {
   const char* name;
   std::function<std::string(std::size_t bytes)> make;
-  /// What the text is merged into beside itself; an empty document when there is no such function.
+  /// The source of the merge, beside the text itself; without the function, an empty document.
   std::function<std::string(std::size_t bytes)> makeSource = nullptr;
 };
 
-// Objects that fill the slots of a table one behind the other, each in the slot of its hash, ...
+// Objects that fill neighbouring slots of a table, each in the slot of its hash, ...
 constexpr std::size_t BYTES_OF_OBJECT = 64;
 
 std::string objectsInARow(std::size_t bytes) {
@@ -252,13 +251,13 @@ const Shape SHAPES[] = {
            bytes, HEADER, [](std::size_t i) { return object("A-" + shuffled(i), "<p name='a'/>"); },
            "<managedObject class='C' distName='B-1' operation='x'/>"));
      }},
-    {"a zero byte at the end",
+    {"a NUL at the end",
      [](std::size_t bytes) {
        return whole(repeat(
            bytes, HEADER, [](std::size_t i) { return object("A-" + shuffled(i), "<p name='a'/>"); },
            object("B-1", "<p name='a'>&#0;</p>")));
      }},
-    {"a header behind all objects",
+    {"a header after all objects",
      [](std::size_t bytes) {
        return whole(repeat(
            bytes, "", [](std::size_t i) { return object("A-" + shuffled(i), ""); }, HEADER));
@@ -268,7 +267,7 @@ const Shape SHAPES[] = {
      [](std::size_t bytes) {
        return whole(always(bytes, "<header>", "<log dateTime='d' action='a'/>", "</header>"));
      }},
-    {"log entries behind other elements",
+    {"log entries after other elements",
      [](std::size_t bytes) {
        return whole(always(bytes, always(bytes / 2, "<header>", "<p/>", ""),
                            "<log dateTime='d' action='a'/>", "</header>"));
@@ -341,7 +340,7 @@ const Shape SHAPES[] = {
      }},
 };
 
-/// What is measured: the text of a shape, and what it is merged into.
+/// The text of a shape, and the source of its merge.
 struct Texts {
   std::vector<char> text;
   std::string source;
@@ -366,12 +365,12 @@ void run(const Texts& texts, const std::string& phase) {
   if (phase != "merge") return;
   LibTarnDocument delta;
   delta.parse(text, false);
-  // Into the same, and into one that has none of the objects.
+  // Into the same document, and into one that has none of the objects.
   measured_merge(document, delta);
   LibTarnDocument source;
   source.parse(texts.source.c_str(), false);
   if (const LibTarnCmData* const cmData = delta.getLibTarnCmData()) {
-    // The first merge has made updates of them.
+    // The first merge has changed their operations to "update".
     for (LibTarnManagedObject* each : cmData->getLibTarnManagedObjects()) each->clearOperation();
   }
   measured_merge(source, delta);
@@ -384,9 +383,9 @@ double nanoseconds(Work work) {
   return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Medians of a few rounds: nanoseconds for each byte of text, of what is printed for print, and
-// bytes of memory for each byte of text.
-void tellTimes(const Texts& texts) {
+// Medians of a few rounds: nanoseconds for each byte of text (of the output, for print), and bytes
+// of memory for each byte of text.
+void reportTimes(const Texts& texts) {
   const std::vector<char>& text = texts.text;
   std::vector<double> times[3];
   double memory = 0;
@@ -427,7 +426,7 @@ int main(int argc, char** argv) {
     if (std::strcmp(shape.name, argv[1]) != 0) continue;
     const Texts texts = textsOf(shape, std::strtoul(argv[2], nullptr, 10));
     if (std::strcmp(argv[3], "times") == 0) {
-      tellTimes(texts);
+      reportTimes(texts);
     } else {
       run(texts, argv[3]);
     }

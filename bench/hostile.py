@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""How load, print and merge grow on documents made to be slow.
+"""Measures how load, print and merge grow on documents made to be slow.
 
 Usage: bench/hostile.py BUILD [--times] [--only REGEX]
 
-Counts instructions under callgrind for each shape that `hostile --list` tells, at a size and at
-four times that size. More than 4 * 1.25 as many for any of them is worse than n log n, and the exit
-status is 1. With --times a table of nanoseconds for each byte at 4 MiB is written instead, beside an
-ordinary document's. --only takes the shapes whose names it finds.
+Counts instructions under callgrind for each shape that `hostile --list` lists, at one size and at
+four times that size. The exit status is 1 if any count grows by more than 4 * 1.25, which is worse
+than n log n. With --times it writes a table of nanoseconds for each byte at 4 MiB instead, with
+ratios to an ordinary document. --only selects shapes by a regular expression for their names.
 """
 
 import argparse
@@ -56,7 +56,7 @@ def hold(program, shapes):
     return 1 if worst else 0
 
 
-def tell_times(program, shapes):
+def print_times(program, shapes):
     print("| Document of 4 MiB | load | print | merge | memory |\n|---|---|---|---|---|")
     ordinary = None
     for shape in shapes:
@@ -82,11 +82,11 @@ def main():
                             text=True).stdout.splitlines()
     shapes = [shape for shape in shapes if re.search(arguments.only, shape)]
     if not shapes:
-        parser.error(f"no shape is like {arguments.only}")
+        parser.error(f"no shape matches {arguments.only}")
     if arguments.times:
-        return tell_times(program, shapes)
+        return print_times(program, shapes)
     if not shutil.which("valgrind"):
-        print("valgrind is not there: nothing is counted.", file=sys.stderr)
+        print("valgrind is missing: nothing is counted.", file=sys.stderr)
         return SKIPPED
     return hold(program, shapes)
 

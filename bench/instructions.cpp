@@ -1,5 +1,5 @@
-// The work whose instructions instructions.py counts under callgrind: each phase is one function,
-// which is counted with all that it calls.
+// The phases whose instructions instructions.py counts under callgrind. Each phase is one function;
+// its count includes everything that it calls.
 //
 // Usage: instructions DOCUMENT load|print|merge
 
@@ -19,7 +19,7 @@ void libtarn::util::Logger::print(Level level, const char* /*location*/, const c
   if (level == Level::ERROR) std::fprintf(stderr, "%s\n", message);
 }
 
-// Of C, so that the names are those that callgrind is told.
+// With C linkage, so that callgrind gets the names as they are here.
 extern "C" {
 
 [[gnu::noinline]] bool measured_load(LibTarnDocument& document, std::vector<char>& text) {

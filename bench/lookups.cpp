@@ -1,8 +1,8 @@
-// Look-ups by name, libtarn beside what a host would use in its place.
+// Look-ups by name, libtarn beside what a host would use instead.
 //
 // Usage: lookups [--benchmark_...]
-// Names of the benchmarks are WHAT/LIBRARY/NUMBER OF NAMES. Names are asked for in an order of
-// their own, each look-up in nanoseconds.
+// Names of the benchmarks are TASK/LIBRARY/NUMBER OF NAMES. The time is that of one look-up, in
+// nanoseconds; names are looked up in random order.
 
 #include <benchmark/benchmark.h>
 

@@ -46,7 +46,7 @@ def value(rng, quantity):
     return str(rng.choice([rng.randrange(10), rng.randrange(1000), -rng.randrange(10 ** 6)]))
 
 
-# Each class has parameters of its own, in an order of its own.
+# Each class has its own parameters, in its own order.
 def class_parameters(number):
     rng = random.Random(number)
     names = [(quality, quantity) for quality in QUALITIES for quantity in QUANTITIES]

@@ -1,7 +1,7 @@
-// How long the phases of a document's life take beside one another, in one run: load, validation,
-// merge of a small delta, merge of a delta that updates every object.
+// Times of the phases of a document in one run: load, validation, merge of a small delta, merge of
+// a delta that updates every object.
 //
-// Usage: phase_times DOCUMENT [ROUNDS]     medians of so many rounds (7)
+// Usage: phase_times DOCUMENT [ROUNDS]     medians of that number of rounds (7)
 
 #include <algorithm>
 #include <chrono>
@@ -33,7 +33,7 @@ constexpr std::size_t SMALL_DELTA = 1000;  // objects
 
 class PhaseTimes {
  public:
-  /// `work` returns whether it went right.
+  /// `work` returns true on success.
   void measure(const char* phase, const std::function<bool()>& work) {
     const auto start = std::chrono::steady_clock::now();
     const bool done = work();
@@ -46,7 +46,7 @@ class PhaseTimes {
     times_[phase].push_back(time.count());
   }
 
-  void tell() {
+  void report() {
     const double load = median(LOAD);
     for (const char* phase : order_) {
       std::printf("%-42s %10.2f ms  %7.4f loads\n", phase, median(phase), median(phase) / load);
@@ -72,7 +72,7 @@ std::vector<char> readFile(const char* path) {
   return text;
 }
 
-// Objects of `document`, as many and as evenly spread as `count` says, with one parameter each.
+// `count` evenly spread objects of `document`, with one parameter each.
 void fillDelta(const LibTarnDocument& document, std::size_t count, LibTarnDocument& delta) {
   libtarn::util::TarnFactory& factory = delta.getFactory();
   auto* const cmData = factory.createLibTarnCmData(libtarn::model::LibTarnCmData::Type::PLAN);
@@ -133,5 +133,5 @@ int main(int argc, char** argv) {
   PhaseTimes times;
   for (int round = 0; round < rounds; ++round) measureRound(text, times);
   std::printf("%s: %zu bytes, medians of %d rounds\n", argv[1], text.size() - 1, rounds);
-  times.tell();
+  times.report();
 }

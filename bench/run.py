@@ -61,7 +61,7 @@ def document_file(folder, name, options):
 
 
 def google_benchmark(command, rounds):
-    """Medians by name: {name: {"seconds": ..., "resident": ...}}. All rounds are turn about."""
+    """Medians by name: {name: {"seconds": ..., "resident": ...}}. The benchmarks take turns."""
     run = subprocess.run(
         [*command, f"--benchmark_repetitions={rounds}", "--benchmark_enable_random_interleaving=true",
          "--benchmark_format=json"], check=True, stdout=subprocess.PIPE, text=True)
@@ -133,7 +133,7 @@ def measure_instructions(build):
     return json.loads(run.stdout)
 
 
-# Processes come first: what this one takes in between would count as theirs.
+# Processes come first: memory that this one takes in between would count as theirs.
 def measure(build, rounds, only):
     results = {"rounds": rounds}
     note("processes")
@@ -146,7 +146,7 @@ def measure(build, rounds, only):
     return results
 
 
-# Telling
+# Report
 
 class Results:
     def __init__(self, results):
@@ -222,7 +222,7 @@ def goals(r):
     ]
 
 
-# What the ratios of a task are against.
+# The peer with which the ratios of a task compare.
 PEER_OF = {"parse": "parse/pugixml", "load": "load/pugixml and indexes",
            "load, every index walked": "load, every index walked/pugixml and indexes",
            "load and validate": "load and validate/libyang", "validate": "validate/libyang",
@@ -230,12 +230,12 @@ PEER_OF = {"parse": "parse/pugixml", "load": "load/pugixml and indexes",
            "merge of a delta that updates every object":
                "merge of a delta that updates every object/libyang",
            "release": "release/pugixml", "limit": None}
-# What builds something whose memory can be told, where the document is large enough to see it.
+# Tasks that build something whose memory can be measured, if the document is large enough.
 BUILDING = ["parse", "load", "load, every index walked"]
 LEAST_FOR_MEMORY = 8 * MIB
 
 
-# Ours first; the limits as they come.
+# libtarn first; the limits in their own order.
 LIBRARIES = ["DomDocument", "libtarn", "pugixml", "pugixml and indexes", "tinyxml2", "libxml2",
              "expat (events)", "libyang"]
 
@@ -261,9 +261,9 @@ def works_table(r, name):
                 row += [f"{seconds * 1e3:,.1f}", f"{r.rate(f'{work}/{memory}', name):,.0f}",
                         f"{reference['seconds'] / seconds:.2f}" if reference else ""]
             row.append(f"{r.seconds(f'{work}/cold', name) * 1e9 / document['elements']:,.0f}")
-            tells_memory = (task in BUILDING and "events" not in work and
+            has_memory = (task in BUILDING and "events" not in work and
                             document["bytes"] >= LEAST_FOR_MEMORY)
-            row.append(f"{r.memory(f'{work}/cold', name):.2f}" if tells_memory else "")
+            row.append(f"{r.memory(f'{work}/cold', name):.2f}" if has_memory else "")
             rows.append(row)
     return table(["Task", "Library", "cold, ms", "MB/s", "ratio", "warm, ms", "MB/s", "ratio",
                   "ns an element, cold", "memory"], rows)
@@ -383,7 +383,7 @@ def write(results):
     values = {"machine": machine(), "rounds": results["rounds"],
               "bytes": f"{r.document(MAIN)['bytes']:,}", "objects": f"{r.document(MAIN)['objects']:,}",
               "elements": f"{r.document(MAIN)['elements']:,}",
-              "goals": table(["What", "to reach", "measured"], goals(r)), "works": works_table(r, MAIN),
+              "goals": table(["Task", "target", "measured"], goals(r)), "works": works_table(r, MAIN),
               "memory": memory_table(r), "others": other_documents(r), "orders": orders_table(r),
               "lookups": lookups_table(r), "processes": processes_table(r),
               "instructions": instructions_table(r)}

@@ -6,8 +6,7 @@
 
 namespace bench {
 
-/// Asks the index of each item of each list of `object` for all its entries; returns how many lists
-/// and entries there are.
+/// Walks the index of each item of each list of `object`. Returns the number of lists and entries.
 inline std::size_t walkLists(const libtarn::model::LibTarnManagedObject& object) {
   std::size_t count = 0;
   for (const auto& list : object.getListParameters()) {
@@ -20,8 +19,8 @@ inline std::size_t walkLists(const libtarn::model::LibTarnManagedObject& object)
   return count;
 }
 
-/// Asks every index of the document for all its entries; returns how many there are. Sorts those
-/// that are sorted when first asked.
+/// Walks every index of the document, which sorts those that are sorted when first needed. Returns
+/// the number of entries.
 inline std::size_t walkIndexes(const libtarn::model::LibTarnDocument& document) {
   std::size_t count = 0;
   const libtarn::model::LibTarnCmData& cmData = *document.getLibTarnCmData();

@@ -1,4 +1,4 @@
-# Run by CPack when the files of each package are in place, before the packages are made.
+# CPack runs this after it has installed the files of each package and before it makes the packages.
 
 foreach(pair IN LISTS CPACK_TARN_PACKAGES)
   string(REPLACE "=" ";" pair "${pair}")

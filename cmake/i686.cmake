@@ -1,14 +1,14 @@
-# 32-bit x86 with Debian's g++-i686-linux-gnu. The programs run on a 64-bit x86 Linux as they are:
-# they name the loader and the libraries of the cross compiler, so no 32-bit system is needed.
+# 32-bit x86 with Debian's g++-i686-linux-gnu. The programs run on 64-bit x86 Linux without an emulator:
+# they use the loader and the libraries of the cross compiler, so no 32-bit system is needed.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER i686-linux-gnu-gcc)
 set(CMAKE_CXX_COMPILER i686-linux-gnu-g++)
 
 set(i686_libraries /usr/i686-linux-gnu/lib)
-# Inode numbers of the host's file systems need not fit 32 bits.
+# Inode numbers of file systems of the build machine may need more than 32 bits.
 set(CMAKE_CXX_FLAGS_INIT "-D_FILE_OFFSET_BITS=64")
-# The older kind of run path holds for the libraries of libraries, too: libm of libstdc++.
+# RPATH, unlike RUNPATH, is also used for libraries of libraries: libm of libstdc++.
 set(i686_run_path "-Wl,--disable-new-dtags,-rpath,${i686_libraries}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${i686_run_path}")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "${i686_run_path}")

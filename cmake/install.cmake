@@ -1,5 +1,5 @@
-# What `cmake --install` puts down, in three components: what programs need to run (runtime), what
-# they need to be built (development), and the command (command).
+# The files of `cmake --install`, in three components: those that programs need to run (runtime), those
+# that they need to be built (development), and the command (command).
 
 include(CMakePackageConfigHelpers)
 
@@ -17,14 +17,14 @@ install(DIRECTORY DomXML/Include/ src/include/
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/tarn)
 configure_package_config_file(cmake/tarnConfig.cmake.in ${PROJECT_BINARY_DIR}/tarnConfig.cmake
   INSTALL_DESTINATION ${package_folder})
-# Before 1.0, what a minor version adds may replace what the last one had.
+# Before 1.0 a minor version may change or remove parts of the interface.
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/tarnConfigVersion.cmake
   COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/tarnConfig.cmake ${PROJECT_BINARY_DIR}/tarnConfigVersion.cmake
   DESTINATION ${package_folder} COMPONENT development)
 install(EXPORT tarnTargets NAMESPACE tarn:: DESTINATION ${package_folder} COMPONENT development)
 
-# With the prefix that `cmake --install` is given.
+# With the prefix of `cmake --install`.
 set(prefix_of_package "@CMAKE_INSTALL_PREFIX@")
 configure_file(cmake/tarn.pc.in ${PROJECT_BINARY_DIR}/tarn.pc.in @ONLY)
 install(CODE "configure_file(

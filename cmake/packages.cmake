@@ -47,7 +47,7 @@ ${about}
 
 This package has the command tarn, which does the same for files.")
 
-# What the policy asks for in every package, and for compressed manuals.
+# Files that the Debian policy demands in every package, and compressed manuals.
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/finishPackages.cmake)
 set(CPACK_TARN_SOURCE_DIR ${PROJECT_SOURCE_DIR})
 set(CPACK_TARN_PACKAGES "runtime=${library_package};development=libtarn-dev;command=tarn")

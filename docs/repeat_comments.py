@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Filter for Doxygen: repeats a comment for each declaration that it is for.
+"""Filter for Doxygen: repeats a comment for each declaration of its group.
 
 In the headers a comment is for all declarations that follow it, up to a blank line, another comment
 or the end of the class; Doxygen takes it for the first one only. Destructors and what is deleted

@@ -1,11 +1,11 @@
-// The one function that a host has to define: where log lines go. Copy this file into the host, or
-// write lines to whatever the host logs to.
+// The one function that a host has to define, the log callback. Copy this file into the host, or
+// write the lines to the host's own log.
 
 #include <cstdio>
 #include <libtarn/util/Logger.hpp>
 
-// Called from whichever thread uses a document. One call of fprintf() is one whole line even when
-// several threads log; what it throws would be dropped.
+// Called on the thread that uses the document. One call of fprintf() writes a whole line even when
+// several threads log. The library would drop an exception.
 void libtarn::util::Logger::print(Level level, const char* location, const char* function,
                                   const char* message) {
   if (level != Level::ERROR) return;

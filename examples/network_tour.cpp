@@ -1,5 +1,5 @@
-// What a host does with a document: load it, count, select by a mask, change what was selected, and
-// write the result.
+// Loads a document, counts its objects, selects some by a mask, changes them, and writes the
+// result.
 //
 // Usage: network_tour DOCUMENT RESULT
 
@@ -19,7 +19,7 @@ using libtarn::model::LibTarnManagedObject;
 using libtarn::model::Scalar;
 using libtarn::util::TarnFactory;
 
-// The library leaves it to its host where log lines go; this one shows the errors.
+// The log callback: this host prints the errors.
 void libtarn::util::Logger::print(Level level, const char* location, const char* function,
                                   const char* message) {
   if (level != Level::ERROR) return;
@@ -44,7 +44,7 @@ bool load(const char* path, LibTarnDocument& document) {
   return document.parse(std::move(text), false) == 0;
 }
 
-void tellClasses(const LibTarnCmData& cmData) {
+void printClasses(const LibTarnCmData& cmData) {
   std::map<std::string, unsigned> countOfClass;
   for (const LibTarnManagedObject* object : cmData.getLibTarnManagedObjects()) {
     ++countOfClass[object->getClass() ? object->getClass() : ""];
@@ -56,7 +56,7 @@ void tellClasses(const LibTarnCmData& cmData) {
   }
 }
 
-void tellValues(const std::list<LibTarnManagedObject*>& objects) {
+void printValues(const std::list<LibTarnManagedObject*>& objects) {
   for (const LibTarnManagedObject* object : objects) {
     const Scalar* const parameter = object->getScalarParameter(PARAMETER);
     std::cout << "  " << object->getDistName() << ": " << PARAMETER << " = "
@@ -89,9 +89,9 @@ int main(int argc, char** argv) {
     return 2;
   }
   std::cout << argv[1] << ": ";
-  tellClasses(*cmData);
+  printClasses(*cmData);
 
-  // "#" stands for any version; the name is a part of the names that are meant.
+  // "#" matches any version. The name matches every name that it is a part of.
   TarnFactory& factory = document.getFactory();
   const LibTarnManagedObject* const mask =
       factory.createLibTarnManagedObject(SELECTED_CLASS, SELECTED_SITE, "#");
@@ -101,10 +101,10 @@ int main(int argc, char** argv) {
   const std::list<LibTarnManagedObject*> selected = document.getMOsMatchingMask(*mask);
   std::cout << selected.size() << " objects of class " << SELECTED_CLASS << " under "
             << SELECTED_SITE << " before the change:\n";
-  tellValues(selected);
+  printValues(selected);
   document.setChangesToMOs(*mask, *changes);
   std::cout << "after it:\n";
-  tellValues(selected);
+  printValues(selected);
 
   if (!save(document, argv[2])) return 5;
   std::cout << "The changed document is in " << argv[2] << '\n';

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Usage: upgrade.sh TARN FOLDER
-# The main job: checks a network, merges an upgrade into it, checks the result, and shows that a
-# delta that conflicts changes nothing. TARN is the command; results go into FOLDER. Runs in the root
-# of the repository.
+# The usual work: validates a network, merges an upgrade into it, validates the result, and shows that
+# a delta with a conflict changes nothing. TARN is the command; results go into FOLDER. Runs in the
+# root of the repository.
 set -euo pipefail
 tarn=$1 results=$2
 network=examples/network.xml

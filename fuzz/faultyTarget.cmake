@@ -1,9 +1,9 @@
 # add_faulty_target(NAME [SOURCE...]): the program faulty_NAME is fuzz_NAME with faults/NAME.patch.
 #
-# Only what the fault is in is compiled again: each SOURCE, relative to the root of the repository, or
-# the patched file when there is none. The compiler sees the patched text at the place of the original
-# one (an overlay of its file system), so that whatever way a file is included leads to the fault. The
-# linker takes these objects first, and from the library's archive what they do not define.
+# Only sources with the fault are compiled again: each SOURCE, relative to the root of the repository, or
+# the patched file when there is none. An overlay of the compiler's file system replaces the original
+# file with the patched one, so every include of the file has the fault. The linker takes these objects
+# first, and the rest from the library's archive.
 function(add_faulty_target name)
   set(patch ${CMAKE_CURRENT_SOURCE_DIR}/faults/${name}.patch)
   set(folder ${CMAKE_CURRENT_BINARY_DIR}/planted/${name})

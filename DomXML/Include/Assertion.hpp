@@ -10,9 +10,12 @@ namespace libDomXml {
 
 }  // namespace libDomXml
 
-/// Stops the process when `condition` is false: the host broke a precondition, or an invariant of
-/// the library is gone. Active in every build. `text` is what the message quotes; it is part of the
-/// interface, since hosts recognise a failure by it. Never used for what document text can cause.
+/// Aborts the process when `condition` is false: the host broke a precondition, or an invariant of
+/// the library does not hold. Active in every build. Not used for anything that document text can
+/// cause.
+///
+/// `text` is what the message quotes. It is part of the interface, since hosts recognise a failure
+/// by it.
 #define TARN_ASSERT(condition, text)                                                          \
   (static_cast<bool>(condition)                                                               \
        ? static_cast<void>(0)                                                                 \

@@ -5,30 +5,36 @@
 
 namespace libDomXml {
 
-/// Walks all attributes of one element, in both directions.
+/// Iterates over all attributes of one element, in both directions.
 ///
-/// A value that borrows the attribute. Null is the end; a step from the end, or a look at it, is an
+/// A value that borrows the attribute. Null is the end: to advance or to dereference the end is an
 /// assertion ("attribute").
 class TARN_API DomAttributeIterator {
  public:
-  /// At `attribute`; null is the end.
+  /// Starts at `attribute`; null is the end.
   explicit DomAttributeIterator(DomAttribute* attribute) : attribute_(attribute) {}
 
-  /// The current attribute, null at the end.
+  /// Returns the current attribute, or null at the end.
   DomAttribute* get() const { return attribute_; }
+  /// Returns the current attribute; not at the end (asserted).
   DomAttribute& operator*() const;
+  /// Returns the current attribute; not at the end (asserted).
   DomAttribute* operator->() const;
 
-  /// To the next or previous attribute of any name, or the end.
+  /// Moves to the next attribute of any name, or to the end.
   DomAttributeIterator& operator++();
+  /// Moves to the next attribute of any name, or to the end. Returns the position before.
   DomAttributeIterator operator++(int);
+  /// Moves to the previous attribute of any name, or to the end.
   DomAttributeIterator& operator--();
+  /// Moves to the previous attribute of any name, or to the end. Returns the position before.
   DomAttributeIterator operator--(int);
 
-  /// Whether both are at the same attribute, or at the end.
+  /// Returns true if both are at the same attribute, or both at the end.
   bool operator==(const DomAttributeIterator& other) const {
     return attribute_ == other.attribute_;
   }
+  /// Returns true if the two are at different attributes.
   bool operator!=(const DomAttributeIterator& other) const { return !(*this == other); }
 
  private:

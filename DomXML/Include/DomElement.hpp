@@ -10,25 +10,27 @@
 
 namespace libDomXml {
 
-/// An element of a DOM tree that is at the same time the node record of the XML core.
+/// An element of a DOM tree, which is at the same time the node record of the XML core.
 ///
-/// Lives in its document's pool until the document goes, also after it has been removed from the
-/// tree. Linking objects of different pools, one that is linked already, or an element below itself
-/// is an assertion.
+/// Lives in its document's pool until the document is destroyed, also after it has been removed
+/// from the tree. It is an assertion to link an element of another pool, one that is linked
+/// already, or an element below itself.
 class TARN_API DomElement : public IDomElement, public rapidxml::xml_node<char> {
  public:
-  /// A detached element without name and text, to be made in `pool`.
+  /// A detached element without name and text, for placement in `pool`.
   explicit DomElement(IMemoryPool* pool)
       : rapidxml::xml_node<char>(rapidxml::node_element), domFactory_(pool) {}
 
-  /// Pool objects are not freed one by one.
+  /// Does nothing: the pool frees its objects together.
   static void operator delete(void* /*memory*/) {}
-  static void* operator new(std::size_t /*size*/, void* place) { return place; }
+  /// Placement new: constructs the element at `address`.
+  static void* operator new(std::size_t /*size*/, void* address) { return address; }
 
-  /// clone() keeps the node kind, `clone(pool)` makes plain elements. Children whose class
-  /// overrides the function are asked for their copies; of others plain elements are made. Neither
-  /// recurses on the depth of the tree, but for what such an override does.
+  /// Returns a deep, detached copy in the same pool, which keeps the node kind. A child whose class
+  /// overrides this function is asked for its copy; every other one is copied as a DomElement. Does
+  /// not recurse on the depth of the tree, except in such overrides.
   IDomElement* clone() const override;
+  /// Like clone(), in `pool`. The copy is an element, whatever the node kind.
   IDomElement* clone(IMemoryPool* pool) const override;
 
   const char* getTagName() const override;
@@ -37,7 +39,7 @@ class TARN_API DomElement : public IDomElement, public rapidxml::xml_node<char> 
   void setValue(const char* value) override;
   const char* getAttribute(const char* name) const override;
   const char* getAttribute(const char* name, const char* defaultValue) const override;
-  /// As getAttribute(), for a literal, whose length is known.
+  /// Like getAttribute(), for a literal, whose length is known.
   template <std::size_t Size>
   const char* getLiteralAttribute(const char (&name)[Size]) const {
     const auto* attribute = first_attribute();
@@ -65,18 +67,18 @@ class TARN_API DomElement : public IDomElement, public rapidxml::xml_node<char> 
   IDomElement* getParent() const override;
   IDomDocument* getDocument() const override;
 
-  /// Makes texts and nodes in the pool of this element.
+  /// Returns a factory for texts and nodes in the pool of this element.
   const DomFactory* getDomFactory() const { return &domFactory_; }
 
-  /// Moves name, value and attributes into the pool, so that the element outlives the text that it
-  /// was parsed from.
+  /// Copies name, value and the texts of the attributes into the pool, so that the element outlives
+  /// the text that it was parsed from.
   void moveTextsIntoPool();
 
  protected:
   /// Adds copies of the attributes to `target`, in the target's pool.
   void copyAttributesTo(DomElement& target) const;
 
-  /// Over the pool of this element.
+  /// Factory over the pool of this element.
   DomFactory domFactory_;
 
  private:

@@ -7,9 +7,9 @@ class DomElement;
 
 /// The copy of one element, and whether its children are still to be copied.
 struct ElementCopy {
-  /// Detached.
+  /// The copy, detached.
   DomElement* element;
-  /// False when the copy has its children already, or is to have none.
+  /// False if the copy has its children already, or is to have none.
   bool lacksChildren;
 };
 

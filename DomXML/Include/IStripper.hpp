@@ -12,7 +12,7 @@ class TARN_API IStripper {
   virtual ~IStripper() = default;
 
   /// Copies from `text`, which holds `length` characters, to `destination`, which has room for as
-  /// many and a terminator. Returns the number of characters written, at most `length`.
+  /// many and a terminating NUL. Returns the number of characters written, at most `length`.
   virtual std::size_t copy(char* destination, const char* text, std::size_t length) = 0;
 };
 

@@ -2,10 +2,10 @@
 
 namespace libDomXml {
 
-/// What a document whose pool takes its blocks from memory maps does when the system gives none.
+/// What a document whose pool uses memory maps does when the system has no memory.
 enum class OutOfMemory {
   Assert,  ///< The process ends with the assertion "memory".
-  Throw    ///< The operation throws std::bad_alloc; the document can be used on or destroyed.
+  Throw    ///< The operation throws std::bad_alloc; the document can still be used or destroyed.
 };
 
 }  // namespace libDomXml

@@ -1,5 +1,5 @@
 #pragma once
 
-/// Stands before what hosts may use of the shared library: everything else in it is hidden, so that
-/// it is free to change, and calls within the library need no detour.
+/// Marks what the shared library exports. Everything else is hidden: it is free to change, and
+/// calls within the library stay direct.
 #define TARN_API __attribute__((visibility("default")))

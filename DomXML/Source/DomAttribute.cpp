@@ -7,7 +7,8 @@ namespace libDomXml {
 
 namespace {
 
-// As texts, up to a zero that the current one may hold; one that came with its size may have none.
+// Compares texts: `current` counts up to a NUL that it may hold. It need not have a terminating
+// one.
 bool isSame(const char* current, std::size_t size, const char* text) {
   return std::string_view(current, strnlen(current, size)) == text;
 }

@@ -71,12 +71,12 @@ void DomDocument::mmapFree(void* memory) {
 
 int DomDocument::parse(std::unique_ptr<char[]> text) {
   leaveText();
-  buffer_.swap(text);
-  return parseBuffer();
+  text_.swap(text);
+  return parseText();
 }
 
 int DomDocument::parse(const char* text, boost::shared_ptr<IStripper> stripper) {
-  return parseInPlaceOfEarlier(copyOf(text, stripper.get()));
+  return parseReplacingText(copyOf(text, stripper.get()));
 }
 
 std::unique_ptr<char[]> DomDocument::copyOf(const char* text, IStripper* stripper) {
@@ -92,14 +92,15 @@ std::unique_ptr<char[]> DomDocument::copyOf(const char* text, IStripper* strippe
   return copy;
 }
 
-int DomDocument::parseInPlaceOfEarlier(std::unique_ptr<char[]> text) {
+int DomDocument::parseReplacingText(std::unique_ptr<char[]> text) {
   leaveText();
-  buffer_ = std::move(text);
-  return parseBuffer();
+  text_.swap(text);
+  text.reset();
+  return parseText();
 }
 
-int DomDocument::parseBuffer() {
-  const int result = rapidParse(buffer_.get());
+int DomDocument::parseText() {
+  const int result = rapidParse(text_.data());
   if (result != 0) return result;
   moveDeclarationOut();
   return 0;
@@ -115,14 +116,15 @@ int DomDocument::rapidParse(char* text) {
   return 0;
 }
 
-// What a host's own rapidParse() makes of the next text is not known: it may detach nothing.
+// The document cannot rely on a host's rapidParse() to detach the earlier tree.
 void DomDocument::leaveText() {
   moveDeclarationIntoPool();
   remove_all_nodes();
   remove_all_attributes();
 }
 
-// Once for each text that brings one: parse after parse would take as much memory again.
+// Only once for each text that brings a declaration: otherwise each parse would take that memory
+// again.
 void DomDocument::moveDeclarationIntoPool() {
   if (!declarationIsInText_) return;
   declaration_->moveTextsIntoPool();
@@ -164,7 +166,8 @@ void* DomDocument::allocateMemory(unsigned int size) { return allocate_aligned(s
 
 void DomDocument::deallocateMemory(void* /*memory*/) {}
 
-// The parser asks without texts, so often that it gets what the factory would make straight away.
+// The parser passes no texts. It calls these so often that they build the object without the
+// factory.
 
 DomElement* DomDocument::allocate_node(rapidxml::node_type type, const char* name,
                                        const char* value, std::size_t nameSize,
@@ -193,7 +196,7 @@ IDomElement* DomDocument::clone() const {
 
 IDomElement* DomDocument::clone(IMemoryPool* /*pool*/) const { return clone(); }
 
-// A document is no element with a name, a value or attributes.
+// A document has no name, value or attributes.
 
 const char* DomDocument::getTagName() const { return nullptr; }
 void DomDocument::setTagName(const char* /*name*/) {}

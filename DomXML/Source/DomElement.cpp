@@ -32,16 +32,16 @@ DomElement* copyWithoutChildren(const DomElement& source, IMemoryPool* pool,
   return copy;
 }
 
-// Whether the class of `element` brings a function of its own.
+// Returns true if the class of `element` overrides the function.
 bool overrides(const DomElement& element, VirtualFunction function) {
   if (typeid(element) == typeid(DomElement)) return false;
-  const DomElement plain(nullptr);
-  return !runSameCode(element, plain, function);
+  const DomElement base(nullptr);
+  return !runSameCode(element, base, function);
 }
 
 }  // namespace
 
-// Classes with a clone() of their own know how they are copied. It is they who recurse, if any.
+// A class with a clone() of its own makes its copies itself, and may recurse.
 
 IDomElement* DomElement::clone() const {
   const auto copyOne = [this](const DomElement& source) {
@@ -68,7 +68,7 @@ IDomElement* DomElement::clone(IMemoryPool* pool) const {
   return copyTree(*this, copyOne, [](DomElement&) {});
 }
 
-// As addAttribute() for a copy of each, but without a walk along all names for each of many.
+// Like addAttribute() for a copy of each, but does not compare each of many names with all others.
 void DomElement::copyAttributesTo(DomElement& target) const {
   constexpr int FEW = 32;
   IMemoryPool* const pool = target.domFactory_.getMemoryPool();
@@ -161,18 +161,18 @@ IDomElement* DomElement::getLastChild(const char* name) const {
   return first_node() ? toElement(last_node(name)) : nullptr;
 }
 
-// A document, or an object of another implementation, is no element of this tree.
+// A document, or an object of another implementation, is not an element of this tree.
 DomElement* DomElement::linkable(IDomElement* child) const {
   auto* const newDomElement = dynamic_cast<DomElement*>(child);
   TARN_ASSERT(newDomElement, "child && !child->parent() && child->type() != node_document");
   TARN_ASSERT(domFactory_.getMemoryPool() == newDomElement->getDomFactory()->getMemoryPool(),
               "domFactory_.getMemoryPool() == newDomElement->getDomFactory()->getMemoryPool()");
-  // One that is linked is refused where it would be linked again.
+  // An element that is linked already is refused where it would be linked again.
   TARN_ASSERT(newDomElement->parent() || !isAtOrBelow(*newDomElement), "child is no ancestor");
   return newDomElement;
 }
 
-// Mostly answered without a walk: what is linked has no children yet, or is linked near the top.
+// Usually decided without a walk: the new element has no children yet, or this one is near the top.
 bool DomElement::isAtOrBelow(const DomElement& top) const {
   if (!top.first_node()) return this == &top;
   const rapidxml::xml_node<char>* node = this;

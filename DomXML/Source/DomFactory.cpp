@@ -35,7 +35,7 @@ DomAttribute* DomFactory::allocateAttribute(const char* name, const char* value,
 
 void DomFactory::copyTexts(const rapidxml::xml_base<char>& source,
                            rapidxml::xml_base<char>& target) {
-  // A text that came with its size may have no end.
+  // A text that came with its size may lack a terminating NUL.
   const auto copy = [this](const char* text, std::size_t& size) {
     size = strnlen(text, size);
     char* const result = static_cast<char*>(allocateObject(size + 1));

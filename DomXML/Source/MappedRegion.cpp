@@ -11,9 +11,9 @@ namespace libDomXml {
 
 namespace {
 
-constexpr std::size_t WORD = sizeof(void*);  // to which blocks are aligned
+constexpr std::size_t WORD = sizeof(void*);  // alignment of blocks
 
-// The word before a block.
+// The word before a block points to its region.
 MappedRegion*& regionOf(void* block) { return static_cast<MappedRegion**>(block)[-1]; }
 
 }  // namespace
@@ -27,7 +27,7 @@ MappedRegion* MappedRegion::map(std::size_t length) {
   region->end_ = begin + length;
   region->blocks_ = 0;
 #ifdef MADV_HUGEPAGE
-  // The start of the map, which is the start of a page, lies before what mmapAlloc() gives.
+  // The map starts at a page, before the address that mmapAlloc() returns.
   if (length >= HUGE_PAGES_FROM) madvise(begin - sizeof(std::size_t), length, MADV_HUGEPAGE);
 #endif
   return region;

@@ -4,28 +4,29 @@
 
 namespace libDomXml {
 
-/// Memory maps from which the blocks of one pool are cut.
+/// Memory map from which blocks of one pool are cut.
 ///
-/// A map for each block would leave the kernel to fill in page after page of a large document. So
-/// the maps of a pool grow with it: the first one holds a single block, each further one twice as
-/// much as the one before, up to LARGEST, or a single block when there is no room for that; those
-/// from HUGE_PAGES_FROM on ask for huge pages. Memory that is not touched is not taken from the
-/// system, but that a huge page comes as a whole.
+/// With a map for each block, the kernel would fill in a large document page by page. So the maps
+/// of a pool grow: the first one holds a single block, each further one is twice as large as the
+/// one before, up to LARGEST. When there is no room for that, it holds a single block. Maps of
+/// HUGE_PAGES_FROM bytes or more ask for huge pages. The system provides only memory that is
+/// touched, but a huge page as a whole.
 ///
 /// Region, as mapped:
 ///
 ///   | header | region | block           | region | block           | free ...        |
 ///
-/// A map goes back to the system with its last block. One thread at a time for the blocks of one
-/// pool.
+/// A map is given back to the system with its last block. The blocks of one pool are used by one
+/// thread at a time.
 class MappedRegion {
  public:
   static constexpr std::size_t HUGE_PAGES_FROM = std::size_t{4} << 20U;
   static constexpr std::size_t LARGEST = std::size_t{1} << (sizeof(void*) > 4 ? 25U : 22U);
 
-  /// A block of `size` bytes, aligned to the size of a pointer, for a pool whose newest block is
-  /// `newest` (null: it has none). Null when there is no memory.
+  /// Returns a block of `size` bytes, aligned to the size of a pointer, for a pool whose newest
+  /// block is `newest` (null: it has none). Returns null when there is no memory.
   static void* allocate(std::size_t size, void* newest);
+  /// Returns a block to its map, and the map to the system after its last block.
   static void release(void* block);
 
  private:

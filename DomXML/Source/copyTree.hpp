@@ -5,10 +5,12 @@
 
 namespace libDomXml {
 
-/// Copies `top` and everything below it, without recursing: source and copy are walked in step
-/// along their links. `copyOne(const DomElement&)` gives the ElementCopy of one element, detached;
+/// Copies `top` and everything below it without recursion: walks source and copy in step, along
+/// their links. Returns the copy of `top`, detached.
+///
+/// `copyOne(const DomElement&)` returns the ElementCopy of one element, detached.
 /// `finish(DomElement& copy)` is called for each copy whose children have been copied, children
-/// first. Returns the copy of `top`, detached.
+/// first.
 template <class CopyOne, class Finish>
 DomElement* copyTree(const DomElement& top, CopyOne copyOne, Finish finish) {
   ElementCopy copy = copyOne(top);

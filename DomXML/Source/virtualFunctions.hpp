@@ -7,18 +7,20 @@
 
 namespace libDomXml {
 
-/// Places of virtual functions in the tables of elements, as the Itanium C++ ABI lays them out:
-/// both destructors, then the other functions in the order of their declarations.
+/// Slots of virtual functions in the virtual tables of elements, as the Itanium C++ ABI lays them
+/// out: both destructors, then the other functions in the order of their declarations.
 enum class VirtualFunction : std::size_t {
   CLONE = 2,              ///< IDomElement::clone()
   CLONE_INTO_POOL = 3,    ///< IDomElement::clone(IMemoryPool*)
   CLONE_BY_FACTORY = 27,  ///< TarnDomElement::clone(TarnFactory&)
 };
 
-/// Whether a call of `function` runs the same code for both elements, so that a class derived from
-/// the other's has not overridden it. The language has no word for that; without knowing, a copy of
-/// nested elements of a host's class would recurse as deep as the document. False when in doubt: a
-/// program that is not position-independent may see another address of the same function.
+/// Returns true if a call of `function` runs the same code for both elements: the class of one has
+/// not overridden the function of the other. Without this, a copy of nested elements of a host
+/// class would recurse as deep as the document; C++ has no expression for it.
+///
+/// False when in doubt: a program that is not position-independent may see another address of the
+/// same function.
 inline bool runSameCode(const IDomElement& a, const IDomElement& b, VirtualFunction function) {
   const auto code = [function](const IDomElement& element) {
     const void* const* table = nullptr;

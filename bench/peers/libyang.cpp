@@ -1,5 +1,5 @@
-// libyang with the same data as a YANG model (network.yang): a managed object is a list entry by
-// its name, and so are its parameters, lists and extensions.
+// libyang with the same data as a YANG model (network.yang): managed objects, parameters, lists and
+// extensions are list entries with their names as keys.
 
 #include <libyang/libyang.h>
 

@@ -1,5 +1,5 @@
-// What no parser can beat: copying the text, searching it for "<", and touching as much memory as
-// the tree takes.
+// Lower limits for every parser: to copy the text, to search it for "<", and to touch as much
+// memory as the tree takes.
 
 #include <cstring>
 

@@ -15,8 +15,8 @@ struct ByText {
 
 using NameIndex = std::map<const char*, pugi::xml_node, ByText>;
 
-// What libtarn keeps for a managed object, built by hand: parameters and lists by name, and the
-// components of each item.
+// The indexes that libtarn has for a managed object, built by hand: parameters and lists by name,
+// and the components of each item.
 struct ObjectIndex {
   pugi::xml_node object;
   NameIndex scalars;

@@ -13,8 +13,8 @@ using libtarn::model::LibTarnDocument;
 using libtarn::model::LibTarnManagedObject;
 using namespace libtarn::model;
 
-// A document whose pool is mapped, which is always fresh memory, or comes from the heap, which is
-// as warm as the heap is.
+// A document with a mapped pool, which is always fresh memory, or with a pool on the heap, which
+// may be warm.
 class TarnState {
  public:
   TarnState(const std::string& text, Memory memory) {

@@ -1,5 +1,5 @@
-// What the program loads. Built together with host_logger.cpp: the library finds Logger::print in
-// what brought it along.
+// The plugin that the program loads. It is built together with host_logger.cpp: the library finds
+// Logger::print in the plugin, which is linked with it.
 
 #include <libtarn/libtarn.hpp>
 
@@ -7,7 +7,7 @@
 
 using libtarn::model::LibTarnDocument;
 
-/// The number of managed objects of the document in a file, or -1 when it cannot be loaded.
+/// Returns the number of managed objects of the document in a file, or -1 when it cannot be loaded.
 extern "C" [[gnu::visibility("default")]] long countObjects(const char* path) {
   LibTarnDocument document;
   if (document.parse(readText(path), true) != 0) return -1;

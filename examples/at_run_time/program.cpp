@@ -2,9 +2,9 @@
 //
 // Usage: program PLUGIN DOCUMENT
 //
-// The library's interface is classes, which dlsym() does not find by name. So what uses them is in
-// a plugin of the host, which is linked with libtarn and has one plain function: dlopen() of the
-// plugin brings the library along.
+// dlsym() finds functions by name, but the library's interface is classes. So the code that uses
+// them is in a plugin of the host, which is linked with libtarn and exports one C function.
+// dlopen() of the plugin loads the library, too.
 
 #include <dlfcn.h>
 

@@ -18,22 +18,22 @@ int main(int argc, char** argv) {
   LibTarnDocument document;
   if (document.parse(readText(argv[1]), true) != 0) return 1;
   LibTarnCmData& cmData = *document.getLibTarnCmData();
-  // New elements come from the document's factory: they live in its memory, and nobody deletes
-  // them. Until it is added, an element is in no tree.
+  // The document's factory makes new elements. They live in the document's memory, and nobody
+  // deletes them. An element is in no tree until it is added.
   TarnFactory& factory = document.getFactory();
 
-  // A value.
+  // Changes a value.
   LibTarnManagedObject* const site = cmData.getLibTarnManagedObject("NET-1/SITE-7");
   if (!site) return 4;
   if (Scalar* const name = site->getScalarParameter("name")) name->setValue("Delphi <north>");
 
-  // A parameter, which a second one of its name does not replace.
+  // Adds a parameter. A second one of its name does not replace it.
   if (site->addParameter(*factory.createScalar("rent", "1200")) != 0) return 3;
   const bool refused = site->addParameter(*factory.createScalar("rent", "1300")) == 1;
   std::cout << "a second rent is " << (refused ? "refused" : "taken") << '\n';
   site->removeScalarParameter("altitude");
 
-  // A list of structured values.
+  // Adds a list of structured values.
   List* const keys = factory.createList("keys");
   for (const char* const holder : {"operator", "landlord"}) {
     auto* const item = factory.createStructure();
@@ -43,7 +43,7 @@ int main(int argc, char** argv) {
   }
   site->addParameter(*keys);
 
-  // An object. A name that breaks the rules of names gives none.
+  // Adds an object. The factory returns null for an invalid name.
   const bool isName = factory.createLibTarnManagedObject("SITE", "NET-1/", "3.2") != nullptr;
   std::cout << "NET-1/ is " << (isName ? "a name" : "no name") << '\n';
   if (auto* const power =
@@ -52,15 +52,15 @@ int main(int argc, char** argv) {
     cmData.addLibTarnManagedObject(*power);
   }
 
-  // Names are changed through the object, so that the index of names keeps in step. A name that is
-  // taken is not refused there: it is the host that looks first.
+  // Renames an object through the object itself, which updates the index of names. setDistName()
+  // returns 0 even for the name of another object, so the host asks first.
   if (cmData.hasLibTarnManagedObject("NET-1/SITE-70")) return 3;
   if (site->setDistName("NET-1/SITE-70") != 0) return 3;
   std::cout << (cmData.getLibTarnManagedObject("NET-1/SITE-70") == site ? "found" : "lost")
             << " by its new name\n";
   if (cmData.removeLibTarnManagedObject("NET-1/LINK-99") == 2) std::cout << "no NET-1/LINK-99\n";
 
-  // What has been edited need not follow the rules of the format any longer.
+  // Edits may have broken rules of the format.
   if (document.validate() != 0) {
     std::cout << document.getDiagnostic().message << '\n';
     return 2;

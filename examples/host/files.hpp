@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// The content of a file with the zero byte that a parse wants behind it; empty, with a line on
-/// standard error, when it cannot be read.
+/// Returns the content of a file and the terminating NUL that a parse needs. Returns nothing, and
+/// writes a line to standard error, when the file cannot be read.
 inline std::vector<char> readText(const char* path) {
   std::ifstream file(path, std::ios::binary);
   std::vector<char> text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
@@ -19,7 +19,7 @@ inline std::vector<char> readText(const char* path) {
   return text;
 }
 
-/// False, with a line on standard error, when the file cannot be written.
+/// Returns false, and writes a line to standard error, when the file cannot be written.
 inline bool writeText(const char* path, const std::string& text) {
   std::ofstream file(path, std::ios::binary);
   file << text;

@@ -1,4 +1,4 @@
-// Loads a document with validation, and says what is wrong with it and where.
+// Loads a document with validation, and reports what is wrong and where.
 //
 // Usage: load_and_check DOCUMENT
 
@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
   std::vector<char> text = readText(argv[1]);
   if (text.empty()) return 5;
 
-  // The parse writes into the text that it takes over, so that finding a line needs a copy.
+  // The parse writes into the text that it takes over, so locate() needs a copy.
   const std::vector<char> pristine = text;
   LibTarnDocument document;
   const int code = document.parse(std::move(text), true);

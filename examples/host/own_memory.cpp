@@ -1,9 +1,9 @@
-// Keeps documents within a budget of the host's, and tells what a document costs.
+// Keeps documents within the host's memory budget, and reports what a document costs.
 //
 // Usage: own_memory DOCUMENT
 //
-// A document around a TarnDomDocument of the host's making takes its blocks from the heap, and any
-// other one maps memory. So a host that counts its heap counts its documents.
+// A document around a TarnDomDocument that the host made takes its blocks from the heap; any other
+// document maps memory. So a host that counts its heap counts such documents, too.
 
 #include <cstddef>
 #include <cstdlib>
@@ -18,10 +18,10 @@ using libtarn::model::TarnDomDocument;
 
 namespace {
 
-// Bytes that may still be taken. A host with several threads makes it atomic.
+// Bytes that may still be allocated. A host with several threads makes it atomic.
 std::size_t budget = std::numeric_limits<std::size_t>::max();
 
-// A block has its size in front, aligned as malloc() aligns.
+// Each allocation has its size in front, aligned as malloc() aligns.
 constexpr std::size_t PREFIX = alignof(std::max_align_t);
 
 bool load(const char* path, std::size_t bytes) {
@@ -37,7 +37,7 @@ bool load(const char* path, std::size_t bytes) {
               << (document.getMemorySize() < 12 * textSize ? "less" : "more")
               << " than 12 times its text\n";
   } catch (const std::bad_alloc&) {
-    // What was taken for the document has gone back.
+    // The memory of the document has been freed.
     std::cout << bytes / 1024 << " KiB are too few\n";
   }
   budget = before;

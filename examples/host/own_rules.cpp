@@ -1,5 +1,5 @@
-// Brings rules of the host's own into a document: which names objects may have, and what keeps the
-// parameters of an object.
+// Gives a document two classes of the host: one decides which names objects may have, one indexes
+// the parameters of an object.
 //
 // Usage: own_rules DOCUMENT
 
@@ -21,7 +21,7 @@ namespace indexation = libtarn::model::indexation;
 
 namespace {
 
-// This host's networks have no names below a site.
+// Accepts no names below a site.
 class FlatNames : public IDistinguishedNameValidator {
  public:
   bool isValid(const char* distName) const override {
@@ -33,7 +33,7 @@ class FlatNames : public IDistinguishedNameValidator {
   DistinguishedNameValidator formatRules_;
 };
 
-// The parameters of an object in a sorted vector.
+// Keeps the parameters of an object in a sorted vector.
 class VectorIndex : public indexation::ITarnUniqueIndex<Scalar> {
  public:
   using Entry = indexation::ParameterEntry<Scalar>;
@@ -41,22 +41,22 @@ class VectorIndex : public indexation::ITarnUniqueIndex<Scalar> {
   bool add(Scalar* parameter) override {
     // A name lives as long as its document. A `p` without one counts as having an empty name.
     const char* const name = parameter->getName() ? parameter->getName() : "";
-    const auto place = placeOf(name);
-    if (place != entries_.end() && std::strcmp(place->first, name) == 0) return false;
-    entries_.insert(place, {name, parameter});
+    const auto position = positionOf(name);
+    if (position != entries_.end() && std::strcmp(position->first, name) == 0) return false;
+    entries_.insert(position, {name, parameter});
     return true;
   }
   bool remove(Scalar* parameter) override { return remove(parameter->getId().c_str()); }
   bool remove(const char* name) override {
-    const auto place = placeOf(name);
-    if (place == entries_.end() || std::strcmp(place->first, name) != 0) return false;
-    entries_.erase(place);
+    const auto position = positionOf(name);
+    if (position == entries_.end() || std::strcmp(position->first, name) != 0) return false;
+    entries_.erase(position);
     return true;
   }
   Scalar* find(const char* name) const override {
-    const auto place = const_cast<VectorIndex*>(this)->placeOf(name);
-    const bool found = place != entries_.end() && std::strcmp(place->first, name) == 0;
-    return found ? place->second : nullptr;
+    const auto position = const_cast<VectorIndex*>(this)->positionOf(name);
+    const bool found = position != entries_.end() && std::strcmp(position->first, name) == 0;
+    return found ? position->second : nullptr;
   }
   // A collection borrows one piece of memory with all entries in order.
   indexation::ScalarCollection getCollection() const override {
@@ -66,7 +66,7 @@ class VectorIndex : public indexation::ITarnUniqueIndex<Scalar> {
   std::size_t size() const override { return entries_.size(); }
 
  private:
-  std::vector<Entry>::iterator placeOf(const char* name) {
+  std::vector<Entry>::iterator positionOf(const char* name) {
     return std::lower_bound(
         entries_.begin(), entries_.end(), name,
         [](const Entry& entry, const char* key) { return std::strcmp(entry.first, key) < 0; });
@@ -76,8 +76,8 @@ class VectorIndex : public indexation::ITarnUniqueIndex<Scalar> {
   mutable indexation::EntryRun<Entry> run_{};
 };
 
-// Indexes must live as long as their document: this factory owns its own ones. Those of lists and
-// objects are the library's, in the memory that is handed in.
+// Indexes must live as long as their document, so this factory owns those that it makes. The
+// library makes those of lists and objects, in the memory that the constructor gets.
 class IndexFactory : public indexation::TarnIndexFactory {
  public:
   using TarnIndexFactory::TarnIndexFactory;
@@ -94,7 +94,7 @@ class IndexFactory : public indexation::TarnIndexFactory {
 
 int main(int argc, char** argv) {
   if (argc != 2) return 64;
-  // All of it stays the host's, and outlives the document.
+  // The host owns all three, and they outlive the document.
   FlatNames names;
   libDomXml::DomDocument memory(false);
   IndexFactory indexes(memory);

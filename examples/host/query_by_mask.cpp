@@ -15,7 +15,7 @@ using libtarn::util::ManagedObjectBuilder;
 
 namespace {
 
-void tellContacts(const LibTarnManagedObject& site) {
+void printContacts(const LibTarnManagedObject& site) {
   const List* const contacts = site.getListParameter("contacts");
   if (!contacts) return;
   for (const Scalar* value = contacts->getScalarValues(); value;
@@ -24,7 +24,7 @@ void tellContacts(const LibTarnManagedObject& site) {
   }
 }
 
-void tellBreakers(const LibTarnManagedObject& power) {
+void printBreakers(const LibTarnManagedObject& power) {
   const List* const breakers = power.getListParameter("breakers");
   if (!breakers) return;
   for (const auto* item = breakers->getStructuredValues(); item;
@@ -46,23 +46,23 @@ int main(int argc, char** argv) {
   const LibTarnCmData* const cmData = document.getLibTarnCmData();
   if (!cmData) return 2;
 
-  // By name: a look-up in a hash table. What is not there is null.
+  // By name: a look-up in a hash table, null when there is no such object.
   if (const auto* const site = cmData->getLibTarnManagedObject("NET-1/SITE-7")) {
     std::cout << site->getDistName() << ", class " << site->getClass() << '\n';
     for (const auto& [name, parameter] : site->getScalarParameters()) {
       std::cout << "  " << name << " = " << parameter->getValue() << '\n';
     }
-    tellContacts(*site);
+    printContacts(*site);
   }
 
-  // By class, in the order of the document.
+  // By class, in document order.
   for (const LibTarnManagedObject* power : cmData->getLibTarnManagedObjectsByClass("POWER")) {
     if (power->getDistName() != "NET-1/SITE-7/POWER-1") continue;
     std::cout << power->getDistName() << '\n';
-    tellBreakers(*power);
+    printBreakers(*power);
   }
 
-  // By mask: every condition that is set must hold. The mask is an object of the document, too.
+  // By mask: every condition that is set must hold. The mask is a detached object of the document.
   ManagedObjectBuilder mask(document);
   mask.setClass("CELL").setDistName("SITE-3/");
   mask.addParameter("maxTxPower", "430");

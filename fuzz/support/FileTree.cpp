@@ -38,7 +38,7 @@ std::deque<std::string> partsOf(const std::string& path) {
   return parts;
 }
 
-// Whether the node is the folder or somewhere in it.
+// True if the node is the folder or below it.
 bool isWithin(const FileNode* node, const FileNode& folder) {
   while (node && node != &folder) node = node->parent;
   return node == &folder;
@@ -117,38 +117,38 @@ FileTree::~FileTree() {
   std::filesystem::remove_all(path_, ignored);
 }
 
-std::optional<FilePlace> FileTree::find(const std::string& path) const {
+std::optional<PathEnd> FileTree::find(const std::string& path) const {
   return walk(path, LastLink::Kept);
 }
 
-std::optional<FilePlace> FileTree::follow(const std::string& path) const {
+std::optional<PathEnd> FileTree::follow(const std::string& path) const {
   return walk(path, LastLink::Followed);
 }
 
-std::optional<FilePlace> FileTree::walk(const std::string& path, LastLink lastLink) const {
+std::optional<PathEnd> FileTree::walk(const std::string& path, LastLink lastLink) const {
   std::deque<std::string> parts = partsOf(path);
-  FilePlace place{nullptr, "", top_};
+  PathEnd end{nullptr, "", top_};
   int links = 0;
   while (!parts.empty()) {
-    if (!place.node || place.node->kind != FileNode::Folder) return std::nullopt;
+    if (!end.node || end.node->kind != FileNode::Folder) return std::nullopt;
     const std::string part = parts.front();
     parts.pop_front();
     if (part == "..") {
-      check(place.node->parent != nullptr, "no path leads out of the folder");
-      place = {nullptr, "", place.node->parent->shared_from_this()};
+      check(end.node->parent != nullptr, "no path leads out of the folder");
+      end = {nullptr, "", end.node->parent->shared_from_this()};
       continue;
     }
-    place = {place.node, part, nullptr};
-    const auto found = place.folder->children.find(part);
-    if (found != place.folder->children.end()) place.node = found->second;
-    const bool isLink = place.node && place.node->kind == FileNode::Link;
+    end = {end.node, part, nullptr};
+    const auto found = end.folder->children.find(part);
+    if (found != end.folder->children.end()) end.node = found->second;
+    const bool isLink = end.node && end.node->kind == FileNode::Link;
     if (!isLink || (parts.empty() && lastLink == LastLink::Kept)) continue;
     if (++links > MOST_LINKS) return std::nullopt;
-    const std::deque<std::string> further = partsOf(place.node->content);
+    const std::deque<std::string> further = partsOf(end.node->content);
     parts.insert(parts.begin(), further.begin(), further.end());
-    place.node = place.folder;
+    end.node = end.folder;
   }
-  return place;
+  return end;
 }
 
 unsigned FileTree::namesOf(const FileNode& node) const {
@@ -164,32 +164,32 @@ unsigned FileTree::namesOf(const FileNode& node) const {
 bool FileTree::holds(const FileNode& folder) const { return isWithin(&folder, *top_); }
 
 void FileTree::makeFolder(const std::string& path) {
-  const std::optional<FilePlace> place = makeRoom(path);
-  if (!place) return;
+  const std::optional<PathEnd> end = makeRoom(path);
+  if (!end) return;
   must(::mkdir(onDisk(path).c_str(), S_IRWXU), "a folder can be made");
-  enter(path, *place, makeNode(FileNode::Folder));
+  enter(path, *end, makeNode(FileNode::Folder));
 }
 
 void FileTree::makeFifo(const std::string& path) {
-  const std::optional<FilePlace> place = makeRoom(path);
-  if (!place) return;
+  const std::optional<PathEnd> end = makeRoom(path);
+  if (!end) return;
   must(::mkfifo(onDisk(path).c_str(), S_IRUSR | S_IWUSR), "a FIFO can be made");
   const FileNodePtr node = makeNode(FileNode::Fifo);
   node->fifo = ::open(onDisk(path).c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
   must(node->fifo, "a FIFO can be opened");
-  enter(path, *place, node);
+  enter(path, *end, node);
 }
 
 void FileTree::makeLink(const std::string& path, const std::string& target) {
-  const std::optional<FilePlace> place = makeRoom(path);
-  if (!place) return;
+  const std::optional<PathEnd> end = makeRoom(path);
+  if (!end) return;
   must(::symlink(target.c_str(), onDisk(path).c_str()), "a link can be made");
-  enter(path, *place, makeNode(FileNode::Link, target));
+  enter(path, *end, makeNode(FileNode::Link, target));
 }
 
 void FileTree::makeHardLink(const std::string& path, const std::string& other) {
-  const std::optional<FilePlace> from = find(other);
-  const std::optional<FilePlace> to = find(path);
+  const std::optional<PathEnd> from = find(other);
+  const std::optional<PathEnd> to = find(path);
   if (!from || !to || !from->node || from->node->kind != FileNode::File) return;
   if (to->node == from->node || !makeRoom(path)) return;
   must(::link(onDisk(other).c_str(), onDisk(path).c_str()), "a hard link can be made");
@@ -198,43 +198,43 @@ void FileTree::makeHardLink(const std::string& path, const std::string& other) {
 }
 
 void FileTree::overwrite(const std::string& path, const std::string& content) {
-  const std::optional<FilePlace> place = follow(path);
-  if (!place || (place->node && place->node->kind != FileNode::File)) return;
+  const std::optional<PathEnd> end = follow(path);
+  if (!end || (end->node && end->node->kind != FileNode::File)) return;
   const int file = ::open(onDisk(path).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
   must(file, "a file can be overwritten");
   writeWhole(file, content);
   ::close(file);
-  if (!place->node) {
-    enter(pathIn(*place->folder, place->name), *place, makeNode(FileNode::File, content));
+  if (!end->node) {
+    enter(pathIn(*end->folder, end->name), *end, makeNode(FileNode::File, content));
   } else {
-    place->node->content = content;
-    noteChange(*place->node);
+    end->node->content = content;
+    noteChange(*end->node);
   }
 }
 
 void FileTree::append(const std::string& path, const std::string& content) {
-  const std::optional<FilePlace> place = follow(path);
-  if (!place || !place->node || place->node->kind != FileNode::File) return;
+  const std::optional<PathEnd> end = follow(path);
+  if (!end || !end->node || end->node->kind != FileNode::File) return;
   const int file = ::open(onDisk(path).c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
   must(file, "a file can be opened");
   writeWhole(file, content);
   ::close(file);
-  place->node->content += content;
-  noteChange(*place->node);
+  end->node->content += content;
+  noteChange(*end->node);
 }
 
 void FileTree::truncate(const std::string& path) {
-  const std::optional<FilePlace> place = follow(path);
-  if (!place || !place->node || place->node->kind != FileNode::File) return;
-  std::string& content = place->node->content;
+  const std::optional<PathEnd> end = follow(path);
+  if (!end || !end->node || end->node->kind != FileNode::File) return;
+  std::string& content = end->node->content;
   content.resize(content.size() / 2);
   must(::truncate(onDisk(path).c_str(), static_cast<off_t>(content.size())), "a file can be cut");
-  noteChange(*place->node);
+  noteChange(*end->node);
 }
 
 void FileTree::replace(const std::string& path, const std::string& content, mode_t mode) {
-  const std::optional<FilePlace> place = find(path);
-  if (!place || (place->node && place->node->kind == FileNode::Folder)) return;
+  const std::optional<PathEnd> end = find(path);
+  if (!end || (end->node && end->node->kind == FileNode::Folder)) return;
   const std::string fresh = path_ + ".new";
   const int file = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRWXU);
   must(file, "a file can be made");
@@ -242,21 +242,21 @@ void FileTree::replace(const std::string& path, const std::string& content, mode
   writeWhole(file, content);
   ::close(file);
   must(::rename(fresh.c_str(), onDisk(path).c_str()), "a file can be replaced");
-  if (place->node) erase(place->folder, place->name);
-  enter(path, *place, makeNode(FileNode::File, content));
+  if (end->node) erase(end->folder, end->name);
+  enter(path, *end, makeNode(FileNode::File, content));
 }
 
 void FileTree::remove(const std::string& path) {
-  const std::optional<FilePlace> place = find(path);
-  if (!place || !place->node || !place->node->children.empty()) return;
-  const int flags = place->node->kind == FileNode::Folder ? AT_REMOVEDIR : 0;
+  const std::optional<PathEnd> end = find(path);
+  if (!end || !end->node || !end->node->children.empty()) return;
+  const int flags = end->node->kind == FileNode::Folder ? AT_REMOVEDIR : 0;
   must(::unlinkat(AT_FDCWD, onDisk(path).c_str(), flags), "what is there can be removed");
-  erase(place->folder, place->name);
+  erase(end->folder, end->name);
 }
 
 void FileTree::move(const std::string& from, const std::string& to) {
-  const std::optional<FilePlace> source = find(from);
-  const std::optional<FilePlace> target = find(to);
+  const std::optional<PathEnd> source = find(from);
+  const std::optional<PathEnd> target = find(to);
   if (!source || !source->node || !target || target->node == source->node) return;
   if (source->node->kind == FileNode::Folder && target->node) return;
   if (target->node && target->node->kind == FileNode::Folder) return;
@@ -267,8 +267,8 @@ void FileTree::move(const std::string& from, const std::string& to) {
 }
 
 void FileTree::exchange(const std::string& path, const std::string& other) {
-  const std::optional<FilePlace> a = find(path);
-  const std::optional<FilePlace> b = find(other);
+  const std::optional<PathEnd> a = find(path);
+  const std::optional<PathEnd> b = find(other);
   if (!a || !a->node || !b || !b->node || a->node == b->node) return;
   if (isWithin(a->folder.get(), *b->node) || isWithin(b->folder.get(), *a->node)) return;
   must(
@@ -281,12 +281,12 @@ void FileTree::exchange(const std::string& path, const std::string& other) {
 }
 
 void FileTree::changeRights(const std::string& path, mode_t mode, uid_t owner, gid_t group) {
-  const std::optional<FilePlace> place = find(path);
-  if (!place || !place->node || place->node->kind != FileNode::File) return;
+  const std::optional<PathEnd> end = find(path);
+  if (!end || !end->node || end->node->kind != FileNode::File) return;
   // Only root may give a file away.
   if (::geteuid() == 0) must(::chown(onDisk(path).c_str(), owner, group), "an owner can be set");
   must(::chmod(onDisk(path).c_str(), mode), "a mode can be set");
-  noteChange(*place->node);
+  noteChange(*end->node);
 }
 
 std::string FileTree::adopt(const FileNodePtr& folder) {
@@ -335,16 +335,16 @@ std::string FileTree::pathIn(const FileNode& folder, const std::string& name) co
   return pathOf(folder) + "/" + name;
 }
 
-// What is there goes, unless it is a folder with something in it.
-std::optional<FilePlace> FileTree::makeRoom(const std::string& path) {
+// Removes what is there, unless it is a folder that is not empty.
+std::optional<PathEnd> FileTree::makeRoom(const std::string& path) {
   remove(path);
-  std::optional<FilePlace> place = find(path);
-  return place && !place->node ? place : std::nullopt;
+  std::optional<PathEnd> end = find(path);
+  return end && !end->node ? end : std::nullopt;
 }
 
-void FileTree::enter(const std::string& path, const FilePlace& place, const FileNodePtr& node) {
+void FileTree::enter(const std::string& path, const PathEnd& end, const FileNodePtr& node) {
   readStatus(*node, statusOf(onDisk(path)));
-  link(place.folder, place.name, node);
+  link(end.folder, end.name, node);
 }
 
 void FileTree::link(const FileNodePtr& folder, const std::string& name, const FileNodePtr& node) {
@@ -359,7 +359,7 @@ void FileTree::erase(const FileNodePtr& folder, const std::string& name) {
   noteChange(*node);
 }
 
-// The clock of the file system may stand still for a while.
+// The clock of the file system may not advance for a while.
 void FileTree::noteChange(FileNode& node) {
   ++node.changes;
   if (node.kind != FileNode::File) return;

@@ -10,7 +10,7 @@
 
 namespace fuzz {
 
-/// What stands in a folder: the real thing is on the disk, this is what it should be.
+/// A file, folder, link or FIFO as it is expected on the disk.
 struct FileNode : std::enable_shared_from_this<FileNode> {
   enum Kind { File, Folder, Link, Fifo };
 
@@ -34,19 +34,20 @@ struct FileNode : std::enable_shared_from_this<FileNode> {
 
 using FileNodePtr = std::shared_ptr<FileNode>;
 
-/// Where a path ends. There is always a folder, not always something in it.
-struct FilePlace {
+/// The end of a path: a folder and a name in it, where there may be a node.
+struct PathEnd {
   FileNodePtr folder;
   std::string name;
   FileNodePtr node;
 };
 
-/// A folder on the disk and a model of it in memory, changed together. Every change of a file is
-/// one that its times show. A change that cannot be made is not made; that is for the model to say,
-/// and when the disk says something else the target fails. Paths are relative to the folder.
+/// A folder on the disk and a model of it in memory, changed together.
+///
+/// Every change of a file changes its times. The model decides which changes are possible; if the
+/// disk disagrees, the target fails. Paths are relative to the folder.
 class FileTree {
  public:
-  /// Makes the folder `path`, which is removed with all in it at the end.
+  /// Makes the folder `path`. The destructor removes it with its content.
   explicit FileTree(std::string path);
   FileTree(const FileTree&) = delete;
   FileTree& operator=(const FileTree&) = delete;
@@ -54,50 +55,50 @@ class FileTree {
 
   std::string onDisk(const std::string& path) const { return path_ + "/" + path; }
 
-  /// Nothing when a folder on the way is none, or when links lead in a circle.
-  std::optional<FilePlace> find(const std::string& path) const;
-  /// As above, with a link at the end followed, too.
-  std::optional<FilePlace> follow(const std::string& path) const;
-  /// How many names the node has.
+  /// Returns nothing when a part of the path is not a folder, or when links form a cycle.
+  std::optional<PathEnd> find(const std::string& path) const;
+  /// As above, but also follows a link at the end.
+  std::optional<PathEnd> follow(const std::string& path) const;
+  /// Number of names of the node.
   unsigned namesOf(const FileNode& node) const;
   bool holds(const FileNode& folder) const;
-  /// Where `name` is, without links.
+  /// The path of `name`, without links.
   std::string pathIn(const FileNode& folder, const std::string& name) const;
 
   void makeFolder(const std::string& path);
   void makeFifo(const std::string& path);
   void makeLink(const std::string& path, const std::string& target);
   void makeHardLink(const std::string& path, const std::string& other);
-  /// Makes the file when there is none.
+  /// Creates the file when there is none.
   void overwrite(const std::string& path, const std::string& content);
   void append(const std::string& path, const std::string& content);
   void truncate(const std::string& path);
-  /// By a new file that gets the name.
+  /// Replaces the file with a new one.
   void replace(const std::string& path, const std::string& content, mode_t mode);
   void remove(const std::string& path);
   void move(const std::string& from, const std::string& to);
   void exchange(const std::string& path, const std::string& other);
   void changeRights(const std::string& path, mode_t mode, uid_t owner, gid_t group);
 
-  /// Takes what is in the folder, but not in the model, over into it: a file. Returns its name, ""
+  /// Adds a file that is in the folder, but not in the model, to the model. Returns its name, or ""
   /// when there is none.
   std::string adopt(const FileNodePtr& folder);
-  /// Enters what somebody else has done.
+  /// Adds a change by somebody else to the model.
   void noteMove(const FileNodePtr& folder, const std::string& from, const FileNodePtr& toFolder,
                 const std::string& to);
   void noteRemoval(const FileNodePtr& folder, const std::string& name);
 
-  /// Fails unless the disk has what the model has.
+  /// Fails unless disk and model agree.
   void compare() const;
 
  private:
   enum class LastLink { Followed, Kept };
 
-  std::optional<FilePlace> walk(const std::string& path, LastLink lastLink) const;
+  std::optional<PathEnd> walk(const std::string& path, LastLink lastLink) const;
   std::string pathOf(const FileNode& node) const;
   void link(const FileNodePtr& folder, const std::string& name, const FileNodePtr& node);
-  std::optional<FilePlace> makeRoom(const std::string& path);
-  void enter(const std::string& path, const FilePlace& place, const FileNodePtr& node);
+  std::optional<PathEnd> makeRoom(const std::string& path);
+  void enter(const std::string& path, const PathEnd& end, const FileNodePtr& node);
   void erase(const FileNodePtr& folder, const std::string& name);
   void noteChange(FileNode& node);
   void compareFolder(const FileNode& folder, const std::string& path) const;
@@ -107,7 +108,7 @@ class FileTree {
   FileNodePtr top_;
 };
 
-/// What is in the file.
+/// Returns the content of the file.
 std::string readFile(const std::string& path);
 
 }  // namespace fuzz

@@ -8,8 +8,8 @@
 
 namespace fuzz {
 
-/// The input as a zero-terminated text in memory of just its size, so that the address sanitizer
-/// sees every read past the end.
+/// The input as a NUL-terminated text in an allocation of exactly its size, so that the address
+/// sanitizer detects every read past the end.
 class Text {
  public:
   Text(const std::uint8_t* data, std::size_t size) : text_(new char[size + 1]), size_(size) {

@@ -5,7 +5,7 @@
 
 #include "libtarn/util/Logger.hpp"
 
-// The targets' host: what the library logs is of no interest, but its text is read.
+// The log callback of the targets: drops lines, but reads their texts.
 void libtarn::util::Logger::print(Level /*level*/, const char* /*location*/,
                                   const char* /*function*/, const char* message) {
   if (!message) std::abort();

@@ -1,5 +1,5 @@
-// The rule for distinguished names: the validator says what the rule, written down once more, says,
-// and objects and documents hold themselves to it.
+// The rule for distinguished names: the validator, objects and documents agree with a second
+// implementation of the rule.
 
 #include <vector>
 
@@ -11,7 +11,7 @@ namespace {
 
 using namespace libtarn::model;
 
-// Behind the last "-" nothing but letters and digits, before it something.
+// After the last "-" only letters and digits, before it at least one character.
 bool isSegment(const std::string& segment) {
   const std::size_t dash = segment.rfind('-');
   if (dash == std::string::npos || dash == 0) return false;
@@ -34,7 +34,7 @@ bool isName(const std::string& name) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Text text(data, size);
-  const std::string name = text.get();  // up to a zero byte
+  const std::string name = text.get();  // up to a NUL
   const bool expected = isName(name);
   fuzz::check(DistinguishedNameValidator().isValid(text.get()) == expected, "validator");
 

@@ -1,6 +1,6 @@
-// Edits of two documents, one after the other as the input says: every operation of the element
-// interfaces, the factory, the indexes and the merge that a host may call at that point. After each
-// step both documents must be sound.
+// Edits of two documents. The input selects among all operations of the element interfaces, the
+// factory, the indexes and the merge that a host may call at that point. After each step both
+// documents must be consistent.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -29,7 +29,7 @@ const TarnDomElement& elementOf(const IElement& element) {
   return dynamic_cast<const TarnDomElement&>(element);
 }
 
-// A unique index of the host's own beside a plain map.
+// A unique index of the host, on top of std::map.
 template <class Element>
 struct IndexBesideMap {
   indexation::ITarnUniqueIndex<Element>* index;
@@ -59,7 +59,7 @@ struct IndexBesideMap {
   }
 };
 
-// A document and all elements that were ever got from it; they live as long.
+// A document and all elements that were ever taken from it, which live as long.
 struct Side {
   LibTarnDocument document;
   Indexes indexes = Indexes::IN_STEP;
@@ -78,7 +78,7 @@ struct Side {
 
   TarnFactory& factory() { return document.getFactory(); }
 
-  // Elements that have not been met yet.
+  // Elements that the target has not seen before.
   void collect() {
     for (auto* cmData = document.getLibTarnCmData(); cmData;
          cmData = cmData->getNextSiblingElement()) {
@@ -124,7 +124,7 @@ struct Side {
     listIndex.check();
   }
 
-  // Those that are not, or no longer, in the tree.
+  // Elements that are not, or no longer, in the tree.
   void checkDetached() {
     checkDetached(cmDatas);
     checkDetached(headers);
@@ -169,7 +169,7 @@ class Session {
       try {
         edit(side, other(side));
       } catch (const exceptions::ModelException&) {
-        // A clone, or what needs one, of an element that breaks a rule of the model.
+        // A clone, or an operation that clones, of an element that breaks a rule of the model.
       }
       for (Side& each : sides_) each.check();
     }
@@ -208,7 +208,7 @@ class Session {
     return elements[input_.ConsumeIntegralInRange<std::size_t>(0, elements.size() - 1)];
   }
 
-  // What may be linked.
+  // Elements that may be linked.
   template <class Element>
   Element* pickDetached(const std::vector<Element*>& elements) {
     Element* const element = pick(elements);
@@ -217,7 +217,7 @@ class Session {
 
   void parse(Side& side) {
     const std::string source = input_.ConsumeRandomLengthString(2000);
-    // Elements from before stay at hand, so that what they have lost is lost for good.
+    // Elements of earlier texts stay available to later steps.
     if (side.document.parse(source.c_str(), input_.ConsumeBool()) != 0) {
       side.indexes = Indexes::SOUND;
     }
@@ -317,7 +317,7 @@ class Session {
         break;
       case 2:
         if (const auto* const mask = pick(side.objects)) {
-          // Names may come to be the same.
+          // Two names may become equal.
           side.indexes = Indexes::SOUND;
           document.setChangesToMOs(*mask, *pick(side.objects));
           side.collect();
@@ -359,14 +359,15 @@ class Session {
         break;
       case 2:
         if (auto* const object = cmData->getLibTarnManagedObject(name.c_str())) {
-          // One that had been unlinked by itself and renamed then is found by its former name.
+          // An object that had been unlinked by itself and then renamed is found by its former
+          // name.
           fuzz::check(side.indexes == Indexes::SOUND ||
                           cmData->hasLibTarnManagedObject(object->getDistName()),
                       "has its objects");
         }
         break;
       case 3:
-        // An object that is no child of the index's cmData had been unlinked by itself.
+        // An object that is not a child of the index's cmData had been unlinked by itself.
         if (cmData->removeLibTarnManagedObject(name.c_str()) == 1) {
           fuzz::check(side.indexes == Indexes::SOUND, "indexed objects are children");
         }
@@ -394,7 +395,7 @@ class Session {
     }
   }
 
-  // An object that another cmData's index still holds may be found by two from then on.
+  // If the index of another cmData still holds the object, two indexes find it from now on.
   void add(Side& side, LibTarnCmData& cmData, LibTarnManagedObject& object) {
     const std::size_t before = cmData.getManagedObjectNumber();
     const bool taken = cmData.hasLibTarnManagedObject(object.getDistName());
@@ -603,7 +604,7 @@ class Session {
     }
   }
 
-  // Indexes are not told.
+  // The indexes are not updated.
   void onAny(Side& side) {
     IElement* element = nullptr;
     switch (input_.ConsumeIntegralInRange<int>(0, 7)) {

@@ -1,7 +1,7 @@
-// One command that writes or replaces a file, step by step, and other programs that do what they
-// like with the file and its folder between the steps, while the command waits for a lock and while
-// it flushes. A model in memory says after each step what is on the disk: what the others left, or
-// the result, which is put in place only when nothing happened to the file in between.
+// One command that writes or replaces a file, step by step. Other programs change the file and its
+// folder in any way between the steps, while the command waits for a lock and while it flushes.
+// After each step the disk must agree with a model in memory. The result may replace the file only
+// when nothing happened to the file in between.
 
 #include <fcntl.h>
 #include <fuzzer/FuzzedDataProvider.h>
@@ -29,13 +29,13 @@ namespace {
 
 using fuzz::FileNode;
 using fuzz::FileNodePtr;
-using fuzz::FilePlace;
 using fuzz::FileTree;
+using fuzz::PathEnd;
 
 constexpr int MOST_ACTS = 3;   // at a time
 constexpr int MOST_WAITS = 4;  // before the lock is let go
 constexpr std::size_t MOST_BYTES = 40;
-// Folders last, so that most of what happens happens to files.
+// Folders last, so that most changes are to files.
 constexpr std::array<const char*, 7> PATHS = {
     "work/a/doc", "work/b/doc", "work/a/old", "work/b/old", "work/doc", "work/a", "work/b"};
 constexpr std::size_t FILE_PATHS = 5;
@@ -45,8 +45,8 @@ constexpr std::array<mode_t, 8> MODES = {0644, 0600, 0640, 0666, 0604, 0755, 027
 constexpr std::array<mode_t, 3> MASKS = {022, 077, 0};
 constexpr uid_t SOMEBODY = 1234;
 
-/// A path on a file system in memory, if there is one. Another process removes what is there when
-/// this one ends, in whatever way.
+/// A path on a file system in memory, if there is one. When this process ends, in whatever way,
+/// another process removes what is there.
 class Ground {
  public:
   Ground() : path_(base() + "/tarn-fuzz.XXXXXX") {
@@ -67,7 +67,7 @@ class Ground {
     return ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
   }
 
-  // The other end is closed when the fuzzer is gone.
+  // The other end is closed when the fuzzer ends.
   [[noreturn]] void removeAtEnd(const std::array<int, 2>& pipe) {
     ::setsid();
     ::close(pipe[1]);
@@ -84,7 +84,7 @@ class Ground {
 /// A file that another command has locked.
 class Rival {
  public:
-  /// Returns whether it has the lock.
+  /// Returns true if it has the lock.
   bool lock(const std::string& path, const FileNodePtr& node) {
     release();
     file_ = tarn::Descriptor(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
@@ -111,7 +111,7 @@ class Session {
  public:
   /// The one whose command calls functions of the system.
   static Session* current;
-  /// Paths, without links, of all that was read in this process, which the command remembers.
+  /// Paths, without links, of all files that this process has read. The command remembers them.
   static std::set<std::string> everRead;
 
   Session(FuzzedDataProvider& input, const std::string& path) : input_(input), tree_(path) {
@@ -175,7 +175,7 @@ class Session {
     return text;
   }
 
-  // What others do between two steps of the command.
+  // Changes by others between two steps of the command.
   void act() {
     const int count = input_.ConsumeIntegralInRange<int>(0, MOST_ACTS);
     for (int i = 0; i < count; ++i) actOnce();
@@ -229,9 +229,9 @@ class Session {
   }
 
   void overwriteWithSameSize(const std::string& path) {
-    const std::optional<FilePlace> place = tree_.follow(path);
-    if (!place || !place->node) return;
-    tree_.overwrite(path, newContent(place->node->content.size()));
+    const std::optional<PathEnd> end = tree_.follow(path);
+    if (!end || !end->node) return;
+    tree_.overwrite(path, newContent(end->node->content.size()));
   }
 
   void changeRights(const std::string& path) {
@@ -240,18 +240,18 @@ class Session {
   }
 
   void lockAsRival(const std::string& path) {
-    const std::optional<FilePlace> place = tree_.find(path);
-    if (!place || !place->node || place->node->kind != FileNode::File) return;
-    const bool isLocked = rival_.lock(tree_.onDisk(path), place->node);
+    const std::optional<PathEnd> end = tree_.find(path);
+    if (!end || !end->node || end->node->kind != FileNode::File) return;
+    const bool isLocked = rival_.lock(tree_.onDisk(path), end->node);
     if (step_ == Step::Beginning) return;
-    fuzz::check(isLocked == (place->node != locked_), "the command alone has the lock");
+    fuzz::check(isLocked == (end->node != locked_), "the command alone has the lock");
   }
 
-  // As a command does that has the lock.
+  // Like a command that has the lock.
   void replaceAsRival(const std::string& path) {
-    const std::optional<FilePlace> place = tree_.find(path);
-    if (!rival_.node() || !place || place->node != rival_.node()) return;
-    tree_.replace(path, content(), place->node->mode);
+    const std::optional<PathEnd> end = tree_.find(path);
+    if (!rival_.node() || !end || end->node != rival_.node()) return;
+    tree_.replace(path, content(), end->node->mode);
     rival_.release();
   }
 
@@ -273,11 +273,11 @@ class Session {
   }
 
   bool begin() {
-    const std::optional<FilePlace> place = tree_.follow(wanted_);
-    const bool isFound = place.has_value();
-    if (isFound) target_ = tree_.pathIn(*place->folder, place->name);
-    const bool isFifo = isFound && place->node && place->node->kind == FileNode::Fifo;
-    const bool isFolder = isFound && place->node && place->node->kind == FileNode::Folder;
+    const std::optional<PathEnd> end = tree_.follow(wanted_);
+    const bool isFound = end.has_value();
+    if (isFound) target_ = tree_.pathIn(*end->folder, end->name);
+    const bool isFifo = isFound && end->node && end->node->kind == FileNode::Fifo;
+    const bool isFolder = isFound && end->node && end->node->kind == FileNode::Folder;
     const bool isRefused = !isFound || isFolder || (isFifo && isInPlace_);
     if (!did(Step::Beginning, [&] {
           destination_.emplace(tree_.onDisk(source_),
@@ -288,13 +288,13 @@ class Session {
     }
     fuzz::check(!isRefused, "what is no file is not replaced");
     isReplaced_ = !isFifo;
-    if (isReplaced_) noteLock(*place);
+    if (isReplaced_) noteLock(*end);
     return true;
   }
 
-  void noteLock(const FilePlace& place) {
-    folder_ = place.folder;
-    name_ = place.name;
+  void noteLock(const PathEnd& end) {
+    folder_ = end.folder;
+    name_ = end.name;
     const auto found = folder_->children.find(name_);
     if (found == folder_->children.end()) return;
     locked_ = found->second;
@@ -307,19 +307,19 @@ class Session {
   }
 
   bool read(std::string& text) {
-    const std::optional<FilePlace> place = tree_.follow(source_);
-    const bool isThere = place && place->node;
-    if (isThere && place->node->kind == FileNode::Fifo) return false;  // would wait for a writer
+    const std::optional<PathEnd> end = tree_.follow(source_);
+    const bool isThere = end && end->node;
+    if (isThere && end->node->kind == FileNode::Fifo) return false;  // would wait for a writer
     std::optional<tarn::TextFile> file;
     const bool isOpen = did(Step::None, [&] { file.emplace(tree_.onDisk(source_)); });
-    fuzz::check(isOpen == (isThere && place->node->kind == FileNode::File), "files can be read");
+    fuzz::check(isOpen == (isThere && end->node->kind == FileNode::File), "files can be read");
     if (!isOpen) return false;
-    read_ = tree_.pathIn(*place->folder, place->name);
+    read_ = tree_.pathIn(*end->folder, end->name);
     everRead.insert(read_);
     act();
     const std::vector<char> read = file->read();
     text.assign(read.data(), read.size() - 1);
-    fuzz::check(text == place->node->content, "what is in the file is read");
+    fuzz::check(text == end->node->content, "what is in the file is read");
     return true;
   }
 
@@ -332,19 +332,19 @@ class Session {
     return isWritten;
   }
 
-  // What was a FIFO when the command began is one when it is written to.
+  // A FIFO at the beginning must be a FIFO when it is written to.
   void checkFifo() {
-    const std::optional<FilePlace> place = tree_.follow(wanted_);
-    fuzz::check(place && place->node && place->node->kind == FileNode::Fifo,
+    const std::optional<PathEnd> end = tree_.follow(wanted_);
+    fuzz::check(end && end->node && end->node->kind == FileNode::Fifo,
                 "nothing but a FIFO is written to");
     std::string got(result_.size() + 1, '\0');
-    const ssize_t count = ::read(place->node->fifo, got.data(), got.size());
+    const ssize_t count = ::read(end->node->fifo, got.data(), got.size());
     fuzz::check(count == static_cast<ssize_t>(result_.size()), "all goes through the FIFO");
     got.pop_back();
     fuzz::check(got == result_, "the result goes through the FIFO");
   }
 
-  // Before the temporary file has its place, nobody has more rights to it than to the other one.
+  // Until the temporary file replaces the other one, nobody has more rights to it than to that one.
   void checkTemporary(int file) {
     const FileNode& made = *folder_->children.at(temporary_);
     struct stat flushed {};
@@ -370,14 +370,14 @@ class Session {
     const auto found = folder_->children.find(name_);
     const FileNodePtr there = found == folder_->children.end() ? nullptr : found->second;
     if (!locked_) return outcomeOfNew(there);
-    const std::optional<FilePlace> named = tree_.follow(wanted_);
+    const std::optional<PathEnd> named = tree_.follow(wanted_);
     const bool isUnchanged =
         there == locked_ && locked_->changes == lockedChanges_ && named && named->node == locked_;
     if (!isUnchanged) return Outcome::Left;
     return isWhereItWas() ? Outcome::Replaced : Outcome::Either;
   }
 
-  // What came meanwhile is replaced, unless the result is made of it.
+  // A file that was created meanwhile is replaced, unless the result is made of it.
   Outcome outcomeOfNew(const FileNodePtr& there) const {
     if (there && there->kind == FileNode::Folder) return Outcome::Left;
     const bool isLink = there && there->kind == FileNode::Link;
@@ -388,12 +388,12 @@ class Session {
 
   // The folder may have got another name, also while the command waited for a lock.
   bool isWhereItWas() const {
-    const std::optional<FilePlace> named = tree_.follow(wanted_);
+    const std::optional<PathEnd> named = tree_.follow(wanted_);
     return named && named->folder == folder_ && named->name == name_ &&
            tree_.pathIn(*folder_, name_) == target_;
   }
 
-  // Whether the command did what it was to.
+  // True if the command did what was expected.
   template <class Work>
   bool did(Step step, const Work& work) {
     step_ = step;
@@ -449,7 +449,7 @@ const Ground& ground() {
 
 }  // namespace
 
-// The functions of the system that a command waits in, or begins to.
+// The functions of the system in which a command waits, or starts to wait.
 extern "C" {
 
 int __real_fcntl(int file, int command, void* argument);
@@ -482,10 +482,10 @@ int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
 
 }  // extern "C"
 
-// The terminal, of which only what the command notes is of interest.
+// Replaces the terminal; only the notes of the command matter.
 namespace tarn {
 
-void tellNote(const std::string& /*subject*/, const std::string& /*message*/) {
+void reportNote(const std::string& /*subject*/, const std::string& /*message*/) {
   Session::current->whenNoting();
 }
 

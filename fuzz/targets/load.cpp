@@ -1,6 +1,5 @@
-// Whole loads: a document that is checked while it is parsed is found right or wrong as by the walk
-// over the tree, with the same words; what is loaded is sound, and what is printed of it loads as
-// the same.
+// Whole loads: load and walk report the same violation, with the same message. A loaded document is
+// consistent, and prints to a text that loads as the same document.
 
 #include <boost/shared_ptr.hpp>
 #include <vector>
@@ -33,8 +32,8 @@ std::string print(LibTarnDocument& document) {
   return out;
 }
 
-// Parses the text, and then texts that are cut off again and again on the same document, by way of
-// the model and of the DOM layer.
+// Parses the text, then many truncated texts on the same document, through the model and through
+// the DOM layer.
 void loadAgain(LibTarnDocument& document, const char* text, std::size_t size) {
   constexpr std::size_t ROUNDS = 100;
   constexpr std::size_t MOST_OF_A_ROUND = 1024;                                      // bytes
@@ -71,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                   found.offset == expected.offset,
               "a check without a document says what a load says");
 
-  // A document that was not loaded to its end has indexes that are not complete.
+  // The indexes of a load that failed are not complete.
   using tarn_test::Indexes;
   fuzz::checkNothing(
       tarn_test::brokenDocument(document, loaded ? Indexes::IN_STEP : Indexes::SOUND));

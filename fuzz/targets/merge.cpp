@@ -1,5 +1,5 @@
-// A merge of two documents cut from one input: the result is what a merge of plain trees gives, a
-// refused merge changes nothing, and both documents stay sound.
+// A merge of two documents cut from one input: the result is that of the reference model, a refused
+// merge changes nothing, and both documents stay consistent.
 
 #include <optional>
 
@@ -7,16 +7,16 @@
 #include "../support/check.hpp"
 #include "libtarn/libtarn.hpp"
 #include "libtarn/model/LibTarnDocumentInternal.hpp"
-#include "support/PlainTree.hpp"
+#include "support/ReferenceTree.hpp"
 #include "support/consistency.hpp"
-#include "support/plainMerge.hpp"
+#include "support/referenceMerge.hpp"
 
 namespace {
 
 using namespace libtarn::model;
-using tarn_test::PlainElement;
+using tarn_test::ReferenceElement;
 
-// The documents stand one behind the other, with this between them.
+// Separates the two documents in the input.
 constexpr char SEPARATOR[] = "<!--+-->";
 constexpr std::size_t MOST_LEVELS = 200;
 
@@ -24,15 +24,15 @@ const rapidxml::xml_node<char>& rootOf(const LibTarnDocument& document) {
   return *document.getItsTarnDomDocument()->getRootElement();
 }
 
-// Nothing for a document that the plain merge cannot hold.
-std::optional<PlainElement> plainOf(const LibTarnDocument& document) {
+// Returns nothing for a document that the reference model cannot hold.
+std::optional<ReferenceElement> referenceOf(const LibTarnDocument& document) {
   if (tarn_test::depthOf(rootOf(document)) > MOST_LEVELS) return std::nullopt;
-  PlainElement plain = tarn_test::toPlain(rootOf(document));
-  if (tarn_test::holdsZero(plain)) return std::nullopt;
-  return plain;
+  ReferenceElement reference = tarn_test::toReferenceTree(rootOf(document));
+  if (tarn_test::holdsNul(reference)) return std::nullopt;
+  return reference;
 }
 
-// Nothing when the copy of an object breaks a rule of the model.
+// Returns nothing when the copy of an object breaks a rule of the model.
 std::optional<bool> merge(LibTarnDocument& source, LibTarnDocument& delta) {
   try {
     return libtarn::editor::TarnMerge(source).mergeDocument(delta);
@@ -52,19 +52,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   auto delta = std::make_unique<LibTarnDocument>();
   if (delta->parse(input.substr(cut + sizeof(SEPARATOR) - 1).c_str(), false) != 0) return 0;
 
-  std::optional<PlainElement> plainSource = plainOf(source);
-  std::optional<PlainElement> plainDelta = plainOf(*delta);
+  std::optional<ReferenceElement> referenceSource = referenceOf(source);
+  std::optional<ReferenceElement> referenceDelta = referenceOf(*delta);
   const std::optional<bool> merged = merge(source, *delta);
   fuzz::checkNothing(tarn_test::brokenDocument(*delta));
-  if (plainSource && plainDelta && merged) {
-    fuzz::check(tarn_test::mergePlain(*plainSource, *plainDelta) == *merged, "merged or refused");
-    fuzz::check(tarn_test::toPlain(rootOf(*delta)) == *plainDelta, "the delta is as it should be");
+  if (referenceSource && referenceDelta && merged) {
+    fuzz::check(tarn_test::referenceMerge(*referenceSource, *referenceDelta) == *merged,
+                "merged or refused");
+    fuzz::check(tarn_test::toReferenceTree(rootOf(*delta)) == *referenceDelta,
+                "the delta is as it should be");
   }
-  // Nothing of the delta may be left in the source.
+  // The source may not point into the delta.
   delta.reset();
   fuzz::checkNothing(tarn_test::brokenDocument(source));
-  if (plainSource && plainDelta && merged) {
-    fuzz::check(tarn_test::toPlain(rootOf(source)) == *plainSource,
+  if (referenceSource && referenceDelta && merged) {
+    fuzz::check(tarn_test::toReferenceTree(rootOf(source)) == *referenceSource,
                 "the source is as it should be");
   }
   return 0;

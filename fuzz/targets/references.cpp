@@ -1,5 +1,4 @@
-// References in values and texts: what the parser makes of them, compared with a decoder that does
-// one character after the other.
+// References in values and texts: the parser beside a decoder that reads character by character.
 
 #include <algorithm>
 #include <optional>
@@ -10,8 +9,8 @@
 
 namespace {
 
-// Reads a reference at the start of `rest` and takes it away. Appends what it stands for. False for
-// one that cannot be read.
+// Removes a reference from the start of `rest` and appends its character. Returns false for one
+// that is malformed.
 bool decodeNumber(std::string& rest, std::string& out) {
   const bool hexadecimal = rest.compare(0, 3, "&#x") == 0;
   const char* const digits = hexadecimal ? "0123456789abcdefABCDEF" : "0123456789";
@@ -76,7 +75,7 @@ void checkValue(const rapidxml::xml_base<char>& record, const std::string& expec
   fuzz::check(record.value()[record.value_size()] == '\0', "terminator");
 }
 
-// `source` stands in the place of `hole` in `around`.
+// `source` replaces "@" in `around`.
 void checkIn(const std::string& around, const std::string& source, bool inAttribute) {
   std::string whole = around;
   whole.replace(whole.find('@'), 1, source);
@@ -100,12 +99,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size > 4096) return 0;
   std::string source(reinterpret_cast<const char*>(data), size);
   for (char& c : source) {
-    // What would end the value or the text is not what this is about.
+    // Not tested here: characters that end the value or the text.
     if (c == '\0' || c == '<' || c == '"' || c == '\'') c = '&';
   }
   checkIn("<a b=\"@\"/>", source, true);
   checkIn("<a b = '@'/>", source, true);
-  // Blanks alone would be indentation.
+  // A value of blanks only would be indentation.
   checkIn("<a>@</a>", "." + source, false);
   return 0;
 }

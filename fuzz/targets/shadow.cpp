@@ -1,6 +1,6 @@
-// Host calls over a document, with a shadow of every index in standard containers, and deltas
-// merged into it that the same input describes. After each call every query gives what the shadow
-// gives; walks that were begun before go on with what the shadow says is next.
+// Host calls on a document, and merges of deltas that the same input describes, with a shadow of
+// every index in standard containers. After each call every query returns what the shadow has.
+// Walks that began before continue with the next entry of the shadow.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -33,8 +33,8 @@ std::string objectName(unsigned number) { return "A-" + std::to_string(number); 
 std::string className(unsigned number) { return "C" + std::to_string(number); }
 std::string parameterName(unsigned number) { return "p" + std::to_string(number); }
 
-// The place of an object among those of its class.
-using ClassPlace = std::pair<std::string, std::size_t>;
+// The position of an object among those of its class.
+using ClassPosition = std::pair<std::string, std::size_t>;
 
 struct Object {
   std::string name;
@@ -45,12 +45,12 @@ struct Object {
   std::set<std::string> lists;
 };
 
-/// What the document should hold.
+/// The expected content of the document.
 class Shadow {
  public:
   std::map<LibTarnManagedObject*, Object> children;
   std::map<std::string, LibTarnManagedObject*> byName;
-  std::map<ClassPlace, LibTarnManagedObject*> byClass;
+  std::map<ClassPosition, LibTarnManagedObject*> byClass;
   std::size_t nextSerial = 0;
 
   void index(LibTarnManagedObject* element) {
@@ -58,7 +58,7 @@ class Shadow {
     object.isIndexed = byName.emplace(object.name, element).second;
     if (!object.isIndexed) return;
     object.serial = nextSerial++;
-    byClass.emplace(ClassPlace(object.className, object.serial), element);
+    byClass.emplace(ClassPosition(object.className, object.serial), element);
   }
 
   void unindex(LibTarnManagedObject* element) {
@@ -69,8 +69,8 @@ class Shadow {
     object.isIndexed = false;
   }
 
-  // An object that was given the name gets it, if there is one. Of several any will do, which the
-  // document decides.
+  // An object that claims the name gets it, if there is one. Of several, the document decides
+  // which.
   void giveAway(const std::string& name, const LibTarnCmData& cmData) {
     LibTarnManagedObject* const found = cmData.getLibTarnManagedObject(name.c_str());
     bool isWanted = false;
@@ -84,7 +84,7 @@ class Shadow {
   }
 };
 
-/// A walk that goes on while the index changes, and the key of what it is to meet.
+/// A walk during changes of the index, and the key of its next entry.
 template <class Collection, class Key>
 struct Walk {
   Collection collection;
@@ -94,7 +94,7 @@ struct Walk {
 };
 
 using NameWalk = Walk<indexation::ManagedObjectCollection, std::string>;
-using ClassWalk = Walk<indexation::ManagedObjectCollection, ClassPlace>;
+using ClassWalk = Walk<indexation::ManagedObjectCollection, ClassPosition>;
 
 class Session {
  public:
@@ -122,7 +122,7 @@ class Session {
     const bool allIndexed = shadow_.byName.size() == shadow_.children.size();
     fuzz::checkNothing(
         tarn_test::brokenDocument(*document_, allIndexed ? Indexes::IN_STEP : Indexes::SOUND));
-    fuzz::check((document_->validate() == 0) == allIndexed, "two objects of one name are told");
+    fuzz::check((document_->validate() == 0) == allIndexed, "two objects of one name are reported");
   }
 
  private:
@@ -274,7 +274,7 @@ class Session {
     }
   }
 
-  // Shows an item, or steps on from one that was shown: the index may change between the two.
+  // Reads an entry, or steps on from one that was read: the index may change between the two.
   template <class Walk, class Map>
   static void step(Walk& walk, const Map& map, typename Map::const_iterator end) {
     if (!walk.next) return fuzz::check(walk.position == walk.collection.end(), "a walk ends once");

@@ -1,7 +1,6 @@
-// A text through every way of loading it: as a text and as a vector, with and without the check of
-// the rules, into a new document and in place of another one, with indexes that the library fills
-// along the parse, in a walk behind it or not at all knows how to fill. All come to the same answer
-// and the same document.
+// One text loaded in every way: as a text and as a vector, with and without validation, into a new
+// document and into one that had another text, with indexes that the load fills, that a walk after
+// it fills, and that are the host's. All have the same result and the same document.
 
 #include <deque>
 #include <string>
@@ -33,7 +32,7 @@ class MapIndexFactory : public TarnIndexFactory {
   mutable std::deque<tarn_test::MapIndex> indexes_;
 };
 
-// Everything that a host can learn of a document.
+// Everything that a host can see of a document.
 struct Answer {
   int code;
   std::string message;
@@ -105,7 +104,7 @@ Answer loadVector(fuzz::Text& text, bool validate) {
   return answerOf(document, document.parse(vectorOf(text), validate));
 }
 
-// In place of a document that was loaded, and of one that was not.
+// Into a document that had loaded another text, and into one that had failed to.
 Answer loadAgain(fuzz::Text& text, bool validate) {
   LibTarnDocument document;
   document.parse(
@@ -114,7 +113,7 @@ Answer loadAgain(fuzz::Text& text, bool validate) {
       false);
   document.parse("<?xml c='d'?><tarn e='f'><cmData type='plan'><managedObject distName='A-1'><p>",
                  false);
-  // Of an earlier text stays what the later one does not name.
+  // A later text keeps what it does not replace of an earlier one.
   document.parse(
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?><tarn xmlns=\"tarn21.xsd\" "
       "version=\"2.1\"></tarn>",
@@ -130,7 +129,7 @@ Answer loadByWalk(fuzz::Text& text, bool validate) {
   return answerOf(document, document.parse(text.get(), validate));
 }
 
-// Step by step, as the document's own parts offer it.
+// Step by step, with the operations of the document's parts.
 Answer loadInSteps(fuzz::Text& text, bool validate) {
   LibTarnDocument document;
   TarnDomDocument& dom = *document.getItsTarnDomDocument();

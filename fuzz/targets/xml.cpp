@@ -1,5 +1,5 @@
-// The XML core through DomDocument: any text parses or is refused, the tree is sound either way,
-// and what is printed of it is read again as the same.
+// The XML core through DomDocument: any text parses or is refused, the tree is consistent in both
+// cases, and a printed tree parses to the same tree.
 
 #include "../support/Text.hpp"
 #include "../support/check.hpp"
@@ -28,7 +28,7 @@ std::string parseAndPrint(const std::string& source) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Text text(data, size);
-  // Maps are too slow to be made for every input; one in four will do.
+  // Maps are slow: only one input in four uses them.
   DomDocument document(size % 4 == 0);
   const bool parsed = document.rapidParse(text.get()) == 0;
   fuzz::checkNothing(tarn_test::brokenTree(document, &document));
@@ -36,7 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   print(document, rapidxml::print_no_indenting);
   if (!parsed || printed.find('\0') != std::string::npos) return 0;
 
-  // Blanks that were written as references are an element's value at first and then indentation.
+  // Blanks that were written as references are a value in the first parse, and indentation in the
+  // second.
   const std::string settled = parseAndPrint(printed);
   fuzz::check(parseAndPrint(settled) == settled, "a printed document stays as it is");
   return 0;

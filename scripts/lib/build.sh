@@ -1,6 +1,6 @@
 # Sourced. Expects the working directory to be the root of the repository.
 
-# build PRESET [TARGET...]: configures when need be and builds. Says nothing when all goes well.
+# build PRESET [TARGET...]: configures if necessary and builds. Prints nothing on success.
 build() {
   local preset=$1 log=build/$1.log
   shift
@@ -14,7 +14,7 @@ build() {
 build_steps() {
   local preset=$1 ninja_file=build/$1/build.ninja
   shift
-  # Ninja itself configures again when a build file changed; presets are read only here.
+  # Ninja configures again when a build file has changed, but does not read presets.
   if [ ! -f "$ninja_file" ] || [ CMakePresets.json -nt "$ninja_file" ]; then
     cmake --preset "$preset" || return 1
   fi

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Usage: coverage.py COUNTS.json LINES BRANCHES
 
-Tells the shares of lines and branches that gcovr has counted, and every line with a branch that was
-not taken; branches that only an exception of a called function takes are left out. Fails when a share
-is below the percentage given."""
+Prints the shares of lines and branches that gcovr has counted, and every line with a branch that was
+not taken, without branches that only an exception of a called function takes. Fails when a share
+is below the given percentage."""
 
 import json
 import sys

@@ -1,4 +1,4 @@
-# Sourced. Debian packages that the scripts need.
+# Sourced. The Debian packages that the scripts need.
 
 BUILD_PACKAGES=(g++ cmake ninja-build python3 libboost-dev libgtest-dev googletest
   libcli11-dev libfmt-dev nlohmann-json3-dev zlib1g-dev scdoc)
@@ -15,7 +15,7 @@ as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# install_missing PACKAGE...: installs those that are not there.
+# install_missing PACKAGE...: installs the packages that are missing.
 install_missing() {
   if ! command -v dpkg-query >/dev/null; then
     echo "Not a Debian system; needed are what Debian calls: $*" >&2

@@ -9,7 +9,7 @@ complete -c tarn -n "not __fish_seen_subcommand_from $commands" -l version -d "P
 complete -c tarn -l log-level -x -a "debug info error none" -d "Log lines from this level on"
 complete -c tarn -l color -x -a "auto always never" -d "Colour the output"
 
-complete -c tarn -n "__fish_seen_subcommand_from check" -l all -d "Tell every violation"
+complete -c tarn -n "__fish_seen_subcommand_from check" -l all -d "Report every violation"
 complete -c tarn -n "__fish_seen_subcommand_from check" -l limit -x -d "Most violations for a file"
 complete -c tarn -n "__fish_seen_subcommand_from check stats" -l json -d "Write JSON"
 complete -c tarn -n "__fish_seen_subcommand_from check" -l jobs -x -d "Documents at a time"
@@ -31,7 +31,7 @@ complete -c tarn -n "__fish_seen_subcommand_from set" -l p -x -d "A new value"
 complete -c tarn -n "__fish_seen_subcommand_from set" -l values -r -d "Document with the new values"
 
 complete -c tarn -n "__fish_seen_subcommand_from print set add remove merge report" -s o -l output -r -d "File for the result"
-complete -c tarn -n "__fish_seen_subcommand_from set add remove merge" -l in-place -d "Put the result in place"
+complete -c tarn -n "__fish_seen_subcommand_from set add remove merge" -l in-place -d "Replace the document with the result"
 complete -c tarn -n "__fish_seen_subcommand_from merge" -l check-only -d "Write nothing"
 complete -c tarn -n "__fish_seen_subcommand_from merge" -l validate -d "Validate source, deltas and result"
 complete -c tarn -n "__fish_seen_subcommand_from tree" -l depth -x -d "Segments to draw"

@@ -8,19 +8,20 @@
 
 namespace tarn {
 
-/// Exit statuses of the command. Of several, the highest counts.
+/// Exit statuses of the command. Of several, the command returns the highest.
 enum class Status {
   Done = 0,
   Malformed = 1,   ///< The XML is malformed.
   RuleBroken = 2,  ///< A rule of the model is broken.
-  Conflict = 3,    ///< What is to be merged or added does not fit.
+  Conflict = 3,    ///< An object to merge or to add does not fit.
   NothingMatched = 4,
   FileError = 5,    ///< A file cannot be read or written, or memory has run out.
   UsageError = 64,  ///< The command line is wrong.
 };
 
-/// Ends a command: the exit status, and what to tell the user in one line, whatever the texts of a
-/// document put into it: "SUBJECT: error: MESSAGE", or "SUBJECT:LINE:COLUMN: error: MESSAGE".
+/// Ends a command with an exit status and a report to the user: "SUBJECT: error: MESSAGE", or
+/// "SUBJECT:LINE:COLUMN: error: MESSAGE". The report is one line of printable characters, also when
+/// subject or message hold texts of a document.
 class CommandError : public std::runtime_error {
  public:
   /// `subject` is what is at fault: a file, or a file and an object in it.
@@ -38,16 +39,16 @@ class CommandError : public std::runtime_error {
   std::optional<libtarn::util::TextPosition> place_;
 };
 
-/// The subject of an error about one object of a file.
+/// Returns the subject of an error about one object of a file.
 std::string subjectOf(const std::string& path, const std::string& distName);
-/// The line for an error, printable: "SUBJECT: error: MESSAGE".
+/// Returns the printable line for an error, "SUBJECT: error: MESSAGE".
 std::string errorLine(const std::string& subject, const std::string& message);
 
 /// Throws a CommandError for wrong usage.
 [[noreturn]] void throwUsageError(const std::string& message);
 /// Throws a CommandError for a file that cannot be read or written; `error` is the errno.
 [[noreturn]] void throwFileError(const std::string& path, int error);
-/// Throws a CommandError for a file that somebody else has changed since the command began.
+/// Throws the CommandError for a file that somebody else has changed since the command began.
 [[noreturn]] void throwChangedError(const std::string& path);
 
 }  // namespace tarn

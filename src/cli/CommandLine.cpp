@@ -30,9 +30,9 @@ std::string withSuggestion(const std::string& message, const std::string& sugges
 
 CommandLine::CommandLine()
     : app_(std::make_unique<CLI::App>(
-          "Looks at configuration documents, checks, changes and merges them.", "tarn")) {
+          "Inspects, validates, changes and merges configuration documents.", "tarn")) {
   app_->require_subcommand(1);
-  app_->fallthrough();  // options of the whole command may stand behind a subcommand, too
+  app_->fallthrough();  // general options may also follow a subcommand
   addGeneralOptions();
   addAllCommands(*this);
 }
@@ -79,7 +79,7 @@ Status CommandLine::run(int argc, char** argv) {
 
 std::string CommandLine::helpOn(const std::string& command) const {
   if (!command.empty()) return requireCommand(command).help("tarn");
-  // help() of the application would be that of the command which was parsed.
+  // app_->help() would return the help of the command that was parsed.
   return app_->get_formatter()->make_help(app_.get(), "tarn", CLI::AppFormatMode::Normal);
 }
 

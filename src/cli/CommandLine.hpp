@@ -25,7 +25,7 @@ class CommandLine {
   CommandLine& operator=(const CommandLine&) = delete;
   ~CommandLine();
 
-  /// A command that has been added: its options are to fill its request, which lives as long as the
+  /// A command that has been added. Its options fill its request, which lives as long as the
   /// command line.
   template <class Request>
   struct Added {
@@ -41,11 +41,11 @@ class CommandLine {
     return {addCommand(name, summary, [request, work] { return work(*request); }), *request};
   }
 
-  /// Does what the arguments say. Throws CommandError; returns the status otherwise.
+  /// Parses the arguments and runs the command. Returns the exit status, or throws CommandError.
   Status run(int argc, char** argv);
 
-  /// The help on a command, or on all of them for "". Throws CommandError for one that is not
-  /// there.
+  /// Returns the help of a command, or of `tarn` for "". Throws CommandError for an unknown
+  /// command.
   std::string helpOn(const std::string& command) const;
 
  private:

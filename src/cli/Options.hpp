@@ -14,7 +14,7 @@ namespace tarn {
 /// The arguments and options of one command. Each operation adds one and names the variable that it
 /// fills, which must outlive the parse.
 ///
-/// Commands use CLI11 only through this class: a file that includes CLI11 takes the compiler ten
+/// Commands use CLI11 only through this class: to compile a file that includes CLI11 takes ten
 /// times as long as one that does not.
 class Options {
  public:
@@ -29,7 +29,7 @@ class Options {
 
   /// Adds an option without a value.
   void addFlag(const std::string& option, bool& value, const char* help);
-  /// Adds an option that takes any text. `form` stands for the text in the help.
+  /// Adds an option that takes any text. The help shows `form` for the text.
   void addText(const std::string& option, const char* form, std::string& value, const char* help);
   /// Adds an option that takes a text and may be repeated.
   void addTexts(const std::string& option, const char* form, std::vector<std::string>& values,
@@ -49,7 +49,7 @@ class Options {
   /// Adds an option that takes 1 or more. The help shows what `value` holds now.
   void addPositiveNumber(const std::string& option, std::size_t& value, const char* help);
 
-  /// Makes an option that was added one that must be given.
+  /// Makes an option that was added mandatory.
   void require(const std::string& option);
   /// Shows in the help what the variable of `option` holds now.
   void showDefault(const std::string& option);

@@ -1,7 +1,7 @@
 #include "commandList.hpp"
 
-// Every command, in the order in which the help lists them. Each is a file in the folder commands,
-// which defines the function that is named here.
+// The function that adds each command, in the order of the help. Each is defined in a file of its
+// own in the folder commands.
 #define TARN_COMMANDS(COMMAND) \
   COMMAND(addCheck)            \
   COMMAND(addPrint)            \

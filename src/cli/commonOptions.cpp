@@ -13,7 +13,7 @@ void addOutput(Options& options, std::string& output) {
 
 void addTarget(Options& options, Target& target) {
   addOutput(options, target.output);
-  options.addFlag("--in-place", target.inPlace, "Put the result in place of the document");
+  options.addFlag("--in-place", target.inPlace, "Replace the document with the result");
   options.exclude("--in-place", "--output");
 }
 

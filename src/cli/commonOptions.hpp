@@ -8,7 +8,7 @@
 
 namespace tarn {
 
-// Options that several commands have in common, one function for each part of a request.
+// Options that several commands share, one function for each part of a request.
 
 /// Adds FILE, the document that a command reads.
 void addFile(Options& options, std::string& file);
@@ -19,8 +19,8 @@ void addOutput(Options& options, std::string& output);
 /// Adds `--output` and `--in-place`.
 void addTarget(Options& options, Target& target);
 
-/// Adds the options that select managed objects. `prefix` keeps those apart that a command also has
-/// for something else: "mask-" gives `--mask-class`.
+/// Adds the options that select managed objects. `prefix` renames those that the command uses for
+/// something else: "mask-" gives `--mask-class`.
 void addSelection(Options& options, const std::string& prefix, Selection& selection);
 
 }  // namespace tarn

@@ -20,17 +20,17 @@
 
 namespace {
 
-// What a shell tells of a program that ends by SIGPIPE, as this one does unless that is ignored.
+// The status that a shell reports for a program that SIGPIPE ended.
 constexpr int OUTPUT_CLOSED = 141;
 
-// For memory that ends in a function of another library that lets no exception out, or before
-// main().
+// Reports std::bad_alloc that leaves a noexcept function of another library, or that is thrown
+// before main().
 [[noreturn]] void endWithoutMemory() {
   if (const std::exception_ptr current = std::current_exception()) {
     try {
       std::rethrow_exception(current);
     } catch (const std::bad_alloc&) {
-      tarn::tellNoMemory("tarn");
+      tarn::reportNoMemory("tarn");
       std::_Exit(static_cast<int>(tarn::Status::FileError));
     } catch (...) {  // NOLINT(bugprone-empty-catch): ends as it would have
     }
@@ -38,8 +38,8 @@ constexpr int OUTPUT_CLOSED = 141;
   std::abort();
 }
 
-// A file that is opened must not become standard output because that was closed: what is said would
-// be written into it.
+// When standard output is closed, the next file that is opened would get its number, and the output
+// of the command would be written into that file.
 void reserveStandardDescriptors() {
   int descriptor = -1;
   do {
@@ -48,46 +48,46 @@ void reserveStandardDescriptors() {
   if (descriptor > STDERR_FILENO) ::close(descriptor);
 }
 
-int runAndTell(int argc, char** argv) {
+int runAndReport(int argc, char** argv) {
   using tarn::Status;
   Status status = Status::FileError;
   try {
     status = tarn::CommandLine().run(argc, argv);
   } catch (const tarn::CommandError& error) {
-    tarn::tellError(error.what());
+    tarn::reportError(error.what());
     status = error.status();
   } catch (const tarn::OutputClosed&) {
     return OUTPUT_CLOSED;
   } catch (const std::bad_alloc&) {
-    tarn::tellNoMemory("tarn");
+    tarn::reportNoMemory("tarn");
   } catch (const std::length_error&) {  // more than could be addressed
-    tarn::tellNoMemory("tarn");
+    tarn::reportNoMemory("tarn");
   } catch (const std::system_error& error) {
     if (error.code() == std::errc::not_enough_memory) {
-      tarn::tellNoMemory("tarn");
+      tarn::reportNoMemory("tarn");
     } else {
-      tarn::tellError(tarn::errorLine("tarn", error.what()));
+      tarn::reportError(tarn::errorLine("tarn", error.what()));
     }
   } catch (const std::exception& error) {
-    tarn::tellError(tarn::errorLine("tarn", error.what()));
+    tarn::reportError(tarn::errorLine("tarn", error.what()));
   }
   return static_cast<int>(status);
 }
 
 void setTerminate() { std::set_terminate(endWithoutMemory); }
 
-// Run before the constants of the libraries are made, which takes memory, too.
+// Runs before the libraries construct their constants, which allocates memory, too.
 [[gnu::section(".preinit_array"), gnu::used]] void (*const setTerminateFirst)() = setTerminate;
 
 }  // namespace
 
 int main(int argc, char** argv) {
   reserveStandardDescriptors();
-  // So that a write beyond the limit of sizes fails as one to a full disk does.
+  // A write beyond the limit of file sizes then fails like one to a full disk.
   std::signal(SIGXFSZ, SIG_IGN);
-  // For the width of characters; documents are in UTF-8 wherever the user is.
+  // For the width of characters: documents are in UTF-8 in every locale.
   std::setlocale(LC_CTYPE, "C.UTF-8");
-  const int status = runAndTell(argc, argv);
+  const int status = runAndReport(argc, argv);
   tarn::HostLog::flush();
   return status;
 }

@@ -7,7 +7,7 @@ namespace tarn {
 
 namespace {
 
-// Row by row through the table of distances between beginnings.
+// The edit distance. Keeps one row of the table of distances between prefixes.
 std::size_t distance(const std::string& a, const std::string& b) {
   std::vector<std::size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});

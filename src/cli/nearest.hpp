@@ -5,8 +5,7 @@
 
 namespace tarn {
 
-/// The candidate that differs least from `word`, by letters changed, left out or put in; "" when
-/// none is near.
+/// Returns the candidate with the smallest edit distance from `word`, or "" when none is near.
 std::string nearest(const std::string& word, const std::vector<std::string>& candidates);
 
 }  // namespace tarn

@@ -2,7 +2,7 @@
 
 namespace tarn {
 
-/// `text`, or "" for null, which the library returns for what an element does not have.
+/// Returns `text`, or "" for null, which the library returns for an absent attribute.
 inline const char* textOrEmpty(const char* text) { return text ? text : ""; }
 
 }  // namespace tarn

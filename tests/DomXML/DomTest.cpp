@@ -37,7 +37,7 @@ class DomTest : public ::testing::TestWithParam<bool> {
   DomElement* make(const char* name, const char* value = nullptr) {
     return static_cast<DomElement*>(document_->createDomElement(name, value));
   }
-  // Bytes that the pool gave out since the last call, the call's own word included.
+  // Bytes that the pool handed out since the last call, with the word that the call itself takes.
   std::size_t growth() {
     char* const now = static_cast<char*>(document_->allocateMemory(1));
     const std::size_t result = static_cast<std::size_t>(now - last_);
@@ -239,7 +239,7 @@ TEST_P(DomTest, AddedAttributeMustBeDetached) {
   DomElement* const other = make("f");
   EXPECT_DEATH(other->addAttribute(linked), "attribute && !attribute->parent\\(\\)");
   EXPECT_DEATH(other->addAttribute(nullptr), "attribute && !attribute->parent\\(\\)");
-  // A known name comes first: nothing is linked then.
+  // Starts with a name that exists: then nothing is linked.
   other->setAttribute("a", "2");
   other->addAttribute(linked);
   EXPECT_EQ(tarn_test::dump(*owner), "e(a=1)");
@@ -281,7 +281,7 @@ TEST_P(DomTest, EqualAttributeValueDoesNotGrowThePool) {
   EXPECT_GT(growth(), nothing);
 }
 
-TEST_P(DomTest, AttributeTextsAreComparedUpToAZeroThatTheyHold) {
+TEST_P(DomTest, AttributeTextsAreComparedUpToANulThatTheyHold) {
   ASSERT_EQ(parse("<e a='x&#0;y' b='&#0;'/>"), 0);
   const char* const before = root()->getAttribute("a");
   growth();
@@ -413,7 +413,7 @@ TEST_P(DomTest, RemovalOfTheOnlyChildClearsBothLinks) {
   DomElement* const child = make("c");
   e->addChild(child);
   EXPECT_TRUE(e->removeChild(child));
-  // The record has them behind its texts and its kind.
+  // The record has them after its texts and its kind.
   const rapidxml::xml_node<char>* const record = e;
   const void* links[2];
   std::memcpy(
@@ -450,8 +450,8 @@ TEST_P(DomTest, CloneInThePoolKeepsTheKindAndInAnotherMakesAnElement) {
             rapidxml::node_element);
 }
 
-// Copies have each name once, with its first value. Names are kept in another way from the 33rd
-// attribute on.
+// Copies have each name once, with its first value. From the 33rd attribute on, a copy looks names
+// up in another structure.
 TEST_P(DomTest, CopyHasTheFirstAttributeOfEachName) {
   const std::unique_ptr<DomDocument> other(DomDocument::createDomDocument(GetParam()));
   for (const int count : {1, 31, 32, 33, 34, 100}) {
@@ -484,7 +484,7 @@ TEST_P(DomTest, CopyHasAllOfManyAttributesInTheirOrder) {
   }
 }
 
-// An element of a host's own class, which copies itself in its own way.
+// A host class that overrides the copy.
 struct OwnCopy : DomElement {
   using DomElement::DomElement;
   IDomElement* clone() const override {
@@ -562,7 +562,7 @@ TEST_P(DomTest, FactoryCopiesTextsByTheirSizes) {
   EXPECT_DEATH(DomFactory(&nothing).allocateAttribute("a", "b", 0, 0), "assertion failed: memory");
 }
 
-// Memory of a host that is filled, so that what is written behind a text shows.
+// Host memory with a fill byte, which shows writes after the end of a text.
 struct FilledMemory : IMemoryPool {
   void* allocateMemory(unsigned int size) override {
     sizes.push_back(size);
@@ -596,8 +596,8 @@ TEST_P(DomTest, NodesAndAttributesTakeGivenOrMeasuredTexts) {
   EXPECT_EQ(document_->allocate_attribute(nullptr, "value", 0, 0)->value_size(), 5U);
 }
 
-// Nothing ends a text that came with a size: those of eight characters leave no gap before the next
-// thing in the pool.
+// A text that came with a size has no terminating NUL: after eight characters there is no gap
+// before the next allocation of the pool.
 TEST_P(DomTest, TextsWithSizesAreCopiedAndComparedByThem) {
   DomFactory factory(document_.get());
   DomElement* const element =
@@ -623,7 +623,7 @@ TEST_P(DomTest, TextsWithSizesAreCopiedAndComparedByThem) {
   EXPECT_STREQ(element->getAttribute("property"), "quantityX");
 }
 
-// A host's own reading of a text, which may refuse it.
+// A host class that overrides rapidParse() and may refuse a text.
 struct Refusing : DomDocument {
   Refusing() : DomDocument(false) {}
   int rapidParse(char* text) override { return refuses ? 1 : DomDocument::rapidParse(text); }
@@ -674,7 +674,7 @@ std::size_t slotOf(Function function) {
   return word / sizeof(void*);
 }
 
-TEST(DomDocumentTest, VirtualFunctionsStandInTheirOrder) {
+TEST(DomDocumentTest, VirtualFunctionsHaveTheirOrder) {
   struct Derived : DomDocument {
     Derived() : DomDocument(false) {}
     virtual void next() {}
@@ -695,7 +695,7 @@ TEST(DomDocumentTest, VirtualFunctionsStandInTheirOrder) {
       slotOf(&DomDocument::allocate_node),
       slotOf(&DomDocument::allocate_attribute),
       slotOf(&Derived::next)};
-  // Behind the two of the destructor come those of an element.
+  // The functions of an element come after the two of the destructor.
   std::size_t expected = 24;
   for (const std::size_t slot : slots) EXPECT_EQ(slot, expected++);
 }
@@ -710,20 +710,20 @@ struct CountingBlocks : DomDocument {
   std::size_t blocks = 0;
 };
 
-// One text at a time, when the next one is given as a text to be copied.
-TEST(DomDocumentTest, TextOfAnEarlierParseGoesBeforeTheNextParse) {
+// Only one text exists at a time when the next one is passed for copying.
+TEST(DomDocumentTest, TextOfAnEarlierParseIsFreedBeforeTheNextParse) {
   CountingBlocks document;
   const boost::shared_ptr<IStripper> none;
   EXPECT_EQ(document.parse("<a/>", none), 0);
   const std::size_t first = document.blocks;
   EXPECT_EQ(document.parse("<b/>", none), 0);
   EXPECT_EQ(document.blocks, first);
-  // The text may be of the one that goes.
+  // The text may be in the buffer that is freed.
   EXPECT_EQ(document.parse("<a>text</a>", none), 0);
   EXPECT_EQ(document.parse(document.getFirstChild("a")->getValue(), none), 1);
 }
 
-TEST(DomDocumentTest, TextThatWasHandedOverGoesWhenTheNextCallEnds) {
+TEST(DomDocumentTest, TextThatWasHandedOverIsFreedWhenTheNextCallEnds) {
   CountingBlocks document;
   EXPECT_EQ(document.parse(textOf("<a/>")), 0);
   const std::size_t during = document.blocks;
@@ -781,7 +781,7 @@ TEST(DomDocumentTest, MapsKnowTheirLength) {
   static_cast<char*>(memory)[4999] = 'x';
   DomDocument::mmapFree(memory);
   EXPECT_EQ(DomDocument::mmapAlloc(static_cast<std::size_t>(-1)), nullptr);
-  // No address space has room for this, and the length is no multiple of a page.
+  // Larger than any address space, and not a multiple of a page.
   EXPECT_EQ(DomDocument::mmapAlloc(static_cast<std::size_t>(-1) - 5000), nullptr);
 }
 

@@ -20,7 +20,7 @@ using libDomXml::MappedRegion;
 
 constexpr std::size_t BLOCK = 235530;
 
-// From the list of maps, which an emulator gives for the program that it runs.
+// Read from the list of maps, where an emulator shows the program that it runs.
 std::size_t mappedPages() {
   std::size_t bytes = 0;
   std::ifstream maps("/proc/self/maps");
@@ -44,7 +44,7 @@ std::vector<char*> allocateBlocks(std::size_t count) {
   return blocks;
 }
 
-TEST(MappedRegionTest, BlocksAreAlignedAndApart) {
+TEST(MappedRegionTest, BlocksAreAlignedAndDoNotOverlap) {
   const std::vector<char*> blocks = allocateBlocks(200);
   ASSERT_EQ(blocks.size(), 200U);
   for (std::size_t i = 0; i < blocks.size(); ++i) {
@@ -55,7 +55,7 @@ TEST(MappedRegionTest, BlocksAreAlignedAndApart) {
   for (std::size_t i = blocks.size(); i > 0; --i) MappedRegion::release(blocks[i - 1]);
 }
 
-TEST(MappedRegionTest, EverythingGoesBackWithTheLastBlock) {
+TEST(MappedRegionTest, EverythingIsFreedWithTheLastBlock) {
   const std::size_t before = mappedPages();
   const std::vector<char*> blocks = allocateBlocks(100);
   EXPECT_GT(mappedPages(), before + 100 * BLOCK / 4096);
@@ -87,8 +87,8 @@ TEST(MappedRegionTest, LargeBlocksGetMapsOfTheirOwn) {
   MappedRegion::release(small);
 }
 
-// How many blocks fit into `bytes` more of address space, in a process of its own.
-// At most `most`, where the limit does not hold: under an emulator.
+// The number of blocks that fit into `bytes` more of address space, in a process of its own.
+// Returns at most `most`, since under an emulator the limit has no effect.
 std::size_t blocksWithin(std::size_t bytes, std::size_t most, bool alone) {
   std::array<int, 2> ends{};
   if (pipe(ends.data()) != 0) return 0;
@@ -109,10 +109,10 @@ std::size_t blocksWithin(std::size_t bytes, std::size_t most, bool alone) {
     _exit(write(ends[1], &count, sizeof(count)) == sizeof(count) ? 0 : 1);
   }
   std::size_t count = 0;
-  const bool isTold = read(ends[0], &count, sizeof(count)) == sizeof(count);
+  const bool isReported = read(ends[0], &count, sizeof(count)) == sizeof(count);
   wait(nullptr);
   for (const int end : ends) close(end);
-  return isTold ? count : 0;
+  return isReported ? count : 0;
 }
 
 TEST(MappedRegionTest, MemoryThatIsLeftIsUsedWhenTheNextMapWouldBeTooLarge) {
@@ -131,7 +131,7 @@ TEST(MappedRegionTest, SizesThatNoMemoryHasAreRefused) {
             nullptr);
 }
 
-TEST(MappedRegionTest, DocumentsThatComeAndGoLeaveNothing) {
+TEST(MappedRegionTest, DestroyedDocumentsLeaveNoMaps) {
   const std::size_t before = mappedPages();
   for (int round = 0; round < 20; ++round) {
     libDomXml::DomDocument document(true);

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The generator of documents: what it promises, and that the command reads what it writes.
+"""The generator of documents: its promises, and that the command reads its documents.
 
 Argument: the command. The working folder is the repository's.
 """
@@ -23,7 +23,7 @@ def make(*arguments):
 
 class MakeDocumentTest(unittest.TestCase):
     def names(self, text):
-        """The objects' names as the command lists them, which is in byte order, and as written."""
+        """Returns the names of the objects in byte order, as the command lists them, and in document order."""
         with tempfile.TemporaryDirectory() as folder:
             path = os.path.join(folder, "document.xml")
             with open(path, "wb") as file:

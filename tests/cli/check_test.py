@@ -13,16 +13,16 @@ NAMELESS = "The 'tarn > cmData > managedObject:A-1 > p > ' element has no attrib
 
 
 class CheckTest(CommandCase):
-    def test_good_files_are_told_in_their_order(self):
+    def test_good_files_are_reported_in_their_order(self):
         network = os.path.join(EXAMPLES, "network.xml")
         upgrade = os.path.join(EXAMPLES, "upgrade.xml")
         self.expect(tarn("check", upgrade, network), 0, f"{upgrade}: ok\n{network}: ok\n")
 
-    def test_broken_rule_is_told_with_its_path_and_status_2(self):
+    def test_broken_rule_is_reported_with_its_path_and_status_2(self):
         path = self.file(document(managed_object("A-1", body="<p>1</p><p name='x'/>")))
         self.expect(tarn("check", path), 2, "", f"{path}: error: {NAMELESS}\n")
 
-    def test_malformed_file_is_told_with_line_and_byte_column(self):
+    def test_malformed_file_is_reported_with_line_and_byte_column(self):
         for text, place, message in (
                 ("", None, None),
                 ("<tarn", "1:6", "expected >"),
@@ -51,11 +51,11 @@ class CheckTest(CommandCase):
         self.expect(tarn("check", path), 1, "",
                     f"{path}:{line}:{column}: error: unknown TARN object\n")
 
-    def test_zero_byte_is_malformed(self):
+    def test_nul_is_malformed(self):
         path = self.file(document("").encode() + b"\n \0")
-        self.expect(tarn("check", path), 1, "", f"{path}:2:2: error: unexpected zero byte\n")
+        self.expect(tarn("check", path), 1, "", f"{path}:2:2: error: unexpected NUL byte\n")
         path = self.file(b"\0")
-        self.expect(tarn("check", path), 1, "", f"{path}:1:1: error: unexpected zero byte\n")
+        self.expect(tarn("check", path), 1, "", f"{path}:1:1: error: unexpected NUL byte\n")
 
     def test_pipe_is_read_once_and_its_faults_have_a_place(self):
         pipe = self.path("pipe")
@@ -84,7 +84,7 @@ class CheckTest(CommandCase):
         self.assertEqual(tarn("check", broken, malformed).returncode, 2)
         self.assertEqual(tarn("check", malformed, good).returncode, 1)
 
-    def test_all_tells_every_violation_in_the_order_of_the_walk(self):
+    def test_all_reports_every_violation_in_the_order_of_the_walk(self):
         path = self.file("<tarn version='1' xmlns='x'><cmData type='actual'><header>"
                          "<log/></header><managedObject distName='A'><p/></managedObject>"
                          "<managedObject/></cmData></tarn>")
@@ -100,16 +100,16 @@ class CheckTest(CommandCase):
                 "Invalid distinguished name: 'A'",
                 where + "managedObject:A > p > ' element has no attribute 'name'")))
 
-    def test_all_is_limited_and_tells_how_many_are_left_out(self):
+    def test_all_is_limited_and_reports_how_many_are_left_out(self):
         body = "<extension>" + "<p/>" * 150 + "</extension>"
         path = self.file(document(managed_object("A-1", body=body)))
-        for limit, told in ((None, 100), (7, 7), (149, 149), (150, 150), (151, 150), (0, 150)):
+        for limit, reported in ((None, 100), (7, 7), (149, 149), (150, 150), (151, 150), (0, 150)):
             options = [] if limit is None else ["--limit", str(limit)]
             lines = tarn("check", "--all", *options, path).stderr.decode().splitlines()
             with self.subTest(limit=limit):
-                self.assertEqual(sum("no attribute 'name'" in line for line in lines), told)
-                left = [f"{path}: error: {150 - told} more violations"] if told < 150 else []
-                self.assertEqual(lines[told:], left)
+                self.assertEqual(sum("no attribute 'name'" in line for line in lines), reported)
+                left = [f"{path}: error: {150 - reported} more violations"] if reported < 150 else []
+                self.assertEqual(lines[reported:], left)
 
     def test_messages_that_repeat_a_long_name_are_bounded_by_their_bytes(self):
         # Message and path of a violation take 400 kB: 300 of them would be 120 MB.
@@ -119,11 +119,11 @@ class CheckTest(CommandCase):
         lines = result.stderr.splitlines()
         self.assertEqual(result.returncode, 2)
         self.assertLess(len(result.stderr), 64 << 20)
-        told = len(lines) - 1
-        self.assertIn(told, range(100, 200))
-        self.assertEqual(lines[-1].decode(), f"{path}: error: {300 - told} more violations")
+        reported = len(lines) - 1
+        self.assertIn(reported, range(100, 200))
+        self.assertEqual(lines[-1].decode(), f"{path}: error: {300 - reported} more violations")
         found = json.loads(tarn("check", "--all", "--limit", "0", "--json", path).stdout)
-        self.assertEqual((len(found["violations"]), found["violationCount"]), (told, 300))
+        self.assertEqual((len(found["violations"]), found["violationCount"]), (reported, 300))
         few = tarn("check", "--all", "--limit", "3", path).stderr.splitlines()
         self.assertEqual(few, [*lines[:3], f"{path}: error: 297 more violations".encode()])
 
@@ -198,14 +198,14 @@ class CheckTest(CommandCase):
         path = self.file(document(""))
         message = "The 'tarn > cmData > ' element has 0 child 'managedObject' elements." \
                   "  Expected: 1"
-        plain = tarn("check", path).stderr.decode()
-        self.assertEqual(plain, f"{path}: error: {message}\n")
-        self.assertEqual(tarn("--log-level", "none", "check", path).stderr.decode(), plain)
-        self.assertEqual(tarn("--log-level", "error", "check", path).stderr.decode(), plain)
+        usual = tarn("check", path).stderr.decode()
+        self.assertEqual(usual, f"{path}: error: {message}\n")
+        self.assertEqual(tarn("--log-level", "none", "check", path).stderr.decode(), usual)
+        self.assertEqual(tarn("--log-level", "error", "check", path).stderr.decode(), usual)
         lines = tarn("check", "--log-level", "debug", path).stderr.decode().splitlines()
         self.assertEqual([line.split(" ")[0] for line in lines[:-1]], ["DEBUG", "DEBUG", "ERROR"])
         self.assertTrue(lines[2].endswith(f" parseImpl: Validation failed: {message}"))
-        self.assertEqual(lines[3] + "\n", plain)
+        self.assertEqual(lines[3] + "\n", usual)
         # A file that is valid has its lines, too.
         good = tarn("check", "--log-level", "debug", self.file(document(managed_object("A-1"))))
         levels = [line.split(" ")[0] for line in good.stderr.decode().splitlines()]

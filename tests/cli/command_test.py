@@ -40,29 +40,29 @@ class CommandTest(CommandCase):
         self.assertGreater(len(once), 10000)
         self.expect(tarn("print", self.file(once)), 0, once)
 
-    def test_malformed_file_is_told_with_status_1(self):
+    def test_malformed_file_is_reported_with_status_1(self):
         path = self.file("<tarn>\n<foo/></tarn>")
         self.expect(tarn("print", path), 1, b"",
                     f"{path}:2:5: error: unknown TARN object\n".encode())
 
-    def test_zero_byte_is_told_with_line_and_column(self):
+    def test_nul_is_reported_with_line_and_column(self):
         path = self.file(b"<tarn>\n ab\0</tarn>")
         self.expect(tarn("print", path), 1, b"",
-                    f"{path}:2:4: error: unexpected zero byte\n".encode())
+                    f"{path}:2:4: error: unexpected NUL byte\n".encode())
 
-    def test_broken_rule_is_told_with_status_2(self):
+    def test_broken_rule_is_reported_with_status_2(self):
         path = self.file("<tarn><cmData/></tarn>")
         self.expect(tarn("print", path), 2, b"",
                     f"{path}: error: The 'cmData' element has no attribute 'type'\n".encode())
 
-    def test_missing_file_and_folder_are_told_with_status_5(self):
+    def test_missing_file_and_folder_are_reported_with_status_5(self):
         path = os.path.join(self.folder, "none.xml")
         self.expect(tarn("print", path), 5, b"",
                     f"{path}: error: No such file or directory\n".encode())
         self.expect(tarn("print", self.folder), 5, b"",
                     f"{self.folder}: error: Is a directory\n".encode())
 
-    def test_full_disk_is_told_with_status_5(self):
+    def test_full_disk_is_reported_with_status_5(self):
         path = self.file(PRINTED)
         with open("/dev/full", "wb") as full:
             result = tarn("print", path, stdout=full)
@@ -86,7 +86,7 @@ class CommandTest(CommandCase):
                     b'<?xml version="1.0" encoding="UTF-8"?>\n'
                     b'<tarn xmlns="tarn21.xsd" version="2.1"></tarn>\n')
 
-    def test_example_program_tells_classes_and_changes(self):
+    def test_example_program_reports_classes_and_changes(self):
         result_path = os.path.join(self.folder, "changed.xml")
         result = run(TOUR, os.path.join(EXAMPLES, "network.xml"), result_path)
         self.assertEqual((result.returncode, result.stderr), (0, b""))

@@ -96,7 +96,7 @@ class AddTest(EditCase):
                             f"{self.source}: A-1: error: there is an object of that name\n"
                             f"{self.source}: A-2: error: there is an object of that name\n")
 
-    def test_fault_inside_an_object_is_told(self):
+    def test_fault_inside_an_object_is_reported(self):
         objects = self.file(document(managed_object("B-1", body=managed_object("C-1", "wrong"))),
                             "objects.xml")
         self.expect_refused(tarn("add", self.source, objects, "--in-place"), 2,

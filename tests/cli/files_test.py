@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The files that the command writes: rights, names, what is replaced and what is written to.
+"""The files that the command writes: rights, names, which are replaced and which are written to.
 
 Argument: the command. What needs another user is tried as root only.
 """
@@ -47,7 +47,7 @@ def attribute(path, name):
 
 
 def can_have(name, value):
-    """Whether a file among the tests' can have that attribute."""
+    """Returns true if a file of the tests can have that attribute."""
     case = CommandCase()
     case.setUp()
     try:
@@ -299,7 +299,7 @@ class KindTest(FilesCase):
 
 
 class OpenFileTest(FilesCase):
-    """/dev/stdout and the like are files that are open: written to, never replaced."""
+    """Files that are already open, such as /dev/stdout, are written to and never replaced."""
 
     def test_standard_output_under_every_name(self):
         os.symlink("/dev/stdout", self.path("link"))
@@ -332,7 +332,7 @@ class OpenFileTest(FilesCase):
                                 "Bad file descriptor", name)
 
     def test_number_of_no_open_file(self):
-        # Those that the command opens itself among them; an emulator has some open.
+        # Also numbers of files that the command opens itself; an emulator has some open, too.
         for number in [99] if "under-emulator" in TARN else range(3, 12):
             name = f"/dev/fd/{number}"
             self.expect_refused(tarn("print", self.source, "-o", name), "Bad file descriptor", name)

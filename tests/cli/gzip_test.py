@@ -38,7 +38,7 @@ class GzipTest(CommandCase):
         self.expect(tarn("check", path), 1, "",
                     f"{path}:20001:7: error: unknown TARN object\n")
 
-    def test_damaged_and_cut_off_files_are_told(self):
+    def test_damaged_and_cut_off_files_are_reported(self):
         data = gzip.compress(GOOD.encode())
         damaged = bytearray(data)
         damaged[len(data) // 2] ^= 0xFF

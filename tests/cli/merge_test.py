@@ -43,7 +43,7 @@ class MergeTest(CommandCase):
                          "conflict.xml")
 
     def expect_untouched(self, result, status, err):
-        """The merge failed: every file is as it was and none was added."""
+        """Expects that the merge failed, every file is unchanged and none was added."""
         self.expect(result, status, "", err)
         self.assertEqual(self.read(self.source), SOURCE.encode())
         self.assertEqual(self.read(self.delta), DELTA.encode())
@@ -65,7 +65,7 @@ class MergeTest(CommandCase):
                     f"{self.source}: note: {message}\n")
         self.expect(tarn("merge", self.source, delta, "--validate", "-o", out), 2, "",
                     f"{self.source}: error: {message}\n")
-        # What follows the rules is not worth a note.
+        # There is no note for a valid document.
         delta = self.file(document(managed_object("A-4", "create", '<e><p name="x"/></e>')), "x.xml")
         self.expect(tarn("merge", self.source, delta, "-o", out), 0,
                     f"{delta}: 1 created, 0 updated, 0 deleted\n")
@@ -114,7 +114,7 @@ class MergeTest(CommandCase):
         self.assertEqual(self.read(self.source), SOURCE.encode())
         self.assertFalse(os.path.exists(out))
 
-    def test_conflict_is_told_with_status_3_and_nothing_written(self):
+    def test_conflict_is_reported_with_status_3_and_nothing_written(self):
         path = self.conflict()
         out = self.path("out.xml")
         message = (f"{path}: error: There is no 'managedObject' element with 'distName=A-9'"
@@ -130,7 +130,7 @@ class MergeTest(CommandCase):
         self.expect_untouched(tarn("merge", self.source, empty), 2,
                               f"{empty}: error: Delta document doesn't have cmData node\n")
 
-    def test_faults_of_a_file_are_told_as_by_check(self):
+    def test_faults_of_a_file_are_reported_as_by_check(self):
         malformed = self.file("<tarn>\n<", "malformed.xml")
         broken = self.file("<tarn><cmData type='wrong'/></tarn>", "broken.xml")
         missing = self.path("missing.xml")
@@ -176,7 +176,7 @@ class MergeTest(CommandCase):
         self.expect(tarn("merge", self.source, copy), 0, tarn("print", self.source).stdout,
                     f"{copy}: 0 created, 2 updated, 0 deleted\n")
 
-    def test_other_names_of_the_target_are_told_of(self):
+    def test_other_names_of_the_target_are_reported(self):
         hard = self.path("hard.xml")
         os.link(self.source, hard)
         self.expect(tarn("merge", "--in-place", self.source, self.delta), 0,
@@ -185,7 +185,7 @@ class MergeTest(CommandCase):
         self.assertEqual(self.read(self.source), MERGED.encode())
         self.assertEqual(self.read(hard), SOURCE.encode())
 
-    def test_folder_that_cannot_be_written_is_told(self):
+    def test_folder_that_cannot_be_written_is_reported(self):
         result = tarn("merge", self.source, self.delta, "-o", "/sys/out.xml")
         self.assertEqual((result.returncode, result.stdout), (5, b""))
         self.assertIn(result.stderr, (b"/sys/out.xml: error: Permission denied\n",
@@ -212,7 +212,7 @@ class MergeTest(CommandCase):
                               self.path("link.xml")).returncode, 0)
         self.assertEqual(self.read(self.path("made.xml")), MERGED.encode())
 
-    def test_links_in_a_circle_are_told(self):
+    def test_links_in_a_cycle_are_reported(self):
         os.symlink("b.xml", self.path("a.xml"))
         os.symlink("a.xml", self.path("b.xml"))
         path = self.path("a.xml")
@@ -228,7 +228,7 @@ class MergeTest(CommandCase):
             tarn("merge", self.source, self.delta, "-o", "/dev/full"), 5,
             "/dev/full: error: No space left on device\n")
 
-    def test_target_that_cannot_be_written_is_told(self):
+    def test_target_that_cannot_be_written_is_reported(self):
         for path, message in ((self.folder, "Is a directory"),
                               (self.path("none/out.xml"), "No such file or directory"),
                               (os.path.join(self.source, "out.xml"), "Not a directory")):
@@ -250,7 +250,7 @@ class MergeTest(CommandCase):
             self.assertEqual((arguments, result.returncode, result.stdout), (arguments, 64, b""))
             self.assertNotEqual(result.stderr, b"")
 
-    def test_example_does_the_main_job(self):
+    def test_example_does_the_usual_work(self):
         result = run("bash", os.path.join(EXAMPLES, "upgrade.sh"), TARN, self.path("results"))
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertIn(b"examples/upgrade.xml: 14 created, 22 updated, 5 deleted\n", result.stdout)

@@ -81,7 +81,7 @@ class ListTest(CommandCase):
         self.expect(tarn("list", self.source, "--mask", none), 2, "",
                     f"{none}: error: holds no managed object\n")
 
-    def test_nothing_matched_is_told_with_status_4(self):
+    def test_nothing_matched_is_reported_with_status_4(self):
         self.expect(tarn("list", self.source, "--p", "x=2"), 4, "",
                     f"{self.source}: error: no object matches\n")
         empty = self.file("<tarn/>", "empty.xml")
@@ -136,7 +136,7 @@ class GetTest(CommandCase):
 
 
 class TreeTest(CommandCase):
-    def test_names_spell_the_tree(self):
+    def test_names_form_the_tree(self):
         path = self.file(document("".join(managed_object(name, class_name=c) for name, c in (
             ("A-1", "A"), ("A-1/B-1", "B"), ("A-1/B-1/C-1", "C"), ("A-1/B-2", "B"), ("A-10", "A"),
             ("A-1-x", "A"), ("D-1/E-1", "E")))))

@@ -28,7 +28,7 @@ DRIVER = shutil.which("chromedriver")
 
 
 class PageTest(CommandCase):
-    """What the page holds, without a browser."""
+    """The content of the page, without a browser."""
 
     def test_page_is_written_whole_and_needs_nothing_else(self):
         source = self.file(document(managed_object("A-1")))
@@ -51,7 +51,7 @@ class PageTest(CommandCase):
     def data(self, page):
         return json.loads(page.split(b'type="application/json">')[1].split(b"</script>")[0])
 
-    def test_messages_that_repeat_long_names_are_bounded_and_those_left_out_told(self):
+    def test_messages_that_repeat_long_names_are_bounded_and_those_left_out_are_reported(self):
         # 227 kB that would make a page of 100 MB: each message has the name of its object.
         body = "<extension>" + "<p/>" * 1000 + "</extension>"
         source = self.file(document("".join(managed_object(f"{'A' * 4000}-{n}", body=body)
@@ -66,7 +66,7 @@ class PageTest(CommandCase):
         self.assertEqual(result.stderr.decode(),
                          f"{source}: note: {left_out} violations are left out of the page\n")
 
-    def test_violations_of_the_document_that_are_left_out_are_told(self):
+    def test_violations_of_the_document_that_are_left_out_are_reported(self):
         source = self.file(document(managed_object("A-1", body="<p/>"),
                                     header="<header>" + "<log/>" * 600 + "</header>"))
         result = tarn("report", source, "-o", "-")

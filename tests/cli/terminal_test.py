@@ -23,7 +23,7 @@ LONGER_THAN_UNSHOWN = 1.4
 
 
 def on_terminal(*arguments, terminal_for="both", environment=None, feed=None):
-    """Runs the command with output on a pseudo-terminal; returns status and what the terminal got."""
+    """Runs the command on a pseudo-terminal; returns its status and its output."""
     master, slave = pty.openpty()
     streams = {"both": (slave, slave), "stderr": (subprocess.DEVNULL, slave)}[terminal_for]
     clean = {name: value for name, value in os.environ.items() if name != "NO_COLOR"}
@@ -77,7 +77,7 @@ class ColorTest(CommandCase):
 
 
 def feed_slowly(path):
-    """Writes GOOD into the pipe at `path`, so slowly that a terminal is shown progress."""
+    """Writes GOOD into the pipe at `path`, so slowly that the command shows progress."""
     with open(path, "wb") as file:
         file.write(GOOD[:40].encode())
         file.flush()
@@ -142,7 +142,7 @@ class PipeTest(CommandCase):
             process.stderr.close()
             self.assertIn(process.wait(), (-signal.SIGPIPE, 141))
 
-    def test_closed_standard_output_is_told(self):
+    def test_closed_standard_output_is_reported(self):
         result = subprocess.run(["bash", "-c", '"$0" check "$1" >&-', TARN, self.file(GOOD)],
                                 stderr=subprocess.PIPE, check=False)
         self.assertEqual((result.returncode, result.stderr),
@@ -178,10 +178,10 @@ class SignalTest(CommandCase):
 
 
 class EscapeTest(CommandCase):
-    """What a terminal would obey is escaped, in names of files and in texts of documents."""
+    """Control characters are escaped, in names of files and in texts of documents."""
 
-    # Each with what is shown: C0, DEL, C1, a direction, a line separator, bytes that are no UTF-8
-    # (alone, cut off, overlong, half of a pair, beyond the last character).
+    # Each with its escaped form: C0, DEL, C1, a direction, a line separator, bytes of invalid UTF-8
+    # (alone, truncated, overlong, half of a pair, beyond the last character).
     UNPRINTABLE = {b"\x1b[2J": b"\\x1B[2J", b"\n": b"\\x0A", b"\x7f": b"\\x7F",
                    b"\xc2\x9b": b"\\xC2\\x9B", b"\xc2\x80": b"\\xC2\\x80",
                    b"\xe2\x80\xae": b"\\xE2\\x80\\xAE", b"\xe2\x81\xa6": b"\\xE2\\x81\\xA6",
@@ -254,7 +254,7 @@ class EscapeTest(CommandCase):
 
 
 class HelpTest(CommandCase):
-    def test_nearest_command_and_option_are_told(self):
+    def test_nearest_command_and_option_are_reported(self):
         for arguments, message in (
                 (["chek", "x"], "no command 'chek', did you mean 'check'?"),
                 (["--log-level", "info", "lst"], "no command 'lst', did you mean 'list'?"),

@@ -1,4 +1,4 @@
-// What a host project starts with.
+// The start of a host project.
 
 #include <cstdio>
 #include <iostream>
@@ -21,7 +21,7 @@ using libtarn::model::LibTarnManagedObject;
 using libtarn::model::exceptions::ModelException;
 using Operation = LibTarnManagedObject::Operation;
 
-// A document for which the library throws, to be caught here.
+// A document for which the library throws; the host catches the exception.
 bool throwsModelException(LibTarnDocument& document) {
   try {
     // An object that a host unlinks keeps two parameters of one name, which a copy cannot have.
@@ -38,7 +38,7 @@ bool throwsModelException(LibTarnDocument& document) {
   return false;
 }
 
-// Rules and indexes that hosts use by themselves.
+// Rules and indexes that hosts use on their own.
 bool hasPartsOfItsOwn(LibTarnDocument& document) {
   using namespace libtarn::model;
   const validation::Validator validator;
@@ -65,7 +65,7 @@ int main() {
       true);
   auto* const cmData = document.getLibTarnCmData();
   if (code != 0 || !cmData) return 1;
-  // Tables and types are the same on both sides of the library's border.
+  // Tables and types are the same on both sides of the ABI boundary.
   LibTarnManagedObject* const object = cmData->getLibTarnManagedObject("A-1");
   if (object->getOperation() != Operation::UPDATE) return 2;
   std::cout << object->getDistName() << ": " << object->getOperation().toString() << '\n';

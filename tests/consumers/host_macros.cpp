@@ -1,5 +1,5 @@
-// A host, or a header of its platform, that has macros of these names before it includes the
-// library's. HOST_MACRO is what each of them stands for: nothing, or a value.
+// A host, or a header of its platform, defines macros with these names before it includes the
+// library's headers. HOST_MACRO is the value of each: nothing, or a number.
 
 #define DEBUG HOST_MACRO
 #define ERROR HOST_MACRO
@@ -52,7 +52,7 @@
 #error "DEFAULTS is gone"
 #endif
 
-// They stand for what they stood for.
+// The macros have their values again.
 #define TEXT_OF_(...) #__VA_ARGS__
 #define TEXT_OF(...) TEXT_OF_(__VA_ARGS__)
 static_assert(sizeof(TEXT_OF(DELETE)) == sizeof(TEXT_OF(HOST_MACRO)), "DELETE is the host's");

@@ -1,5 +1,5 @@
-// The XML core beside two other parsers: the same tree for well-formed documents of what all of
-// them take alike, and every difference that is meant, one by one.
+// The XML core beside two other parsers: the same tree for well-formed documents that all of them
+// read alike, and a test for every intended difference.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ namespace {
 using tarn_test::parsedByCore;
 using tarn_test::parsedByExpat;
 using tarn_test::parsedByLibxml2;
-using tarn_test::PlainElement;
+using tarn_test::ReferenceElement;
 
 // Well-formed documents at random.
 class Generator {
@@ -50,7 +50,7 @@ class Generator {
     return oneOf(FIRST) + oneOf(REST);
   }
 
-  // Characters that mean the same in attributes and texts, and that no parser changes.
+  // Characters that have the same meaning in attributes and texts, and that no parser changes.
   std::string characters(unsigned most) {
     static const char* const PIECES[] = {"x",
                                          "longer words ",
@@ -72,7 +72,7 @@ class Generator {
                                          "0123456789abcdef"};
     std::string text;
     for (unsigned count = pick(most); count > 0; --count) text += oneOf(PIECES);
-    // Not in a text of XML.
+    // Not allowed in XML.
     for (std::size_t at = 0; (at = text.find("]]", at)) != std::string::npos;) text.erase(at, 1);
     return text;
   }
@@ -147,8 +147,7 @@ TEST(DifferentialTest, ExamplesHaveTheSameTree) {
   EXPECT_GT(count, 1U);
 }
 
-// Of the corpus of the fuzz targets whatever both other parsers take, but for what is told apart
-// below.
+// All inputs of the fuzz corpus that both other parsers accept, without the differences below.
 TEST(DifferentialTest, WellFormedInputsOfTheFuzzTargetsAreTaken) {
   std::size_t count = 0;
   for (const char* const target : {"xml", "load"}) {
@@ -156,7 +155,7 @@ TEST(DifferentialTest, WellFormedInputsOfTheFuzzTargetsAreTaken) {
          std::filesystem::directory_iterator(std::filesystem::path("fuzz/corpus") / target)) {
       SCOPED_TRACE(entry.path());
       const std::string text = readFile(entry.path());
-      // A text of the core ends with its first zero byte.
+      // A text of the core ends at its first NUL.
       if (text.find('\0') != std::string::npos || !parsedByLibxml2(text) || !parsedByExpat(text)) {
         continue;
       }
@@ -167,9 +166,9 @@ TEST(DifferentialTest, WellFormedInputsOfTheFuzzTargetsAreTaken) {
   EXPECT_GT(count, 5U);
 }
 
-// A difference that is meant.
+// An intended difference.
 
-// What the core takes and a parser of XML refuses.
+// Texts that the core accepts and a parser of XML refuses.
 struct Accepted {
   const char* what;
   std::string text;
@@ -214,8 +213,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Accepted{"MalformedDoctype", "<!DOCTYPE [>]><a>x</a>", "a", "x"}),
     [](const auto& each) { return std::string(each.param.what); });
 
-// What all of them take, and the core has another tree for. The value of "a", and of its attribute
-// "b" when that is there, by the core and by the others.
+// Texts that all of them accept, but for which the core has another tree. The value of "a", and of
+// its attribute "b" if there is one, in the core and in the others.
 struct Different {
   const char* what;
   std::string text;
@@ -227,7 +226,7 @@ void PrintTo(const Different& difference, std::ostream* out) { *out << differenc
 
 class DifferentTest : public testing::TestWithParam<Different> {};
 
-std::string seenIn(const PlainElement& element) {
+std::string seenIn(const ReferenceElement& element) {
   return element.attribute("b") ? element.attributeOr("b") : element.tag + ":" + element.value;
 }
 
@@ -246,18 +245,18 @@ INSTANTIATE_TEST_SUITE_P(
                               "<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>", "a:&e;", "a:x"},
                     Different{"DefaultsOfTheDocumentTypeAreNotSet",
                               "<!DOCTYPE a [<!ATTLIST a b CDATA 'x'>]><a>y</a>", "a:y", "x"},
-                    // A blank that is written as a reference is a text of its own.
+                    // A blank that is written as a reference is a text.
                     Different{"BlankReferenceIsAValue", "<a>&#32;</a>", "a: ", "a:"}),
     [](const auto& each) { return std::string(each.param.what); });
 
-// What the others take and the core refuses.
+// Texts that the others accept and the core refuses.
 TEST(DifferentialTest, QuestionMarkEndsANameOfTheCore) {
   // Names of XML have none, and the core needs it to end a declaration.
   EXPECT_FALSE(parsedByCore("<a?b/>").has_value());
   EXPECT_FALSE(parsedByExpat("<a?b/>").has_value());
 }
 
-TEST(DifferentialTest, CoreReadsUpToAZeroByte) {
+TEST(DifferentialTest, CoreReadsUpToANul) {
   const std::string text("<a>x</a>\0<b", 11);
   EXPECT_TRUE(parsedByCore(text).has_value());
   EXPECT_FALSE(parsedByExpat(text).has_value());

@@ -16,12 +16,12 @@ bool isBlank(const std::string& text) {
   return text.find_first_not_of(" \t\r\n") == std::string::npos;
 }
 
-// Takes what a parser tells, in the order of the text.
+// Builds the tree from the events of a parser, in document order.
 class Builder {
  public:
   void start(std::string tag) {
     endRun();
-    PlainElement element;
+    ReferenceElement element;
     element.tag = std::move(tag);
     open_.push_back(std::move(element));
   }
@@ -35,15 +35,15 @@ class Builder {
   }
   void end() {
     endRun();
-    PlainElement element = std::move(open_.back());
+    ReferenceElement element = std::move(open_.back());
     open_.pop_back();
     (open_.empty() ? root_ : open_.back()).children.push_back(std::move(element));
   }
-  PlainElement root() const { return root_.children.front(); }
+  ReferenceElement root() const { return root_.children.front(); }
 
  private:
-  std::vector<PlainElement> open_;
-  PlainElement root_;
+  std::vector<ReferenceElement> open_;
+  ReferenceElement root_;
   std::string run_;
 };
 
@@ -57,7 +57,7 @@ std::string nameOf(const xmlNs* space, const xmlChar* name) {
   return space && space->prefix ? fromXml(space->prefix) + ":" + fromXml(name) : fromXml(name);
 }
 
-void tell(const xmlNode& node, Builder& builder) {
+void build(const xmlNode& node, Builder& builder) {
   builder.start(nameOf(node.ns, node.name));
   for (const xmlNs* space = node.nsDef; space; space = space->next) {
     builder.attribute(space->prefix ? "xmlns:" + fromXml(space->prefix) : "xmlns",
@@ -69,7 +69,7 @@ void tell(const xmlNode& node, Builder& builder) {
   }
   for (const xmlNode* child = node.children; child; child = child->next) {
     if (child->type == XML_ELEMENT_NODE) {
-      tell(*child, builder);
+      build(*child, builder);
     } else if (child->type == XML_TEXT_NODE) {
       builder.text(fromXml(child->content));
     } else {
@@ -99,27 +99,27 @@ void onInstruction(void* data, const XML_Char* /*target*/, const XML_Char* /*tex
 
 }  // namespace
 
-std::optional<PlainElement> parsedByCore(const std::string& text) {
+std::optional<ReferenceElement> parsedByCore(const std::string& text) {
   std::string copy = text;
   libDomXml::DomDocument document(false);
   if (document.rapidParse(copy.data()) != 0) return std::nullopt;
   const rapidxml::xml_node<char>* node = document.first_node();
   while (node && node->type() != rapidxml::node_element) node = node->next_sibling();
-  return node ? toPlain(*node) : PlainElement();
+  return node ? toReferenceTree(*node) : ReferenceElement();
 }
 
-std::optional<PlainElement> parsedByLibxml2(const std::string& text) {
+std::optional<ReferenceElement> parsedByLibxml2(const std::string& text) {
   xmlDoc* const document =
       xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
                     XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_HUGE);
   if (!document) return std::nullopt;
   Builder builder;
-  tell(*xmlDocGetRootElement(document), builder);
+  build(*xmlDocGetRootElement(document), builder);
   xmlFreeDoc(document);
   return builder.root();
 }
 
-std::optional<PlainElement> parsedByExpat(const std::string& text) {
+std::optional<ReferenceElement> parsedByExpat(const std::string& text) {
   XML_Parser const parser = XML_ParserCreate(nullptr);
   Builder builder;
   XML_SetUserData(parser, &builder);

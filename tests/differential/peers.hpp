@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "support/PlainTree.hpp"
+#include "support/ReferenceTree.hpp"
 
 namespace tarn_test {
 
@@ -11,8 +11,8 @@ namespace tarn_test {
 // element is its first run of text that is not blank, up to the next markup. Nothing for a text
 // that the parser refuses.
 
-std::optional<PlainElement> parsedByCore(const std::string& text);
-std::optional<PlainElement> parsedByLibxml2(const std::string& text);
-std::optional<PlainElement> parsedByExpat(const std::string& text);
+std::optional<ReferenceElement> parsedByCore(const std::string& text);
+std::optional<ReferenceElement> parsedByLibxml2(const std::string& text);
+std::optional<ReferenceElement> parsedByExpat(const std::string& text);
 
 }  // namespace tarn_test

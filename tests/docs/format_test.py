@@ -14,7 +14,7 @@ def in_object(body):
     return document(managed_object("A-1", body=body))
 
 
-# The message as it stands in the documentation, what its words in capitals stand for, a document.
+# The message in the documentation, the values of its words in capitals, a document.
 BROKEN_RULES = [
     ("The 'tarn > ' element has no attribute 'xmlns'", {}, document("").replace("xmlns", "x")),
     ("'VALUE' is not a valid value of 'tarn > ' attribute 'xmlns'", {"VALUE": "x"},

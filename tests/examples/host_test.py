@@ -64,13 +64,26 @@ no NET-1/LINK-99
         path = self.path("merged.xml")
         result = program("merge_deltas", NETWORK, path, "examples/upgrade.xml",
                          "examples/conflict.xml")
-        self.assertEqual((result.returncode, result.stderr), (3, b""))
+        self.assertEqual(result.returncode, 3)
         lines = result.stdout.decode().splitlines()
         self.assertEqual(lines[0], "examples/upgrade.xml: applied")
         self.assertRegex(lines[1], "^examples/conflict.xml: refused: .*NET-1/")
+        self.assertIn(lines[1].split(": refused: ")[1], result.stderr.decode())
         expected = self.path("expected.xml")
         run(TARN, "merge", NETWORK, "examples/upgrade.xml", "-o", expected)
         self.assertEqual(self.read(path), self.read(expected))
+
+    def test_merge_of_a_valid_delta_that_cannot_be_copied(self):
+        path = self.path("merged.xml")
+        duplicates = "<p name='n'/><p name='n'/>"
+        delta = self.file(document(managed_object(
+            "NET-9", body=managed_object("NET-9/SITE-1", body=duplicates))))
+        self.expect(run(TARN, "check", delta), 0, f"{delta}: ok\n")
+        result = program("merge_deltas", NETWORK, path, delta)
+        self.assertEqual(result.returncode, 2)
+        self.assertEqual(result.stdout.decode(), f"{delta}: The 'NET-9/SITE-1' element already "
+                         "contains a 'p' element with 'name=n'\n")
+        self.assertFalse(os.path.exists(path))
 
     def test_own_rules(self):
         result = program("own_rules", NETWORK)

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t GIB = std::size_t{1} << 30;
 
-// `size` characters between two texts, with the zero byte.
+// `size` characters between two texts, and the terminating NUL.
 std::vector<char> around(const std::string& before, std::size_t size, const std::string& after) {
   std::vector<char> text(before.size() + size + after.size() + 1, 'x');
   std::copy(before.begin(), before.end(), text.begin());

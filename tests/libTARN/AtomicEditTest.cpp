@@ -1,5 +1,5 @@
-// Merges and changes by mask are made wholly or not at all, whatever ends them: a rule of the model
-// that a copy breaks, or memory that ends at any place.
+// Merges and changes by mask are made completely or not at all, whatever ends them: a copy that
+// breaks a rule of the model, or memory that runs out at any allocation.
 
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ using tarn_test::objectText;
 
 constexpr auto BLOCK = static_cast<unsigned>(rapidxml::memory_pool<char>::dynamic_pool_size);
 
-// Pool blocks from the heap, so that a test can end them.
+// Pool blocks from the heap, so that a test can let them run out.
 class Document {
  public:
   explicit Document(const std::string& text) {
@@ -43,14 +43,14 @@ class Document {
   LibTarnCmData& cmData() { return *document_.getLibTarnCmData(); }
   LibTarnManagedObject& object(const char* name) { return *cmData().getLibTarnManagedObject(name); }
 
-  // Only so many bytes are left in the pool's block.
+  // Leaves that number of bytes in the block of the pool.
   void leave(unsigned bytes) { document_.getItsTarnDomDocument()->allocateMemory(BLOCK - bytes); }
 
  private:
   LibTarnDocument document_{new TarnDomDocument(nullptr, nullptr)};
 };
 
-// All that a host can see: the text, and what the indexes give, in their order.
+// Everything that a host can see: the text, and the entries of the indexes in their order.
 std::string stateOf(LibTarnDocument& document) {
   std::string state;
   libtarn::util::dumpTarnDocument(document, state);
@@ -73,13 +73,13 @@ std::string stateOf(LibTarnDocument& document) {
   return state;
 }
 
-// Parameters that an update replaces, and some that it leaves, in an order of their own.
+// Parameters that an update replaces, and some that it leaves, in another order than their names.
 std::string body() {
   std::string text =
       "<list name='l'><p>1</p></list><p name='z'>old</p><extension name='e'><p name='n'>v</p>"
       "</extension><p name='a'>old</p><extension name='f'/><extension name='e'/>"
       "<list name='m'><item><p name='x'>1</p></item></list>";
-  // More than an array of the index holds.
+  // More parameters than an array of the index holds.
   for (int i = 0; i < 70; ++i) text += "<list name='k" + std::to_string(i) + "'/>";
   return text;
 }
@@ -102,7 +102,7 @@ std::string deltaText(const std::string& last) {
                              last);
 }
 
-// Documents that pass a load with validation, and whose copy breaks a rule.
+// Documents that are valid, and whose copies break a rule.
 const char* const BROKEN_COPIES[] = {
     "<managedObject operation='x'/>",
     "<managedObject distName='D'><p name='n'/><p name='n'/></managedObject>",
@@ -128,7 +128,7 @@ TEST(AtomicEditTest, MergeThatBreaksARuleHasChangedNothing) {
   }
 }
 
-// A host can write the attribute past the object, which then goes on with what it has read.
+// A host can change the attribute without the object, which then keeps the value that it had read.
 TEST(AtomicEditTest, OperationThatWasNotReadIsNotReadWhenAMergeIsTakenBack) {
   Document source(documentTextWithLog(objectText("A-1", "", "")));
   Document delta(documentTextWithLog(objectText("A-1", "", "") +
@@ -141,7 +141,7 @@ TEST(AtomicEditTest, OperationThatWasNotReadIsNotReadWhenAMergeIsTakenBack) {
 }
 
 TEST(AtomicEditTest, UpdateThatBreaksARuleHasChangedNothing) {
-  // A list and an extension that cannot be copied, behind others that can.
+  // A list and an extension that cannot be copied, after others that can.
   for (const char* const broken : {BROKEN_COPIES[3], BROKEN_COPIES[4]}) {
     SCOPED_TRACE(broken);
     const std::string changes = objectText(
@@ -180,7 +180,7 @@ TEST(AtomicEditTest, ChangeThatBreaksARuleHasChangedNothing) {
   EXPECT_EQ(brokenDocument(source.get()), "");
 }
 
-// Something that is done with two documents.
+// An operation on two documents.
 struct Work {
   const char* name;
   std::function<void(Document& source, Document& delta)> act;
@@ -238,21 +238,21 @@ const std::vector<Work>& works() {
   return all;
 }
 
-// What fails: of the allocations of at least `leastSize` bytes the `number`-th and all behind it,
-// with so many bytes left in the block of the source's pool.
+// A planned failure: of the allocations of at least `leastSize` bytes, the `number`-th and all
+// after it fail, with that number of bytes left in the block of the source's pool.
 struct Fault {
   std::size_t number;
   std::size_t leastSize;
   unsigned left;
-  bool withViews;  // whether the indexes have their orders already
+  bool withViews;  // the indexes have built their views
 };
 
 struct Outcome {
   bool failed;    // the work threw std::bad_alloc
-  bool happened;  // the allocation was come to
+  bool happened;  // the work reached the allocation
 };
 
-// When it fails nothing may have changed, and it can be done afterwards.
+// When the operation fails, nothing may have changed, and a second try succeeds.
 Outcome actWith(const Work& work, const Fault& fault) {
   CapturedLog log;
   Document source(sourceText());
@@ -289,7 +289,7 @@ TEST(AtomicEditTest, PoolThatEndsAnywhereLeavesEverythingAsItWas) {
   for (const Work& work : works()) {
     SCOPED_TRACE(work.name);
     int failed = 0;
-    // From where next to nothing is left to where all of it has room.
+    // From nearly nothing left to enough for everything.
     for (unsigned left = 8; left < 40000 && !HasFailure(); left += left < 3000 ? 16 : 56) {
       SCOPED_TRACE(left);
       // Only the blocks of the pool are so large.
@@ -331,7 +331,7 @@ bool mergeFails(Document& source, Document& delta) {
   }
 }
 
-// The index may have to take such an object when another one goes.
+// When an object is removed, the index may have to add another one that took its name.
 TEST(AtomicEditTest, MergeIsTakenBackWithoutMemoryBesideAnObjectThatLostItsName) {
   int failed = 0;
   for (unsigned left = 8; left < 30000 && !HasFailure(); left += 400) {
@@ -350,8 +350,8 @@ TEST(AtomicEditTest, MergeIsTakenBackWithoutMemoryBesideAnObjectThatLostItsName)
   EXPECT_GT(failed, 0);
 }
 
-// One object that goes gives its name back to another one, for which the full leaf of its class is
-// split. The next one that goes finds the pool without memory.
+// When one object is removed, another one gets its name back, which splits a full leaf of its
+// class. When the next one is removed, the pool has no memory left.
 TEST(AtomicEditTest, ObjectsAreDeletedWithoutMemory) {
   int deleted = 0;
   for (unsigned left = 8; left < 8000 && !HasFailure(); left += 8) {
@@ -385,7 +385,7 @@ TEST(AtomicEditTest, ObjectsAreDeletedWithoutMemory) {
   EXPECT_GT(deleted, 0);
 }
 
-// A number less than `limit`.
+// Returns a number less than `limit`.
 unsigned anyBelow(unsigned limit, std::mt19937& random) {
   return static_cast<unsigned>(random() % limit);
 }
@@ -439,7 +439,7 @@ TEST(AtomicEditTest, EditsAmongFewNamesChangeNothingWhenMemoryEnds) {
   EXPECT_GT(failed, 100);
 }
 
-// One after the other, so that those before the one that fails stay changed.
+// One after the other: objects before the one that fails stay changed.
 TEST(AtomicEditTest, EachObjectIsChangedByAMaskWhollyOrNotAtAll) {
   int partly = 0;
   for (unsigned left = 0; left < 12000 && !HasFailure(); left += 24) {

@@ -1,5 +1,5 @@
-// Memory that runs out: every allocation of a piece of work fails once, and each time nothing is
-// lost, nothing is broken, and the document goes as it should.
+// Memory that runs out: every allocation of an operation fails once. Each time nothing is lost, the
+// documents are consistent, and they can be destroyed.
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -76,7 +76,7 @@ std::unique_ptr<Side> loaded(Blocks blocks, const std::string& text) {
   return side;
 }
 
-// Two documents, and what is done with them.
+// Two documents, and the operations on them.
 struct Documents {
   std::string sourceText = documentText(0, OBJECTS);
   std::unique_ptr<Side> source;
@@ -133,7 +133,7 @@ void editAll(LibTarnDocument& document) {
   cmData.getLibTarnHeader()->addLog(*factory.createLog("edit", "app", "value"));
 }
 
-// Tells what it does to each object, in many allocations.
+// Logs a line for each object, with many allocations.
 void changeByMask(LibTarnDocument& document) {
   LibTarnManagedObject& mask = libtarn::util::ManagedObjectBuilder(document).setClass("C1").get();
   LibTarnManagedObject& values = libtarn::util::ManagedObjectBuilder(document)
@@ -205,12 +205,12 @@ std::vector<Work> allWorks(Blocks blocks) {
           clone(blocks), merge(blocks),     print(blocks)};
 }
 
-// Empty when all is well.
+// Empty when nothing is broken.
 std::string broken(const Documents& documents, bool done) {
   for (Side* const side : {documents.source.get(), documents.delta.get()}) {
     if (!side) continue;
     LibTarnDocument* const document = &side->get();
-    // A load that was broken off has indexes that are not complete.
+    // The indexes of a load that failed are not complete.
     const bool whole = done || document->getLibTarnCmData() == nullptr;
     const std::string finding =
         brokenDocument(*document, whole ? Indexes::IN_STEP : Indexes::SOUND);
@@ -223,7 +223,7 @@ TEST(MemoryFaultTest, EveryAllocationOnTheHeapMayFail) {
   for (const Work& work : allWorks(Blocks::HEAP)) {
     SCOPED_TRACE(work.name);
     {
-      // What is made once and kept.
+      // Made once and kept.
       Documents documents;
       work.prepare(documents);
       work.act(documents);
@@ -251,7 +251,7 @@ TEST(MemoryFaultTest, EveryAllocationOnTheHeapMayFail) {
       log.clear();
       ASSERT_EQ(tarn_test::heapBlocks(), before) << "fault " << faults + 1;
     }
-    // Otherwise nothing has been tried.
+    // Otherwise the test has tried nothing.
     EXPECT_GT(faults, 2U);
     RecordProperty(work.name, std::to_string(faults - 1));
   }
@@ -277,7 +277,7 @@ TEST(MemoryFaultTest, ADocumentThatDidNotFitLoadsOnceThereIsMemory) {
   }
 }
 
-// The text of a parse goes with the next one, also with one that had no memory.
+// The next parse frees the text of the one before, also after a parse that ran out of memory.
 TEST(MemoryFaultTest, RootAndDeclarationHaveTheirTextsWhenThereWasNoRoomToMoveThem) {
   constexpr std::size_t LONG = std::size_t{1} << 20U;
   const std::string value(LONG, 'x');
@@ -305,13 +305,14 @@ TEST(MemoryFaultTest, RootAndDeclarationHaveTheirTextsWhenThereWasNoRoomToMoveTh
   }
 }
 
-// The pool has so many bytes left that the memory ends within an operation, wherever that is.
+// The number of bytes left in the pool varies, so that memory runs out at every point of an
+// operation.
 TEST(MemoryFaultTest, PoolMayEndWithinEveryOperation) {
   struct Operations {
     const char* name;
     std::function<void(LibTarnDocument&, LibTarnManagedObject&, LibTarnDocument& delta)> act;
   };
-  // Longer than what aligning may leave of a block.
+  // Longer than the bytes that alignment may leave of a block.
   constexpr const char* LONG_NAME = "NETWORK-1/SITE-222/RADIO-3333/CELL-44444";
   const std::string source = documentText(0, FEW);
   const Operations all[] = {
@@ -381,7 +382,7 @@ TEST(MemoryFaultTest, PoolMayEndWithinEveryOperation) {
       }
       faults += failed ? 1 : 0;
       ASSERT_EQ(brokenDocument(document), "") << left;
-      // It can be done afterwards.
+      // A second try succeeds.
       if (failed) each.act(document, *object, delta);
       ASSERT_EQ(brokenDocument(document), "") << left;
     }
@@ -389,8 +390,8 @@ TEST(MemoryFaultTest, PoolMayEndWithinEveryOperation) {
   }
 }
 
-// An object that gets another name or class leaves its place in the indexes for one where there may
-// be no room.
+// An object that gets another name or class moves to another position in the indexes, where there
+// may be no room.
 TEST(MemoryFaultTest, ObjectKeepsNameAndClassWhenThereIsNoRoomForTheNewOnes) {
   std::string text = "<tarn><cmData type='plan'>";
   for (int i = 100; i < 500; ++i) {
@@ -438,7 +439,7 @@ TEST(MemoryFaultTest, ObjectKeepsNameAndClassWhenThereIsNoRoomForTheNewOnes) {
   EXPECT_GT(oldClasses, 0U);
 }
 
-// What a map that fails comes to in a process of its own: 0 for all well, the assertion "memory".
+// The result of a failing map in a process of its own: 0, or the assertion "memory".
 [[noreturn]] void failMapIn(const Work& work, std::size_t number) {
   Documents documents;
   work.prepare(documents);
@@ -463,7 +464,7 @@ TEST(MemoryFaultDeathTest, EveryMapMayFail) {
     std::size_t number = 1;
     for (;; ++number) {
       ASSERT_LT(number, 1000U);
-      // A process ends with the assertion as long as there is a map to fail.
+      // The process ends with the assertion as long as there is a map that can fail.
       std::string outcome;
       const auto isKnownEnd = [&outcome](int status) {
         outcome = WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT ? "assertion"
@@ -504,7 +505,7 @@ TEST(MemoryFaultTest, EveryMapMayFailForADocumentThatThrows) {
       }
       const bool loading = std::string(work.name).find("load") == 0;
       ASSERT_EQ(broken(documents, done || !loading), "") << "fault " << exceptions;
-      // There is memory again.
+      // Memory is available again.
       if (!done && documents.source) {
         ASSERT_EQ(documents.source->get().parse(documents.sourceText.c_str(), true), 0);
         ASSERT_EQ(broken(documents, true), "") << "fault " << exceptions;
@@ -532,7 +533,7 @@ TEST(MemoryFaultTest, CheckOfATextThrowsWithoutMaps) {
   }
 }
 
-// A pool of the host's that has no memory for one request.
+// A host's pool that has no memory for one request.
 class FailingPool : public libDomXml::IMemoryPool {
  public:
   explicit FailingPool(std::size_t number) : callsToFault_(number) {}
@@ -548,7 +549,7 @@ class FailingPool : public libDomXml::IMemoryPool {
   std::size_t callsToFault_;
 };
 
-// Elements made, linked, changed and copied in that pool.
+// Makes, links, changes and copies elements in that pool.
 void workIn(FailingPool& pool) {
   libtarn::util::TarnFactory factory(pool);
   LibTarnManagedObject* const made =
@@ -595,7 +596,7 @@ TEST(MemoryFaultDeathTest, EveryRequestToAPoolOfTheHostMayFail) {
     ASSERT_EXIT(failPoolAt(number), isKnownEnd, "memory|went on|all went well");
     if (code == 0) break;
     ++(code == 100 ? assertions : exceptions);
-    // There are thousands; the first of each kind of request come early.
+    // There are thousands of requests; the first ones have every kind.
     if (number > 400) number += 16;
   }
   EXPECT_GT(assertions, 100U);

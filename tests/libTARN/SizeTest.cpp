@@ -1,5 +1,5 @@
-// Sizes at which something may go wrong: long values, many attributes and children, places in the
-// pool where a block ends, texts that end where memory ends.
+// Sizes that may cause faults: long values, many attributes and children, allocations at the end of
+// a block of the pool, texts at the end of readable memory.
 
 #include <gtest/gtest.h>
 
@@ -141,17 +141,17 @@ TEST(SizeDeathTest, RecordsTakeNoSizeBeyond32Bits) {
   }
 }
 
-// Places in the pool
+// Addresses in the pool
 
-// Texts of every size around those that leave the current block with no more than a few bytes, and
-// nodes and attributes behind them.
+// Texts of every size around those that leave only a few bytes of the current block, and nodes and
+// attributes after them.
 TEST(SizeTest, TextsEndAtEveryPlaceAroundTheEndOfABlock) {
   using Pool = rapidxml::memory_pool<char>;
   for (const std::size_t block : {Pool::static_pool_size, Pool::dynamic_pool_size}) {
     for (std::size_t size = block - 16; size <= block + 16; ++size) {
       libDomXml::DomDocument document(false);
       if (block == Pool::dynamic_pool_size) {
-        // Out of the first block.
+        // Goes beyond the first block.
         document.createDomElement(std::string(Pool::static_pool_size, 'f').c_str(), nullptr);
       }
       const std::string name(size, 'n');
@@ -168,15 +168,15 @@ TEST(SizeTest, TextsEndAtEveryPlaceAroundTheEndOfABlock) {
   }
 }
 
-// As above, with what has been taken before moved byte by byte.
-TEST(SizeTest, ElementsOfTheModelStandAtEveryPlaceAroundTheEndOfABlock) {
+// As above, with the allocations before moved byte by byte.
+TEST(SizeTest, TypedElementsAtEveryAddressAroundTheEndOfABlock) {
   constexpr std::size_t BLOCK = rapidxml::memory_pool<char>::dynamic_pool_size;
   const std::string text = documentText(
       "<managedObject class='C' distName='A-1'><p name='a'>1</p><list name='l'><item><p name='x'/>"
       "</item></list><extension name='e'/></managedObject>");
   for (std::size_t left = 0; left < 2048; left += sizeof(void*)) {
     LibTarnDocument loaded;
-    // So much of the block is taken that `left` bytes are not.
+    // Allocates all of the block but `left` bytes.
     loaded.getItsTarnDomDocument()->allocateMemory(static_cast<unsigned>(BLOCK));
     loaded.getItsTarnDomDocument()->allocateMemory(static_cast<unsigned>(BLOCK - left));
     ASSERT_EQ(loaded.parse(text.c_str(), true), 0);
@@ -186,15 +186,14 @@ TEST(SizeTest, ElementsOfTheModelStandAtEveryPlaceAroundTheEndOfABlock) {
 
 // Texts at the end of memory
 
-// `before` and `after`, with so many characters between them that the whole has `size`; or the
-// beginning of that when there is no room.
+// A text of `size` characters: `before`, padding, `after`; cut off when `size` is too small.
 std::string ofSize(std::size_t size, const std::string& before, const std::string& after) {
   const std::size_t fixed = before.size() + after.size();
   if (size < fixed) return (before + after).substr(0, size);
   return before + std::string(size - fixed, 'x') + after;
 }
 
-TEST(SizeTest, NothingIsReadBehindTheEndOfAText) {
+TEST(SizeTest, NothingIsReadAfterTheEndOfAText) {
   struct Shape {
     const char* before;
     const char* after;
@@ -209,15 +208,15 @@ TEST(SizeTest, NothingIsReadBehindTheEndOfAText) {
     for (const Shape& shape : shapes) {
       const std::string source = ofSize(size, shape.before, shape.after);
       TextAtTheEdge text(source);
-      libDomXml::DomDocument plain(false);
-      const int result = plain.rapidParse(text.text());
+      libDomXml::DomDocument dom(false);
+      const int result = dom.rapidParse(text.text());
       // As anywhere else.
       std::string copy = source;
       libDomXml::DomDocument elsewhere(false);
       EXPECT_EQ(result, elsewhere.rapidParse(copy.data())) << shape.before << ' ' << size;
-      EXPECT_EQ(tarn_test::brokenTree(plain, &plain), "");
+      EXPECT_EQ(tarn_test::brokenTree(dom, &dom), "");
     }
-    // The model's own elements, whose texts are in a vector of just their size.
+    // Typed elements, with a text in a vector of exactly its size.
     const std::string text = ofSize(size, "<tarn><cmData type='plan' id='", "'/></tarn>");
     TextAtTheEdge guarded(text);
     LibTarnDocument loaded;

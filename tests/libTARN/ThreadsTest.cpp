@@ -1,4 +1,4 @@
-// Documents on several threads at once, each on its own, logging together.
+// Documents on several threads at once, one on each, with one log.
 
 #include <gtest/gtest.h>
 
@@ -31,7 +31,7 @@ std::string objects(int from, int to, const char* operation) {
   return text;
 }
 
-// The printed result, with the number of lines that were logged on the way.
+// The printed result, and the number of lines that were logged before.
 std::string work(int thread) {
   tarn_test::CapturedLog log;
   LibTarnDocument source;

@@ -1,4 +1,4 @@
-"""share/tarn/tarn21.xsd and `tarn check` say the same of a document.
+"""share/tarn/tarn21.xsd and `tarn check` accept the same documents.
 
 Compared over the examples, over documents made at random (each with a fault or none), and over the
 differences that the schema and docs/format.md name, which must be there as they say."""
@@ -20,23 +20,23 @@ SKIPPED = 77
 
 
 def follow_schema(paths):
-    """The files among `paths` that follow the schema."""
+    """Returns the files among `paths` that are valid by the schema."""
     result = subprocess.run([XMLLINT, "--noout", "--schema", SCHEMA, *paths],
                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
     lines = result.stdout.decode(errors="replace").splitlines()
-    told = {match[1]: match[2] for line in lines
+    reported = {match[1]: match[2] for line in lines
             if (match := re.fullmatch(r"(.*) (validates|fails to validate)", line))}
-    return {path for path in paths if told.get(path) == "validates"}
+    return {path for path in paths if reported.get(path) == "validates"}
 
 
 def are_taken(paths):
-    """The files among `paths` that `tarn check` takes."""
+    """Returns the files among `paths` that `tarn check` accepts."""
     lines = tarn("check", *paths).stdout.decode().splitlines()
     return {path for path in paths if f"{path}: ok" in lines}
 
 
 class RandomDocument:
-    """A document of the format, in which each rule is broken now and then."""
+    """Returns a random document, which breaks each rule now and then."""
 
     NAMES = ["cmData", "header", "log", "managedObject", "p", "list", "item", "extension"]
 
@@ -62,7 +62,7 @@ class RandomDocument:
         return "".join(" " + text for text in texts)
 
     def other(self, allowed, depth=0):
-        """An element where it means nothing, with anything below."""
+        """An element where the format has none, with any content."""
         name = self.random.choice(allowed)
         body = self.other(self.NAMES, depth + 1) if depth < 3 and self.rare() else "text"
         return f"<{name}>{body}</{name}>"
@@ -78,7 +78,7 @@ class RandomDocument:
         return "".join(parts)
 
     def names(self):
-        """Names that differ, but for a fault."""
+        """Returns names that differ, except for a fault."""
         number = 0
         while True:
             if not self.fault():
@@ -167,7 +167,7 @@ class SchemaTest(CommandCase):
     def test_documents_made_at_random(self):
         paths = [self.file(RandomDocument(seed).text(), f"{seed}.xml") for seed in range(1500)]
         taken = self.compare(paths)
-        # Both kinds are there in numbers.
+        # There are many of both kinds.
         self.assertGreater(len(taken), 300)
         self.assertLess(len(taken), 1200)
 

@@ -13,7 +13,7 @@ from pathlib import Path
 
 CHECK = Path("scripts/includes").resolve()
 
-# A file, an include, and what is wrong with it.
+# A file, an include, and the fault.
 FAULTS = [
     ("src/cli/commands/get.cpp", '"libtarn/model/ScalarImp.hpp"',
      "commands may not include src/include/model/ScalarImp.hpp"),

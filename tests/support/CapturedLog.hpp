@@ -5,8 +5,8 @@
 
 namespace tarn_test {
 
-/// The log lines of this thread since the object was made. Also the only host of the test programs:
-/// its source defines Logger::print().
+/// The log lines of this thread since the object was made. Its source defines the log callback,
+/// Logger::print(), of the test programs.
 class CapturedLog {
  public:
   struct Line {
@@ -26,7 +26,7 @@ class CapturedLog {
   std::vector<std::string> messages(const std::string& level) const;
   void clear();
 
-  /// Lets print() throw behind each line that it has taken.
+  /// Lets print() throw after it has kept a line.
   void throwFromPrint();
 };
 

@@ -9,7 +9,7 @@ namespace {
 std::atomic<std::size_t> allocations{0};
 std::atomic<std::size_t> blocks{0};
 
-// The fault to come or, once it has happened, to go on.
+// The fault that is to happen or, once it has happened, to continue.
 thread_local std::size_t callsBeforeFault = 0;
 thread_local std::size_t leastSizeOfFault = 0;
 thread_local bool isFaultSet = false;
@@ -67,7 +67,7 @@ void* operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 
-// The other forms, too: a sanitizer brings its own, which would not come here.
+// All forms of the operators: those of a sanitizer would not call this one.
 void* operator new[](std::size_t size) { return operator new(size); }
 
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {

@@ -7,12 +7,13 @@ namespace tarn_test {
 /// Calls of operator new in this program so far.
 std::size_t heapAllocations();
 
-/// What operator new has given and operator delete has not got back.
+/// Allocations of operator new that operator delete has not freed.
 std::size_t heapBlocks();
 
-/// Lets a call of operator new on this thread throw std::bad_alloc, or give null where that is what
-/// it does: of those for at least `leastSize` bytes the `number`-th from now on, from 1. Either
-/// that one only, or it and all that follow, as when memory has ended. One fault at a time.
+/// Lets a call of operator new on this thread fail: it throws std::bad_alloc, or returns null in
+/// the form that does not throw. Of the calls for at least `leastSize` bytes, the `number`-th from
+/// now on fails, counted from 1; either that one only, or it and all that follow, as when memory
+/// has run out. One fault at a time.
 class HeapFault {
  public:
   enum class Lasts { ONCE, FROM_THEN_ON };
@@ -22,7 +23,7 @@ class HeapFault {
   HeapFault(const HeapFault&) = delete;
   HeapFault& operator=(const HeapFault&) = delete;
 
-  /// Whether it has come to that call.
+  /// True if that call was reached.
   bool happened() const;
 };
 

@@ -8,8 +8,8 @@
 
 namespace tarn_test {
 
-/// A parsed document with its pool on the heap: the address sanitizer sees what points into it once
-/// it is gone, and heapAllocations() counts its blocks.
+/// A parsed document with its pool on the heap: the address sanitizer detects uses after its
+/// destruction, and heapAllocations() counts its blocks.
 class HeapDocument {
  public:
   explicit HeapDocument(const std::string& text)

@@ -44,7 +44,7 @@ bool MapFault::happened() const { return isFailing; }
 
 #ifndef TARN_SANITIZED
 
-// In place of the C library's.
+// Replaces that of the C library.
 extern "C" void* mmap(void* address, std::size_t length, int protection, int flags, int file,
                       off_t offset) noexcept {
   if (callsToFault > 0 && --callsToFault == 0) isFailing = true;

@@ -4,11 +4,11 @@
 
 namespace tarn_test {
 
-/// Whether maps can be made to fail in this program: a sanitizer keeps mmap() for itself.
+/// True if maps can be made to fail in this program. Sanitizers replace mmap() themselves.
 bool canFailMaps();
 
-/// Lets calls of mmap() fail, as without memory: the `number`-th from now on, from 1, and all that
-/// follow it. Maps that the C library makes for itself do not count. One at a time, on its thread.
+/// Lets calls of mmap() on this thread fail as if memory had run out: the `number`-th from now on,
+/// counted from 1, and all that follow. Maps of the C library do not count. One fault at a time.
 class MapFault {
  public:
   explicit MapFault(std::size_t number);
@@ -16,7 +16,7 @@ class MapFault {
   MapFault(const MapFault&) = delete;
   MapFault& operator=(const MapFault&) = delete;
 
-  /// Whether it has come to that call.
+  /// True if that call was reached.
   bool happened() const;
 };
 

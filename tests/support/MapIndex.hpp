@@ -9,8 +9,8 @@
 
 namespace tarn_test {
 
-/// An index of parameters as a host may write it: a map, laid out anew for every collection. It
-/// offers no more than it must.
+/// An index of parameters as a host may write it: a map, copied into an array for every collection.
+/// It overrides only what it must.
 class MapIndex : public libtarn::model::indexation::ITarnUniqueIndex<libtarn::model::Scalar> {
  public:
   using Scalar = libtarn::model::Scalar;

@@ -26,10 +26,10 @@ using namespace libtarn::model;
 using Node = rapidxml::xml_node<char>;
 using Attribute = rapidxml::xml_attribute<char>;
 
-// The first thing that does not hold; what comes after it is not told.
+// Keeps the first fault and ignores later ones.
 class Findings {
  public:
-  // Answers whether `holds`.
+  // Returns `holds`.
   bool check(bool holds, const char* what, const char* where = "") {
     if (!holds && first_.empty()) first_ = std::string(what) + " (" + where + ")";
     return holds;
@@ -73,7 +73,7 @@ void checkAttributes(const Node& node, const libDomXml::IMemoryPool* pool, Findi
   }
 }
 
-// Only the links of its own list of children; their own children come when it is their turn.
+// Checks the list of children of one node, not what is below them.
 void checkChildren(const Node& node, Findings& findings) {
   const Node* previous = nullptr;
   for (const Node* child = node.first_node(); child && !findings.any();
@@ -97,7 +97,7 @@ void checkNode(const Node& node, const libDomXml::IMemoryPool* pool, Findings& f
   findings.check(element.getDomFactory()->getMemoryPool() == pool, "pool", node.name());
 }
 
-// Calls `visit` for every node below `top` and itself, as long as it answers true.
+// Calls `visit` for `top` and every node below it, as long as it returns true.
 template <class Visit>
 void forEachNode(const Node& top, Visit visit) {
   const Node* node = &top;
@@ -203,7 +203,7 @@ void checkCmData(const LibTarnCmDataImp& cmData, Indexes indexes, Findings& find
       ++classes[object->getClass() ? object->getClass() : ""];
     }
     previous = name;
-    // One that was unlinked by itself, renamed and added again has two entries.
+    // An element that was unlinked by itself, renamed and added again has two entries.
     const bool isNew = indexed.insert(object).second;
     findings.check(isNew || indexes == Indexes::SOUND, "object indexed once", name.c_str());
     ++entries;

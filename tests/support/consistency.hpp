@@ -9,20 +9,21 @@ namespace tarn_test {
 
 /// How far the indexes of a document must agree with its tree.
 enum class Indexes {
-  /// Every element that an index is for is found through it, and nothing else.
+  /// Each index finds all elements that it is for, and no others.
   IN_STEP,
-  /// They agree with themselves: a host has unlinked or renamed elements past the operations that
-  /// keep the indexes.
+  /// Indexes are consistent in themselves only: a host has unlinked or renamed elements with
+  /// operations
+  /// that do not update them.
   SOUND
 };
 
-/// What does not hold in the tree below `top`, which `pool` holds: links both ways, parents, kinds,
-/// terminators of names and values, the pool of every node and attribute. Empty when all holds.
-/// Reads every byte of every text.
+/// Checks the tree below `top`, which is in `pool`: links both ways, parents, kinds, terminating
+/// NULs of names and values, the pool of every node and attribute. Returns the first fault, or an
+/// empty text. Reads every byte of every text.
 std::string brokenTree(const rapidxml::xml_node<char>& top, const libDomXml::IMemoryPool* pool);
 
-/// As brokenTree(), for the whole of `document`, its declaration and root included, with the
-/// indexes and kept values of its elements. Sorts indexes that have not been asked yet.
+/// As brokenTree(), for all of `document`, its declaration and root included, with the indexes and
+/// cached values of its elements. Sorts indexes that have not been sorted yet.
 std::string brokenDocument(const libtarn::model::LibTarnDocument& document,
                            Indexes indexes = Indexes::IN_STEP);
 

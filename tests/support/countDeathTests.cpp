@@ -1,5 +1,5 @@
-// A process that an assertion ends writes no counts of what it has run, and so the death tests
-// would not count for the coverage.
+// A process that ends with an assertion writes no coverage counts. Without this file, death tests
+// would not count.
 
 #ifdef TARN_COVERAGE
 

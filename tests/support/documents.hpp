@@ -8,7 +8,7 @@
 
 namespace tarn_test {
 
-// Texts of documents that follow the rules as far as `content` and the like do.
+// Texts of documents that are valid if their arguments are.
 
 /// A root around `content`.
 std::string rootText(const std::string& content);
@@ -22,11 +22,11 @@ std::string documentTextWithLog(const std::string& objects);
 std::string objectText(const std::string& name, const std::string& operation = "",
                        const std::string& body = "");
 
-/// The bytes of `text` and a zero, as a document takes them over.
+/// The bytes of `text` and a terminating NUL, for a document to take over.
 std::vector<char> vectorOf(const std::string& text);
 
-/// A document loaded from `text` without a check of the rules; a text that is refused fails the
-/// test. Lines that are logged on the way go nowhere.
+/// A document loaded from `text` without validation; a text that is refused fails the test. Log
+/// lines of the load are dropped.
 std::unique_ptr<libtarn::model::LibTarnDocument> loaded(const std::string& text);
 
 /// The printed form.

@@ -1,7 +1,7 @@
 // Included by other headers; not for hosts.
 #pragma once
 
-// Where the records of a tree come from.
+// The source of the records of a tree.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,27 +16,27 @@
 
 namespace rapidxml {
 
-/// What the parser asks for nodes, attributes and strings.
+/// Allocates nodes, attributes and strings for the parser.
 template <class Ch>
 class TARN_API IXMLFactory {
  public:
   virtual ~IXMLFactory() = default;
 
-  /// A detached node. The parser passes null and 0 for all but `type`.
+  /// Returns a detached node. The parser passes null and 0 for all but `type`.
   virtual xml_node<Ch>* allocate_node(node_type type, const Ch* name, const Ch* value,
                                       std::size_t name_size, std::size_t value_size) = 0;
 
-  /// A detached attribute. The parser passes null and 0 for everything.
+  /// Returns a detached attribute. The parser passes null and 0 for everything.
   virtual xml_attribute<Ch>* allocate_attribute(const Ch* name, const Ch* value,
                                                 std::size_t name_size, std::size_t value_size) = 0;
 
-  /// Room for `size` characters, filled from `source` when given; size 0 takes the whole
-  /// zero-terminated source with its terminator.
+  /// Returns room for `size` characters, filled from `source` unless it is null. With size 0,
+  /// copies the whole NUL-terminated `source` and its NUL.
   virtual Ch* allocate_string(const Ch* source, std::size_t size) = 0;
 };
 
-/// Bump allocator of one document. Everything taken from it goes when the pool is destroyed, and no
-/// destructor of what was built in it runs.
+/// Bump allocator of one document. Everything allocated from it is released when the pool is
+/// destroyed; no destructor of what was built in it runs.
 ///
 /// Block of the pool, newest first:
 ///
@@ -44,27 +44,30 @@ class TARN_API IXMLFactory {
 ///   | slack            | previous block | records, strings ...             |
 ///
 /// A request that the current block cannot hold opens a new block; the rest of the old one is
-/// abandoned. The first block is part of the pool object. Not copyable. One thread at a time.
+/// abandoned. The first block is part of the pool object. Not copyable. Used by one thread at a
+/// time.
 template <class Ch>
 class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<Ch> {
  public:
-  /// Gives a block of so many bytes, aligned for any type, and takes it back.
+  /// Returns a block of that many bytes, aligned for any type.
   using alloc_func = void*(std::size_t);
+  /// Takes back a block.
   using free_func = void(void*);
-  /// As alloc_func, told the newest block of the pool (null for the first), so that it can give
-  /// blocks from larger pieces.
+  /// Like alloc_func. Also gets the newest block of the pool (null for the first), so that it can
+  /// cut blocks from larger pieces.
   using alloc_next_func = void*(std::size_t, void*);
 
   /// Alignment of every result in bytes.
   static constexpr std::size_t alignment = sizeof(void*);
-  /// Size of the block inside the pool object in bytes.
+  /// Size in bytes of the block inside the pool object.
   static constexpr std::size_t static_pool_size = 1024;
-  /// Least usable size of a further block in bytes (230 KiB).
+  /// Least usable size in bytes of a further block (230 KiB).
   static constexpr std::size_t dynamic_pool_size = 235520;
-  /// Bytes of a further block beside its usable size: the link to the previous block, and what
-  /// aligning the link and the first record may cost.
+  /// Bytes of a further block beside its usable size: the link to the previous block, and what it
+  /// may cost to align the link and the first record.
   static constexpr std::size_t block_overhead = sizeof(char*) + 2 * alignment - 2;
 
+  /// An empty pool, whose first block is part of the object.
   memory_pool() : m_begin(m_static_memory), m_ptr(align(m_static_memory)), m_end(static_end()) {}
   memory_pool(const memory_pool&) = delete;
   memory_pool& operator=(const memory_pool&) = delete;
@@ -77,7 +80,7 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
     }
   }
 
-  /// A detached record; texts are not copied.
+  /// Returns a detached record; texts are not copied.
   xml_node<Ch>* allocate_node(node_type type, const Ch* name, const Ch* value,
                               std::size_t name_size, std::size_t value_size) override {
     auto* const node = new (allocate_aligned(sizeof(xml_node<Ch>))) xml_node<Ch>(type);
@@ -85,7 +88,7 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
     return node;
   }
 
-  /// A detached record; texts are not copied.
+  /// Returns a detached record; texts are not copied.
   xml_attribute<Ch>* allocate_attribute(const Ch* name, const Ch* value, std::size_t name_size,
                                         std::size_t value_size) override {
     auto* const attribute = new (allocate_aligned(sizeof(xml_attribute<Ch>))) xml_attribute<Ch>();
@@ -93,7 +96,8 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
     return attribute;
   }
 
-  /// A copy of `size` characters, all up to the zero when it is 0; not filled without `source`.
+  /// Returns a copy of `size` characters; with size 0, of everything up to and with the NUL.
+  /// Without `source` the characters are uninitialised.
   Ch* allocate_string(const Ch* source, std::size_t size) override {
     TARN_ASSERT(source || size, "source || size");
     if (size == 0) size = internal::measure(source) + 1;
@@ -102,15 +106,16 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
     return result;
   }
 
-  /// Installs where blocks come from and go to, before anything has been allocated (asserted).
-  /// `allocate` must not return null (asserted when it does); what it throws comes out of the
-  /// request, with the pool unchanged.
+  /// Installs the functions that blocks come from and go to. Nothing may have been allocated yet
+  /// (asserted). `allocate` must not return null (asserted when it does). An exception of
+  /// `allocate` leaves the request that caused it, with the pool unchanged.
   void set_allocator(alloc_func* allocate, free_func* release) {
     assert_unused();
     m_alloc_func = allocate;
     m_alloc_next_func = nullptr;
     m_free_func = release;
   }
+  /// Like set_allocator(), for an alloc_next_func.
   void set_growing_allocator(alloc_next_func* allocate, free_func* release) {
     assert_unused();
     m_alloc_func = nullptr;
@@ -118,11 +123,12 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
     m_free_func = release;
   }
 
-  /// Bytes of the blocks taken so far, with those not used yet.
+  /// Returns the bytes of all blocks taken so far, used or not.
   std::size_t pool_size() const { return m_block_bytes; }
 
  protected:
-  /// `size` bytes, aligned. Throws std::bad_alloc, the pool unchanged, when there is no memory.
+  /// Returns `size` bytes, aligned. Throws std::bad_alloc, with the pool unchanged, when there is
+  /// no memory.
   void* allocate_aligned(std::size_t size) {
     char* const result = align(m_ptr);
     if (result > m_end || size > static_cast<std::size_t>(m_end - result)) {
@@ -133,12 +139,12 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
     return result;
   }
 
-  /// Forgets everything allocated since the object at `first`, itself included: its memory is given
+  /// Forgets everything allocated since the object at `first`, itself included. Its memory is given
   /// out again, as far as it lies in the current block.
   void forget_from(void* first) {
-    const auto place = reinterpret_cast<std::uintptr_t>(first);
-    const bool in_block = place >= reinterpret_cast<std::uintptr_t>(m_begin) &&
-                          place < reinterpret_cast<std::uintptr_t>(m_end);
+    const auto address = reinterpret_cast<std::uintptr_t>(first);
+    const bool in_block = address >= reinterpret_cast<std::uintptr_t>(m_begin) &&
+                          address < reinterpret_cast<std::uintptr_t>(m_end);
     m_ptr = in_block ? static_cast<char*>(first) : align(align(m_begin) + sizeof(char*));
   }
 
@@ -191,7 +197,7 @@ class TARN_API memory_pool : public libDomXml::IMemoryPool, public IXMLFactory<C
   }
 
   char* m_begin;  // raw start of the current block
-  char* m_ptr;    // first free byte of it
+  char* m_ptr;    // its first free byte
   char* m_end;    // one past its last byte
   char m_static_memory[static_pool_size];
   alloc_func* m_alloc_func = nullptr;

@@ -34,14 +34,14 @@ enum node_type : std::int32_t {
 };
 namespace internal {
 
-/// Length of a zero-terminated text in characters.
+/// Returns the length of a NUL-terminated text in characters.
 template <class Ch>
 std::size_t measure(const Ch* text) {
   return std::char_traits<Ch>::length(text);
 }
 
-/// True when the name of `size` characters equals `other`. Without case sensitivity the letters A
-/// to Z equal a to z.
+/// Returns true if the name of `size` characters equals `other`. Without case sensitivity the
+/// letters A to Z equal a to z.
 template <class Ch>
 bool same_name(const Ch* name, std::size_t size, const Ch* other, std::size_t other_size,
                bool case_sensitive) {
@@ -65,30 +65,35 @@ bool same_name(const Ch* name, std::size_t size, const Ch* other, std::size_t ot
 template <class Ch>
 class TARN_API xml_base {
  public:
+  /// A record without texts, detached.
   xml_base() = default;
 
-  /// The name, or a shared empty text when there is none. Zero-terminated after a complete parse.
+  /// Returns the name, or a shared empty text when there is none. NUL-terminated after a complete
+  /// parse.
   Ch* name() const { return m_name ? m_name : nullstr(); }
-  /// Length of the name in characters.
+  /// Returns the length of the name in characters.
   std::size_t name_size() const { return m_name ? m_name_size : 0; }
-  /// The value, or a shared empty text when there is none.
+  /// Returns the value, or a shared empty text when there is none.
   Ch* value() const { return m_value ? m_value : nullstr(); }
-  /// Length of the value in characters.
+  /// Returns the length of the value in characters.
   std::size_t value_size() const { return m_value ? m_value_size : 0; }
 
-  /// Stores pointer and length; the text must live as long as the record.
+  /// Stores pointer and length of the name. The text must live as long as the record.
   void name(const Ch* text, std::size_t size) {
     m_name = const_cast<Ch*>(text);
     m_name_size = to_size(size);
   }
+  /// Stores pointer and length of the NUL-terminated name, which must live as long as the record.
   void name(const Ch* text) { name(text, internal::measure(text)); }
+  /// Stores pointer and length of the value. The text must live as long as the record.
   void value(const Ch* text, std::size_t size) {
     m_value = const_cast<Ch*>(text);
     m_value_size = to_size(size);
   }
+  /// Stores pointer and length of the NUL-terminated value, which must live as long as the record.
   void value(const Ch* text) { value(text, internal::measure(text)); }
 
-  /// The owning node; null when detached, and for a document.
+  /// Returns the owning node; null when detached, and for a document.
   xml_node<Ch>* parent() const { return m_parent; }
 
  protected:
@@ -123,10 +128,10 @@ class TARN_API xml_base {
 template <class Ch>
 class TARN_API xml_attribute : public xml_base<Ch> {
  public:
-  // The links are set when the attribute is linked, and read only then.
+  // The links are set when the attribute is linked, and read only while it is.
   xml_attribute() {}  // NOLINT(modernize-use-equals-default): would clear the links
 
-  /// The next attribute of the same node, or null; by name when one is given.
+  /// Returns the next attribute of the same node, or null; by name when one is given.
   xml_attribute* next_attribute(const Ch* name = nullptr, std::size_t name_size = 0,
                                 bool case_sensitive = true) const {
     if (!this->m_parent) return nullptr;
@@ -134,7 +139,7 @@ class TARN_API xml_attribute : public xml_base<Ch> {
                 case_sensitive);
   }
 
-  /// The previous attribute of the same node, or null; by name when one is given.
+  /// Returns the previous attribute of the same node, or null; by name when one is given.
   xml_attribute* previous_attribute(const Ch* name = nullptr, std::size_t name_size = 0,
                                     bool case_sensitive = true) const {
     if (!this->m_parent) return nullptr;
@@ -161,8 +166,8 @@ class TARN_API xml_attribute : public xml_base<Ch> {
 /// A node of the tree. Children and attributes form doubly linked lists. No operation allocates;
 /// removal unlinks and frees nothing.
 ///
-/// In every look-up a null name means any, and a name size of 0 means that the name is
-/// zero-terminated.
+/// In every look-up a null name means any name, and a name size of 0 means that the name is
+/// NUL-terminated.
 template <class Ch>
 class TARN_API xml_node : public xml_base<Ch> {
  public:
@@ -170,44 +175,47 @@ class TARN_API xml_node : public xml_base<Ch> {
   explicit xml_node(node_type type)
       : m_type(type), m_first_node(nullptr), m_first_attribute(nullptr) {}
 
+  /// Returns the kind of the node.
   node_type type() const { return m_type; }
+  /// Sets the kind of the node.
   void type(node_type type) { m_type = type; }
 
-  /// First child, or the first of that name; null when there is none.
+  /// Returns the first child, or the first of that name; null when there is none.
   xml_node* first_node(const Ch* name = nullptr, std::size_t name_size = 0,
                        bool case_sensitive = true) const {
     return find(m_first_node, &xml_node::m_next_sibling, name, name_size, case_sensitive);
   }
 
-  /// Last child, or the last of that name. The node must have children (asserted).
+  /// Returns the last child, or the last of that name. The node must have children (asserted).
   xml_node* last_node(const Ch* name = nullptr, std::size_t name_size = 0,
                       bool case_sensitive = true) const {
     TARN_ASSERT(m_first_node, "m_first_node");
     return find(m_last_node, &xml_node::m_prev_sibling, name, name_size, case_sensitive);
   }
 
-  /// Next sibling, or the next of that name. The node must be linked (asserted).
+  /// Returns the next sibling, or the next of that name. The node must be linked (asserted).
   xml_node* next_sibling(const Ch* name = nullptr, std::size_t name_size = 0,
                          bool case_sensitive = true) const {
     TARN_ASSERT(this->m_parent, "this->m_parent");
     return find(m_next_sibling, &xml_node::m_next_sibling, name, name_size, case_sensitive);
   }
 
-  /// Previous sibling, or the previous of that name. The node must be linked (asserted).
+  /// Returns the previous sibling, or the previous of that name. The node must be linked
+  /// (asserted).
   xml_node* previous_sibling(const Ch* name = nullptr, std::size_t name_size = 0,
                              bool case_sensitive = true) const {
     TARN_ASSERT(this->m_parent, "this->m_parent");
     return find(m_prev_sibling, &xml_node::m_prev_sibling, name, name_size, case_sensitive);
   }
 
-  /// First attribute, or the first of that name; null when there is none.
+  /// Returns the first attribute, or the first of that name; null when there is none.
   xml_attribute<Ch>* first_attribute(const Ch* name = nullptr, std::size_t name_size = 0,
                                      bool case_sensitive = true) const {
     return xml_attribute<Ch>::find(m_first_attribute, &xml_attribute<Ch>::m_next_attribute, name,
                                    name_size, case_sensitive);
   }
 
-  /// Last attribute, or the last of that name; null when there is none.
+  /// Returns the last attribute, or the last of that name; null when there is none.
   xml_attribute<Ch>* last_attribute(const Ch* name = nullptr, std::size_t name_size = 0,
                                     bool case_sensitive = true) const {
     if (!m_first_attribute) return nullptr;
@@ -215,7 +223,7 @@ class TARN_API xml_node : public xml_base<Ch> {
                                    name_size, case_sensitive);
   }
 
-  /// Links `child`, which must be detached and no document (asserted), as last child.
+  /// Links `child`, which must be detached and not a document (asserted), as the last child.
   void append_node(xml_node* child) {
     assert_linkable(child);
     link_last(child);
@@ -233,20 +241,20 @@ class TARN_API xml_node : public xml_base<Ch> {
     child->m_parent = this;
   }
 
-  /// Unlinks the child `where`. Its own sibling links are stale from then on.
+  /// Unlinks the child `where` (asserted). Its own sibling links become invalid.
   void remove_node(xml_node* where) {
     TARN_ASSERT(where && where->parent() == this, "where && where->parent() == this");
     TARN_ASSERT(first_node(), "first_node()");
     unlink(where);
   }
 
-  /// Detaches every child.
+  /// Unlinks every child.
   void remove_all_nodes() {
     for (xml_node* node = m_first_node; node; node = node->m_next_sibling) node->m_parent = nullptr;
     m_first_node = nullptr;
   }
 
-  /// Links `attribute`, which must be detached (asserted), as last attribute.
+  /// Links `attribute`, which must be detached (asserted), as the last attribute.
   void append_attribute(xml_attribute<Ch>* attribute) {
     TARN_ASSERT(attribute && !attribute->parent(), "attribute && !attribute->parent()");
     attribute->m_prev_attribute = m_first_attribute ? m_last_attribute : nullptr;
@@ -267,7 +275,7 @@ class TARN_API xml_node : public xml_base<Ch> {
     where->m_parent = nullptr;
   }
 
-  /// Detaches every attribute.
+  /// Unlinks every attribute.
   void remove_all_attributes() {
     xml_attribute<Ch>* attribute = m_first_attribute;
     for (; attribute; attribute = attribute->m_next_attribute) attribute->m_parent = nullptr;
@@ -285,7 +293,7 @@ class TARN_API xml_node : public xml_base<Ch> {
   }
 
  private:
-  // As append_node(), for a child known to be linkable.
+  // Like append_node(), for a child known to be linkable.
   void link_last(xml_node* child) {
     child->m_prev_sibling = m_first_node ? m_last_node : nullptr;
     child->m_next_sibling = nullptr;

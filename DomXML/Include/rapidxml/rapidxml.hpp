@@ -1,14 +1,14 @@
 #pragma once
 
-// The XML core: plain node records, the memory pool that holds them, and the parser.
+// The XML core: node records, the memory pool that holds them, and the parser.
 //
-// A parsed document is a tree of records whose names and values point into the text, which the
-// parser changes in place: a zero goes behind every name and value, references are expanded where
-// they stand (the result is never longer than the reference). Nothing is copied and nothing is
-// freed one by one; the pool goes as a whole.
+// A parsed document is a tree of records whose names and values point into the text. The parser
+// changes the text in place: it writes a NUL after every name and value, and overwrites references
+// with what they stand for, which is never longer. Nothing is copied and nothing is freed one by
+// one; the pool is released as a whole.
 //
-// The parser asks for every node and attribute through IXMLFactory, so that a document derived from
-// xml_document can hand out larger objects that embed a record.
+// The parser allocates every node and attribute through IXMLFactory, so that a document derived
+// from xml_document can return larger objects that embed a record.
 //
 // Cost: one pass over the text, a pointer bump for each node.
 
@@ -20,16 +20,17 @@
 
 namespace rapidxml {
 
-/// Malformed text: what is wrong, and where in the parsed text.
+/// Reports malformed text: what is wrong, and where in the parsed text.
 class TARN_API parse_error : public std::exception {
  public:
-  /// `what` is kept, not copied: it must live as long as the exception and its copies.
+  /// Keeps the pointer `what`: the text must live as long as the exception and its copies.
   parse_error(const char* what, void* where) : m_what(what), m_where(where) {}
 
-  /// What is wrong.
+  /// Returns what is wrong.
   const char* what() const noexcept override;
 
-  /// Position of the fault within the text given to the parser. Valid as long as that text.
+  /// Returns the position of the fault within the text given to the parser. Valid as long as that
+  /// text.
   template <class Ch = char>
   Ch* where() const {
     return static_cast<Ch*>(m_where);
@@ -51,9 +52,10 @@ constexpr int parse_declaration_node = 32;
 template <class Ch>
 class TARN_API xml_document : public xml_node<Ch>, public memory_pool<Ch> {
  public:
+  /// An empty document.
   xml_document() : xml_node<Ch>(node_document) {}
 
-  /// Parses the zero-terminated `text` in place; `text` moves along. Detaches what the document
+  /// Parses the NUL-terminated `text` in place and moves `text` along. Detaches what the document
   /// held before. Throws parse_error for malformed text: nodes that were complete stay linked,
   /// elements still open are detached.
   template <int Flags>
@@ -64,8 +66,8 @@ class TARN_API xml_document : public xml_node<Ch>, public memory_pool<Ch> {
   }
 
  protected:
-  /// As parse(). Reports to `events`, of a class that the library's own documents derive from
-  /// parse_events; the definition stands beside the parser.
+  /// Like parse(), and reports to `events`. Its class is one that the library's own documents
+  /// derive from parse_events; the definition stands beside the parser.
   template <class Events>
   void parse_reporting(Ch*& text, Events& events);
 

@@ -17,16 +17,19 @@ namespace internal {
 /// Receives the printed text piece by piece. What it throws ends the print.
 class TARN_API text_receiver {
  public:
+  /// Takes the next piece, from `begin` up to `end`. The characters are valid during the call.
   virtual void receive(const char* begin, const char* end) = 0;
 
  protected:
   ~text_receiver() = default;
 };
 
-/// The functions below, for every kind of output iterator.
+/// print_node() to a text_receiver.
 TARN_API void print_node_to(text_receiver& out, const xml_node<char>* node, int flags, int indent);
+/// print_element_node() to a text_receiver.
 TARN_API void print_element_to(text_receiver& out, const xml_node<char>* node, int flags,
                                int indent);
+/// copy_and_expand_chars() to a text_receiver.
 TARN_API void expand_to(text_receiver& out, const char* begin, const char* end, char noexpand);
 
 /// Copies what it receives to an output iterator.
@@ -38,6 +41,7 @@ class iterator_receiver final : public text_receiver {
   void receive(const char* begin, const char* end) override {
     while (begin != end) *m_out++ = *begin++;
   }
+  /// Returns the advanced iterator.
   OutIt position() const { return m_out; }
 
  private:
@@ -46,7 +50,7 @@ class iterator_receiver final : public text_receiver {
 
 }  // namespace internal
 
-/// Prints `node` and everything below it, with a line feed behind each node unless `flags` holds
+/// Prints `node` and everything below it, with a line feed after each node unless `flags` has
 /// print_no_indenting. `indent` is the depth of the node, from 0. Returns the advanced iterator.
 template <class OutIt>
 OutIt print_node(OutIt out, const xml_node<char>* node, int flags, int indent) {
@@ -55,10 +59,11 @@ OutIt print_node(OutIt out, const xml_node<char>* node, int flags, int indent) {
   return receiver.position();
 }
 
-/// As above, appending to `out`.
+/// Like the other overload; appends to `out`.
 TARN_API void print_node(std::string& out, const xml_node<char>* node, int flags, int indent);
 
-/// Prints an element (asserted) and everything below it, without a line feed behind its end tag.
+/// Prints an element (asserted) and everything below it, without a line feed after its end tag.
+/// Returns the advanced iterator.
 template <class OutIt>
 OutIt print_element_node(OutIt out, const xml_node<char>* node, int flags, int indent) {
   internal::iterator_receiver<OutIt> receiver(out);
@@ -66,8 +71,8 @@ OutIt print_element_node(OutIt out, const xml_node<char>* node, int flags, int i
   return receiver.position();
 }
 
-/// Copies the characters, the five special ones as references but for `noexpand` (zero: none is
-/// exempt). Returns the advanced iterator.
+/// Copies the characters and writes the five special ones as references, except `noexpand` (NUL: no
+/// exception). Returns the advanced iterator.
 template <class OutIt>
 OutIt copy_and_expand_chars(const char* begin, const char* end, char noexpand, OutIt out) {
   internal::iterator_receiver<OutIt> receiver(out);

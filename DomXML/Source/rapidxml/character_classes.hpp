@@ -19,7 +19,7 @@ constexpr bool is_one_of(unsigned char c, const char* set) {
   return false;
 }
 
-/// The class of every byte that is neither zero nor in `excluded`.
+/// Returns the class of every byte that is neither NUL nor in `excluded`.
 constexpr character_table all_but(const char* excluded) {
   character_table table{};
   for (std::size_t c = 1; c < table.size(); ++c) {
@@ -55,8 +55,8 @@ struct double_quoted {
   [[gnu::visibility("hidden")]] static constexpr character_table table = all_but("\"");
 };
 
-/// What is printed as it is.
-struct plain {
+/// Characters that are printed as they are.
+struct verbatim {
   [[gnu::visibility("hidden")]] static constexpr character_table table = [] {
     character_table all = all_but("&<>'\"");
     all[0] = true;
@@ -69,7 +69,7 @@ constexpr character_table without_ampersand(character_table table) {
   return table;
 }
 
-/// The characters of `Class` that can be taken over as they are.
+/// The characters of `Class` except "&".
 template <class Class>
 struct without_references {
   [[gnu::visibility("hidden")]] static constexpr character_table table =
@@ -82,7 +82,7 @@ constexpr bool contains(char c) {
 }
 
 struct named_reference {
-  const char* name;  // behind the "&"
+  const char* name;  // without the "&"
   std::size_t size;
   char character;
 };
@@ -98,7 +98,7 @@ inline constexpr std::array<named_reference, 5> named_references = {{
 /// Largest code point of Unicode.
 constexpr std::uint32_t max_code_point = 0x10FFFF;
 
-/// Value of a hexadecimal digit, 16 for any other character.
+/// Returns the value of a hexadecimal digit, 16 for any other character.
 constexpr std::uint32_t digit_value(char c) {
   if (c >= '0' && c <= '9') return static_cast<std::uint32_t>(c - '0');
   if (c >= 'a' && c <= 'f') return static_cast<std::uint32_t>(c - 'a' + 10);
@@ -106,7 +106,7 @@ constexpr std::uint32_t digit_value(char c) {
   return 16;
 }
 
-/// Writes `code`, at most max_code_point, as UTF-8 and returns the position behind it.
+/// Writes `code`, at most max_code_point, as UTF-8 and returns the position after it.
 inline char* write_utf8(std::uint32_t code, char* out) {
   const auto continuation = [code](unsigned shift) {
     return static_cast<char>(0x80U | ((code >> shift) & 0x3FU));

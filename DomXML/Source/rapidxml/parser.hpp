@@ -2,14 +2,13 @@
 
 // The parser: text to tree, in place, in one pass.
 //
-// No function recurses: elements that are open while the parser runs form a chain through their
-// parent links, and an element is linked into its parent's children when its end tag has been read.
-// Runs of characters are skipped by way of the scanner, sixteen bytes at a time, except names,
-// which are short.
+// No function recurses. Elements that are open while the parser runs form a chain through their
+// parent links; an element is linked into its parent's children when its end tag has been read. The
+// scanner skips runs of characters, sixteen bytes at a time, except names, which are short.
 //
-// Every write into the text is at or behind the cursor, so that the cursor is kept in a register
-// and given from function to function; the variable that the allocation hooks look at is set before
-// each call of one.
+// Every write into the text is at or before the cursor's position, so the cursor is kept in a
+// register and passed from function to function. The variable that the allocation hooks read is set
+// before each call of a hook.
 
 #include <cstddef>
 #include <cstdint>
@@ -24,26 +23,25 @@ namespace rapidxml {
 
 /// What a document may want to know while it is parsed. A document derives its own from this.
 struct parse_events {
-  /// Before the node that follows a "<" outside of every element is asked for.
+  /// Called before the node for a "<" outside of every element is allocated.
   void before_top_level_node() {}
-  /// The end of the element name at `name`, when the document has counted it to choose the node;
-  /// null otherwise.
+  /// Returns the end of the element name at `name`, when the document has counted it to choose the
+  /// node; null otherwise.
   template <class Ch>
   Ch* end_of_counted_name(Ch* /*name*/) const {
     return nullptr;
   }
-  /// When a reference that stands for a zero byte has been expanded.
-  void zero_byte() {}
-  /// When the whole of an element within another has been read and linked to that other one, which
-  /// is still open.
+  /// Called when a reference to NUL has been expanded.
+  void nul_expanded() {}
+  /// Called when an element within another has been read and linked. The outer one is still open.
   template <class Node>
   void element_complete(Node* /*element*/) {}
 };
 
 namespace internal {
 
-/// One parse of one text. `text` is moved to where the parser is before each call of `factory`, and
-/// to the end of the text when all went well.
+/// One parse of one text. `text` is moved to the parser's position before each call of `factory`,
+/// and to the end of the text after success.
 template <class Ch, class Events>
 class parser {
   using node = xml_node<Ch>;
@@ -70,7 +68,7 @@ class parser {
 
  private:
   // The elements whose end tag is still to come, innermost first, chained by their parent links.
-  // None of them is in a list of children yet. On the way out of a failed parse they are detached.
+  // None of them is in a list of children yet. A failed parse detaches them.
   class open_elements {
    public:
     open_elements() = default;
@@ -98,8 +96,8 @@ class parser {
     node* m_innermost = nullptr;
   };
 
-  // Parses one node and all below it, from behind its "<". `result` stays null for what leaves no
-  // node.
+  // Parses one node and everything below it; `cursor` is after its "<". `result` stays null for
+  // markup that leaves no node.
   Ch* parse_node(Ch* cursor, node*& result) {
     open_elements open;
     for (;;) {
@@ -130,14 +128,14 @@ class parser {
     }
   }
 
-  // One piece of markup from behind its "<"; an element up to the end of its start tag.
+  // Parses one piece of markup; `cursor` is after its "<". Of an element, parses the start tag.
   [[gnu::always_inline]] Ch* parse_markup(Ch* cursor, node*& parsed, bool& has_content) {
     if (*cursor == Ch('!')) return skip_exclamation(cursor + 1);
     if (*cursor == Ch('?')) return parse_question(cursor + 1, parsed);
     return parse_start_tag(cursor, parsed, has_content);
   }
 
-  // Comment, CDATA section, DOCTYPE or another "<!": no node.
+  // Skips a comment, CDATA section, DOCTYPE or another "<!": no node.
   [[gnu::noinline]] static Ch* skip_exclamation(Ch* cursor) {
     if (starts_with(cursor, "--")) return skip_past(cursor + 2, "-->");
     if (starts_with(cursor, "[CDATA[")) return skip_past(cursor + 7, "]]>");
@@ -147,7 +145,7 @@ class parser {
     return skip_past(cursor, ">");
   }
 
-  // A ">" inside an internal subset does not end the DOCTYPE; a "]" outside brackets is a stray.
+  // A ">" inside an internal subset does not end the DOCTYPE. A "]" without a "[" is ignored.
   static Ch* skip_doctype(Ch* cursor) {
     for (std::size_t depth = 0; *cursor != Ch('\0'); ++cursor) {
       if (*cursor == Ch('[')) ++depth;
@@ -157,7 +155,7 @@ class parser {
     throw parse_error("unexpected end of data", cursor);
   }
 
-  // Declaration, or a processing instruction, which leaves no node.
+  // Parses the declaration, or skips a processing instruction, which leaves no node.
   [[gnu::noinline]] Ch* parse_question(Ch* cursor, node*& parsed) {
     if (!is_declaration(cursor)) return skip_past(cursor, "?>");
     cursor += 4;
@@ -177,7 +175,7 @@ class parser {
   [[gnu::always_inline]] Ch* parse_start_tag(Ch* const name, node*& parsed, bool& has_content) {
     m_text = name;
     node* const element = allocate(node_element);
-    // What the node holds says nothing: a host's hook may give one that it has used before.
+    // The name in the node does not count: a host's hook may return a node that it has used before.
     Ch* const counted = m_events.end_of_counted_name(name);
     Ch* const name_end = counted ? counted : skip_name<node_name>(name);
     if (name_end == name) throw parse_error("expected element name", name);
@@ -198,7 +196,7 @@ class parser {
     return made;
   }
 
-  // Reads the attributes of `owner` from `cursor` and returns the position behind them.
+  // Reads the attributes of `owner` from `cursor` and returns the position after them.
   [[gnu::always_inline]] Ch* parse_attributes(Ch* cursor, node* owner) {
     while (is<attribute_name>(*cursor)) {
       Ch* const name = cursor;
@@ -218,7 +216,7 @@ class parser {
     return cursor;
   }
 
-  // Reads "=" and value with blanks around, or a value in single quotes.
+  // Reads "=" and a value with blanks around them, or a value in single quotes.
   [[gnu::noinline]] Ch* parse_spaced_value(Ch* name_end, xml_attribute<Ch>* attribute) {
     Ch* cursor = skip<whitespace>(name_end);
     if (*cursor != Ch('=')) throw parse_error("expected =", cursor);
@@ -240,8 +238,8 @@ class parser {
     return cursor + 1;
   }
 
-  // Reads the content of `element` up to the next "<" that opens markup, and stops behind it; or up
-  // to the end tag, and stops behind that: `ended`.
+  // Reads the content of `element` up to and with the next "<" that opens markup, or up to and with
+  // the end tag; `ended` says which.
   Ch* parse_content(Ch* const start, node* element, bool& ended) {
     Ch* cursor = skip_name<whitespace>(start);
     if (*cursor != Ch('<')) cursor = parse_text(start, cursor, element);
@@ -254,9 +252,9 @@ class parser {
     return cursor + 1;
   }
 
-  // Reads the text from `cursor` to the next "<" and returns the position of that "<", over which a
-  // zero may have been written. Blanks from `start` to `cursor` belong to the text. The first text
-  // of an element is its value, later ones are dropped.
+  // Reads the text from `cursor` to the next "<". Returns the position of that "<", which may have
+  // been overwritten by a NUL. The blanks from `start` to `cursor` belong to the text. The first
+  // text of an element is its value; later ones are dropped.
   Ch* parse_text(Ch* start, Ch* cursor, node* element) {
     if (*cursor == Ch('\0')) throw parse_error("unexpected end of data", cursor);
     Ch* const end = expand<text>(cursor);
@@ -267,8 +265,8 @@ class parser {
     return cursor;
   }
 
-  // Moves `cursor` to the end of a run of characters of `Class`, expanding references in place, and
-  // returns the end of the expanded run.
+  // Moves `cursor` to the end of a run of characters of `Class` and expands references in place.
+  // Returns the end of the expanded run.
   template <class Class>
   Ch* expand(Ch*& cursor) {
     cursor = skip<without_references<Class>>(cursor);
@@ -290,8 +288,8 @@ class parser {
     return write;
   }
 
-  // `read` is at a "&". Writes what it stands for and moves `read` behind the reference; an "&"
-  // that opens no reference stands for itself.
+  // `read` is at an "&". Writes the character that the reference stands for and moves `read` after
+  // the reference. An "&" that opens no reference stands for itself.
   Ch* expand_reference(Ch*& read, Ch* write) {
     if (read[1] == Ch('#')) return expand_numeric_reference(read, write);
     for (const named_reference& reference : named_references) {
@@ -311,7 +309,7 @@ class parser {
     std::uint32_t code = 0;
     Ch* end = digits;
     for (; digit_value(*end) < base; ++end) {
-      // Once too large it stays too large, so that no number of digits overflows.
+      // Once too large, `code` stays too large: it cannot overflow, however many digits follow.
       if (code <= max_code_point) code = code * base + digit_value(*end);
     }
     if (end == digits) {
@@ -322,7 +320,7 @@ class parser {
       throw parse_error("invalid numeric character entity", end);
     }
     if (*end != Ch(';')) throw parse_error("expected ;", end);
-    if (code == 0) m_events.zero_byte();
+    if (code == 0) m_events.nul_expanded();
     read = end + 1;
     return write_utf8(code, write);
   }
@@ -337,7 +335,7 @@ class parser {
     return m_scanner.template end_of<Class>(cursor);
   }
 
-  // As skip(), from a blank that is seldom followed by another.
+  // Like skip(), from a blank that is rarely followed by another.
   Ch* skip_blank(Ch* cursor) {
     ++cursor;
     return is<whitespace>(*cursor) ? skip<whitespace>(cursor) : cursor;
@@ -361,7 +359,7 @@ class parser {
     return true;
   }
 
-  // Position behind the next `end`.
+  // Returns the position after the next `end`.
   static Ch* skip_past(Ch* cursor, const Ch* end) {
     for (; *cursor != Ch('\0'); ++cursor) {
       if (starts_with(cursor, end)) return cursor + measure(end);
@@ -369,7 +367,7 @@ class parser {
     throw parse_error("unexpected end of data", cursor);
   }
 
-  // Length of a name or value; a record cannot hold more than 32 bits of it.
+  // Returns the length of a name or value, which must fit the 32 bits of a record.
   static std::size_t token_size(Ch* begin, const Ch* end) {
     const auto size = static_cast<std::size_t>(end - begin);
     if (size > std::numeric_limits<std::uint32_t>::max()) {

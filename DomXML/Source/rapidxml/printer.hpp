@@ -3,8 +3,8 @@
 // The printer: a node tree as indented text.
 //
 // Elements are indented by one space a level, nodes of every other kind by tabs. An element without
-// value and children is a start tag and an end tag, never one self-closing tag. The walk goes along
-// the parent links, so that no depth of the tree costs stack.
+// value and children is a start tag and an end tag, never one self-closing tag. The walk follows
+// the parent links: the depth of the tree costs no stack.
 
 #include <cstddef>
 #include <cstdint>
@@ -20,8 +20,7 @@
 namespace rapidxml {
 namespace internal {
 
-/// Where the printer writes. Gathers what is written and gives it on in pieces, to
-/// `out(begin, end)`.
+/// Buffers what the printer writes and passes it on in pieces, to `out(begin, end)`.
 template <class Out>
 class buffered_sink {
  public:
@@ -31,7 +30,8 @@ class buffered_sink {
 
   static constexpr std::size_t capacity = 4096;
 
-  /// Room for `size` bytes, at most `capacity`; wrote_to() says where what was written there ends.
+  /// Returns room for `size` bytes, at most `capacity`. After writing there, the caller passes the
+  /// end of what it wrote to wrote_to().
   char* room_for(std::size_t size) {
     if (size > room()) flush();
     return m_next;
@@ -56,12 +56,12 @@ class buffered_sink {
       std::memset(room_for(capacity), c, capacity);
       m_next += capacity;
     }
-    // Mostly a few, for which a call takes longer.
+    // Usually a few, for which a call takes longer.
     char* next = room_for(count);
     for (; count > 0; --count) *next++ = c;
     m_next = next;
   }
-  /// Gives on what is left. To be called at the end.
+  /// Passes on the rest. Must be called at the end.
   void flush() {
     m_out(m_buffer, m_next);
     m_next = m_buffer;
@@ -75,7 +75,8 @@ class buffered_sink {
   char m_buffer[capacity];
 };
 
-/// What the character becomes in printed text, or null for the character itself.
+/// Returns the reference that stands for the character in printed text, or null for the character
+/// itself.
 constexpr const char* reference_for(char c) {
   switch (c) {
     case '&':
@@ -93,26 +94,26 @@ constexpr const char* reference_for(char c) {
   }
 }
 
-/// The bytes of a block that are printed as references.
+/// Matches the bytes of a block that are printed as references.
 template <class Block>
 typename Block::mask special_in(const Block& block) {
   return block.equal('&') | block.equal('<') | block.equal('>') | block.equal('\'') |
          block.equal('"');
 }
 
-/// The first character from `begin` on that is printed as a reference, or `end`.
-inline const char* end_of_plain(const char* begin, const char* end) {
+/// Returns the first character from `begin` on that is printed as a reference, or `end`.
+inline const char* end_of_verbatim(const char* begin, const char* end) {
   while (end - begin >= static_cast<std::ptrdiff_t>(wide_block::size)) {
     const wide_block::mask special = special_in(wide_block(begin));
     if (wide_block::any(special)) return begin + wide_block::first(special);
     begin += wide_block::size;
   }
-  while (begin != end && contains<plain>(*begin)) ++begin;
+  while (begin != end && contains<verbatim>(*begin)) ++begin;
   return begin;
 }
 
 // Texts are copied in words that may overlap, so that no text of four bytes or more is copied byte
-// by byte; a short one fits into one block, in which it is looked for what cannot be copied.
+// by byte. A short text fits into one block, which is searched for references at once.
 
 template <class Word>
 Word load_word(const char* from) {
@@ -126,10 +127,10 @@ void store_word(char* to, Word word) {
   std::memcpy(to, &word, sizeof(word));
 }
 
-/// What put_blanks() may write behind its blanks.
+/// Bytes that put_blanks() may write after its blanks.
 constexpr std::size_t blanks_slack = 16;
 
-/// Writes `count` blanks and returns their end. Mostly they are few, for which a call or a loop
+/// Writes `count` blanks and returns their end. Usually they are few, for which a call or a loop
 /// takes longer.
 inline char* put_blanks(char* to, std::size_t count) {
   constexpr std::uint64_t BLANKS = 0x2020202020202020U;
@@ -157,9 +158,9 @@ inline char* copy_name(char* to, const char* from, std::size_t size) {
   return to + size;
 }
 
-/// As copy_plain(), for a text of one to two words.
+/// Like copy_verbatim(), for a text of one to two words.
 template <class Word>
-char* copy_plain_ends(char* to, const char* from, std::size_t size) {
+char* copy_verbatim_ends(char* to, const char* from, std::size_t size) {
   const auto first = load_word<Word>(from);
   const auto last = load_word<Word>(from + size - sizeof(Word));
   if (wide_block::any(special_in(wide_block(first, last)))) return nullptr;
@@ -168,9 +169,9 @@ char* copy_plain_ends(char* to, const char* from, std::size_t size) {
   return to + size;
 }
 
-/// Copies a text of which nothing is printed as a reference, and returns the end of the copy; null,
-/// with part of it copied, when it is no such text.
-inline char* copy_plain(char* to, const char* from, std::size_t size) {
+/// Copies a text without characters that are printed as references, and returns the end of the
+/// copy. Returns null for any other text, of which it may have copied a part.
+inline char* copy_verbatim(char* to, const char* from, std::size_t size) {
   std::size_t copied = 0;
   for (; size - copied >= wide_block::size; copied += wide_block::size) {
     const wide_block block(from + copied);
@@ -184,11 +185,11 @@ inline char* copy_plain(char* to, const char* from, std::size_t size) {
     return to + size;
   }
   if constexpr (wide_block::size >= 2 * sizeof(std::uint64_t)) {
-    if (size >= sizeof(std::uint64_t)) return copy_plain_ends<std::uint64_t>(to, from, size);
-    if (size >= sizeof(std::uint32_t)) return copy_plain_ends<std::uint32_t>(to, from, size);
+    if (size >= sizeof(std::uint64_t)) return copy_verbatim_ends<std::uint64_t>(to, from, size);
+    if (size >= sizeof(std::uint32_t)) return copy_verbatim_ends<std::uint32_t>(to, from, size);
   }
   for (std::size_t i = 0; i < size; ++i) {
-    if (!contains<plain>(from[i])) return nullptr;
+    if (!contains<verbatim>(from[i])) return nullptr;
     to[i] = from[i];
   }
   return to + size;
@@ -223,7 +224,7 @@ class printer {
     }
   }
 
-  /// The element without the line break behind it.
+  /// Prints the element without the line break after it.
   void print_element(const node* element, std::size_t indent) {
     if (!open(element, indent)) return;
     for (const node* child = element->first_node(); child; child = child->next_sibling()) {
@@ -234,7 +235,7 @@ class printer {
 
   void expanded(const char* begin, const char* end, char noexpand) {
     for (;;) {
-      const char* const special = end_of_plain(begin, end);
+      const char* const special = end_of_verbatim(begin, end);
       put(begin, special);
       if (special == end) return;
       const char* const reference = *special == noexpand ? nullptr : reference_for(*special);
@@ -248,8 +249,8 @@ class printer {
   }
 
  private:
-  // Prints what stands before the children, and all of a node whose children are not printed.
-  // True when children follow.
+  // Prints everything before the children, or all of a node whose children are not printed. Returns
+  // true when children follow.
   bool open(const node* current, std::size_t depth) {
     switch (current->type()) {
       case node_document:
@@ -305,20 +306,19 @@ class printer {
     return has_children;
   }
 
-  // What follows lies mostly behind, in the pool as in the text.
+  // The next elements usually follow at higher addresses, in the pool as in the text.
   static void prefetch_behind(const node* element) {
-    const char* const place = reinterpret_cast<const char*>(element);
-    __builtin_prefetch(place + 768);
-    __builtin_prefetch(place + 832);
+    const char* const address = reinterpret_cast<const char*>(element);
+    __builtin_prefetch(address + 768);
+    __builtin_prefetch(address + 832);
     __builtin_prefetch(element->name() + 512);
   }
 
-  // A start tag, and all of an element when `value_owner` has its text, in one piece: of an element
-  // that is not too large and has nothing to be expanded. False for any other, with nothing
-  // printed.
+  // Prints a small element in one piece: its start tag and, when `value_owner` has its text, all of
+  // it. Returns false, with nothing printed, for an element that is too large or needs references.
   bool print_small(const node* element, std::size_t depth, const node* value_owner) {
     const std::size_t name_size = element->name_size();
-    // Of 64 bits, so that no sizes together are taken for a small one.
+    // 64 bits: the sum of the sizes cannot wrap to a small one.
     std::uint64_t size = std::uint64_t{2} * name_size + depth + 5 + blanks_slack;
     if (value_owner) size += value_owner->value_size();
     const xml_attribute<char>* attribute = element->first_attribute();
@@ -337,13 +337,13 @@ class printer {
       out = copy_name(out, attribute->name(), attribute->name_size());
       *out++ = '=';
       *out++ = '"';
-      out = copy_plain(out, attribute->value(), attribute->value_size());
+      out = copy_verbatim(out, attribute->value(), attribute->value_size());
       if (!out) return false;
       *out++ = '"';
     }
     *out++ = '>';
     if (value_owner) {
-      out = copy_plain(out, value_owner->value(), value_owner->value_size());
+      out = copy_verbatim(out, value_owner->value(), value_owner->value_size());
       if (!out) return false;
       *out++ = '<';
       *out++ = '/';
@@ -397,7 +397,7 @@ class printer {
     }
   }
 
-  // A value that holds a double quote goes into single quotes.
+  // A value that holds a double quote is printed in single quotes.
   void quoted_value(const xml_attribute<char>* attribute) {
     const char* const begin = attribute->value();
     const char* const end = begin + attribute->value_size();

@@ -1,16 +1,16 @@
 #pragma once
 
-// Finds where a run of characters ends, many bytes at a time.
+// Finds the end of a run of characters, many bytes at a time.
 //
 // A block is as many bytes as one instruction compares: sixteen with SSE2 or NEON, otherwise those
-// of a machine word, of either byte order. Comparing a block with a character gives a mask, and the
-// place of the first match in memory is read from the mask.
+// of a machine word, of either byte order. Comparing a block with a character gives a mask, from
+// which the index of the first match is read.
 //
-// Blocks may be loaded from anywhere, so they must not reach beyond the text, whose length is not
-// known when it begins. A scanner therefore measures the text ahead of the parser, a few thousand
-// bytes at a time, up to the zero that ends it. Up to there a block can be loaded, and none of its
-// bytes is zero; behind it the scanner looks at one byte at a time and stops at the zero. Measuring
-// costs little, and the bytes are near when the parser comes to them.
+// A block may be loaded from any address, so it must not reach beyond the text, whose length is not
+// known in advance. The scanner therefore measures the text ahead of the parser, about a thousand
+// bytes at a time, up to the terminating NUL. Blocks are loaded only from measured text, in which
+// no byte is NUL. After it the scanner looks at one byte at a time and stops at the NUL. Measuring
+// costs little: it brings the bytes into the caches before the parser reads them.
 
 #include <cstddef>
 #include <cstdint>
@@ -35,7 +35,7 @@ class word_block {
   static constexpr std::size_t size = sizeof(word);
 
   explicit word_block(const char* position) { std::memcpy(&m_bytes, position, size); }
-  /// Two pieces of a block. Only for blocks that are large enough.
+  /// A block of two halves. Only for blocks that are large enough.
   word_block(std::uint64_t first, std::uint64_t /*second*/) : m_bytes(static_cast<word>(first)) {}
 
   void store(char* position) const { std::memcpy(position, &m_bytes, size); }
@@ -44,14 +44,14 @@ class word_block {
     const word difference = m_bytes ^ each(static_cast<unsigned char>(c));
     return ~(((difference & low_bits) + low_bits) | difference) & high_bits;
   }
-  /// Bytes up to `c`, which is an ASCII character.
+  /// Matches bytes up to `c`, which is an ASCII character.
   mask at_most(char c) const {
     return ~(((m_bytes & low_bits) + each(static_cast<unsigned char>(0x7F - c))) | m_bytes) &
            high_bits;
   }
   static bool any(mask matches) { return matches != 0; }
   static mask none_of(mask matches) { return matches ^ high_bits; }
-  /// Index of the first match; there must be one.
+  /// Returns the index of the first match; there must be one.
   static std::size_t first(mask matches) {
 #if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
     const int bits = __builtin_clzll(matches) - 8 * static_cast<int>(sizeof(long long) - size);
@@ -71,7 +71,7 @@ class word_block {
 
 #if defined(__SSE2__)
 
-/// Sixteen bytes in an SSE2 register. The mask has a bit for each byte.
+/// Sixteen bytes in an SSE2 register. The mask has all bits of each byte that matches.
 class wide_block {
  public:
   using mask = __m128i;
@@ -125,7 +125,7 @@ class wide_block {
   }
 
  private:
-  // Four bits for each byte.
+  // Returns four bits for each byte.
   static std::uint64_t nibbles(mask matches) {
     const uint8x8_t narrow = vshrn_n_u16(vreinterpretq_u16_u8(matches), 4);
     return vget_lane_u64(vreinterpret_u64_u8(narrow), 0);
@@ -140,8 +140,8 @@ using wide_block = word_block;
 
 #endif
 
-// Where a run of a class of characters ends: `ends` gives a mask of the bytes of a block at which
-// it may end, none of which is zero; unless `exact`, the class itself decides.
+// Where a run of a character class ends. `ends` returns a mask of the bytes of a block at which the
+// run may end; none of the bytes is NUL. Unless `exact`, such a byte is looked up in the class.
 
 template <class Class>
 struct run_of;
@@ -156,7 +156,7 @@ struct run_of<whitespace> {
   }
 };
 
-// All that ends a name is up to "?", and hardly anything that a name is made of.
+// Everything that ends a name is up to "?", and hardly any character of a name is.
 struct run_of_name {
   static constexpr bool exact = false;
   template <class Block>
@@ -184,14 +184,14 @@ struct run_of<without_references<single_quoted>> : run_up_to<'\''> {};
 template <>
 struct run_of<without_references<double_quoted>> : run_up_to<'"'> {};
 
-/// Looks ahead in one zero-terminated text. A value of the parser; holds pointers into the text.
+/// Looks ahead in one NUL-terminated text. A value of the parser; holds pointers into the text.
 template <class Block>
 class basic_scanner {
  public:
   explicit basic_scanner(const char* text) : m_measured(text), m_last_block(text - 1) {}
 
-  /// The end of the run of characters of `Class` that begins at `cursor`; `cursor` itself when that
-  /// is none. Cursors must not go back.
+  /// Returns the end of the run of characters of `Class` that begins at `cursor`, which is `cursor`
+  /// when the run is empty. Cursors must not go back.
   template <class Class>
   [[gnu::always_inline]] char* end_of(char* cursor) {
     if (cursor <= m_last_block) {
@@ -208,7 +208,7 @@ class basic_scanner {
   static constexpr std::size_t step = 1024;
   static constexpr std::size_t cache_line = 64;
 
-  // Apart, so that what is seldom needed does not crowd the parser.
+  // A function of its own, so that rare work does not slow the parser down.
   template <class Class>
   [[gnu::noinline]] char* end_further_on(char* cursor) {
     while (cursor <= m_last_block || measure(cursor)) {
@@ -225,11 +225,11 @@ class basic_scanner {
     return cursor;
   }
 
-  // Measures on until there is room for a block at `cursor`. False when the zero is too near.
+  // Measures until there is room for a block at `cursor`. Returns false when the NUL is too near.
   bool measure(const char* cursor) {
     if (m_complete) return false;
     if (m_measured < cursor) m_measured = cursor;
-    // Text that is asked for a step ahead comes while this step is parsed.
+    // Prefetches the next step while this one is parsed.
     for (std::size_t i = step; i < 2 * step; i += cache_line) __builtin_prefetch(m_measured + i);
     const std::size_t length = strnlen(m_measured, step);
     m_measured += length;
@@ -239,8 +239,8 @@ class basic_scanner {
     return true;
   }
 
-  const char* m_measured;    // no byte of the text before this is zero
-  const char* m_last_block;  // the last place where a block of such bytes begins
+  const char* m_measured;    // no byte of the text before this is NUL
+  const char* m_last_block;  // the last position where a block of such bytes begins
   bool m_complete = false;
 };
 

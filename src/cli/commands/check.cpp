@@ -1,4 +1,4 @@
-// Checks documents, as many at a time as there are cores.
+// Validates documents, as many at a time as there are cores.
 
 #include <fmt/format.h>
 
@@ -39,17 +39,17 @@ struct CheckRequest {
 
 constexpr const char* NO_MEMORY = "not enough memory";
 
-void tell(const std::string& path, const Finding& finding) {
-  if (finding.lacksMemory()) return tellError(errorLine(path, NO_MEMORY));
-  if (finding.error) return tellError(finding.error->what());
+void report(const std::string& path, const Finding& finding) {
+  if (finding.lacksMemory()) return reportError(errorLine(path, NO_MEMORY));
+  if (finding.error) return reportError(finding.error->what());
   if (finding.status == Status::Done) {
     return writeOutput(fmt::format("{}: {}\n", printable(path), styled(Style::Good, "ok")));
   }
   for (const Violation& violation : finding.violations) {
-    tellError(errorLine(path, violation.message));
+    reportError(errorLine(path, violation.message));
   }
   if (const std::size_t leftOut = finding.violationCount - finding.violations.size()) {
-    tellError(errorLine(path, fmt::format("{} more violations", leftOut)));
+    reportError(errorLine(path, fmt::format("{} more violations", leftOut)));
   }
 }
 
@@ -58,7 +58,7 @@ Json placeOf(const Finding& finding, std::size_t TextPosition::*coordinate) {
   return *finding.error->place().*coordinate;
 }
 
-void tellJson(const std::string& path, const Finding& finding, bool all) {
+void reportJson(const std::string& path, const Finding& finding, bool all) {
   Json json = {{"file", path},
                {"result", static_cast<int>(finding.status)},
                {"message", nullptr},
@@ -82,11 +82,11 @@ void tellJson(const std::string& path, const Finding& finding, bool all) {
   writeOutput(jsonText(json) + "\n");
 }
 
-void tell(const std::string& path, const Finding& finding, const CheckRequest& request) {
+void report(const std::string& path, const Finding& finding, const CheckRequest& request) {
   if (request.json) {
-    tellJson(path, finding, request.scope.all);
+    reportJson(path, finding, request.scope.all);
   } else {
-    tell(path, finding);
+    report(path, finding);
   }
 }
 
@@ -100,14 +100,14 @@ bool canBeReadAgain(const std::string& path) {
   return std::filesystem::is_regular_file(path, ignored);
 }
 
-/// Checks the files on several threads, each document on one of them.
+/// Validates files on several threads, one document on each.
 class Workers {
  public:
   /// Throws std::bad_alloc before the first thread has been started.
   explicit Workers(const CheckRequest& request)
       : request_(request), findings_(request.files.size()) {
     const std::size_t count = workerCount(request);
-    // One at a time is what the caller can do itself.
+    // For one document at a time the calling thread is enough.
     if (count == 1) return;
     threads_.reserve(count);
     while (threads_.size() < count && addThread()) {
@@ -120,8 +120,8 @@ class Workers {
     joinAll();
   }
 
-  /// Waits for the finding of a file, or checks it when there is no thread for that. Throws what
-  /// its check threw.
+  /// Waits for the finding of a file, or validates the file when there are no threads. Throws the
+  /// exception that a thread caught for that file.
   Finding finding(std::size_t number) {
     const std::string& path = request_.files[number];
     Result& result = findings_[number];
@@ -129,7 +129,7 @@ class Workers {
     wait(result);
     if (result.exception) std::rethrow_exception(result.exception);
     if (!result.finding->lacksMemory() || !canBeReadAgain(path)) return std::move(*result.finding);
-    // Alone there may be enough.
+    // Without the other threads there may be enough memory.
     joinAll();
     return checkFile(path, request_.scope);
   }
@@ -152,7 +152,7 @@ class Workers {
     threads_.clear();
   }
 
-  // False when no further thread can be had; fewer than wanted do as well, only slower.
+  // Returns false when no thread can be started. Fewer threads do the same work more slowly.
   bool addThread() {
     try {
       threads_.emplace_back([this] { work(); });
@@ -197,14 +197,14 @@ class Workers {
 };
 
 // Returns the status of the file.
-Status checkAndTell(std::size_t number, const CheckRequest& request, Workers* workers) {
+Status checkAndReport(std::size_t number, const CheckRequest& request, Workers* workers) {
   const std::string& path = request.files[number];
   try {
     const Finding finding = workers ? workers->finding(number) : checkFile(path, request.scope);
-    tell(path, finding, request);
+    report(path, finding, request);
     return finding.status;
   } catch (const std::bad_alloc&) {
-    tellNoMemory(path.c_str());
+    reportNoMemory(path.c_str());
     return Status::FileError;
   }
 }
@@ -217,10 +217,10 @@ Status checkFiles(const CheckRequest& asked) {
   std::optional<Workers> workers;
   try {
     workers.emplace(request);
-  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the main thread does it alone
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the main thread does it
   }
   for (std::size_t i = 0; i < request.files.size(); ++i) {
-    highest = std::max(highest, checkAndTell(i, request, workers ? &*workers : nullptr));
+    highest = std::max(highest, checkAndReport(i, request, workers ? &*workers : nullptr));
   }
   return highest;
 }
@@ -228,15 +228,15 @@ Status checkFiles(const CheckRequest& asked) {
 }  // namespace
 
 void addCheck(CommandLine& line) {
-  auto [options, request] =
-      line.add<CheckRequest>("check", "Check documents against the format", checkFiles);
+  auto [options, request] = line.add<CheckRequest>("check", "Validate documents", checkFiles);
   options.addArguments("FILE", request.files, "The documents; - is standard input");
-  options.addFlag("--all", request.scope.all, "Tell every violation");
+  options.addFlag("--all", request.scope.all, "Report every violation");
   options.addNumber("--limit", request.scope.limit,
-                    "Most violations to tell for a file; 0 for all that fit 64 MiB");
+                    "Most violations to report for a file; 0 for all that fit 64 MiB");
   options.allowOnlyWith("--limit", "--all");
   options.addFlag("--json", request.json, "Write a JSON object for each file, on a line");
-  options.addNumber("--jobs", request.jobs, "Documents to check at a time; 0 for one a core");
+  options.addNumber("--jobs", request.jobs,
+                    "Documents to validate at a time; 0 for as many as there are cores");
 }
 
 }  // namespace tarn

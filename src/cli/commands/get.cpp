@@ -28,10 +28,10 @@ namespace {
 struct GetRequest {
   std::string file;
   std::string distName;
-  std::string name;  ///< What is wanted of the object; "" for all of it.
+  std::string name;  ///< Of a value in the object; "" for the whole object.
 };
 
-/// "NAME[INDEX].COMPONENT" or "NAME[INDEX]", taken apart.
+/// The parts of "NAME[INDEX].COMPONENT" or "NAME[INDEX]".
 struct ItemPath {
   std::string list;
   std::size_t index;  // from 1
@@ -98,7 +98,7 @@ std::optional<std::string> itemOf(const LibTarnManagedObject& object, const std:
   return value && !path->component ? std::optional(lineOf(*value)) : std::nullopt;
 }
 
-// "EXTENSION.NAME", with whichever "." leads to something.
+// Splits "EXTENSION.NAME" at the first "." that leads to a parameter.
 std::optional<std::string> extensionParameterOf(const LibTarnManagedObject& object,
                                                 const std::string& name) {
   for (std::size_t dot = name.find('.'); dot != std::string::npos; dot = name.find('.', dot + 1)) {
@@ -109,7 +109,7 @@ std::optional<std::string> extensionParameterOf(const LibTarnManagedObject& obje
   return std::nullopt;
 }
 
-// Whole names first, since they may hold brackets and dots.
+// Looks for the whole name first, since names may hold brackets and dots.
 std::optional<std::string> valueOf(const LibTarnManagedObject& object, const std::string& name) {
   if (const Scalar* const scalar = object.getScalarParameter(name.c_str())) return lineOf(*scalar);
   if (const List* const list = object.getListParameter(name)) return linesOf(*list);

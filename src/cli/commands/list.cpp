@@ -45,7 +45,7 @@ Row rowOf(const LibTarnManagedObject& object) {
           operationText(object), textOrEmpty(object.getVersion())};
 }
 
-// Single values and lists.
+// Counts parameters and lists.
 std::size_t parameterCount(const LibTarnManagedObject& object) {
   const auto scalars = object.getScalarParameters();
   const auto lists = object.getListParameters();
@@ -53,7 +53,7 @@ std::size_t parameterCount(const LibTarnManagedObject& object) {
                                   std::distance(lists.begin(), lists.end()));
 }
 
-// Appends `text` such that it holds no tab and no line end.
+// Appends `text` with tabs and line ends escaped.
 void appendField(std::string& line, const char* text) {
   for (; *text != '\0'; ++text) {
     switch (*text) {
@@ -84,8 +84,8 @@ void writeTsv(const LibTarnManagedObject& object, LineWriter& writer) {
   writer.endLine();
 }
 
-// The members stand here and not in a JSON object, which would cost more than all else; each text
-// is the JSON library's.
+// Writes the members without a JSON object, which would cost more than everything else. The JSON
+// library writes each text.
 void writeJson(const LibTarnManagedObject& object, LineWriter& writer) {
   constexpr std::array<const char*, COLUMNS> MEMBERS = {
       "{\"dn\":", ",\"class\":", ",\"operation\":", ",\"version\":", ",\"parameters\":"};
@@ -105,13 +105,13 @@ void writeDn(const LibTarnManagedObject& object, LineWriter& writer) {
   writer.endLine();
 }
 
-/// A line of the table, kept between the look at the widths and the writing.
+/// A row of the table. Rows are kept until the widths of the columns are known.
 struct TableRow {
   std::array<std::string_view, COLUMNS> cells;
   std::array<std::uint32_t, COLUMNS> widths;
 };
 
-/// The rows, and the texts that had to be made for them.
+/// The rows, and the texts that were made for them.
 class Table {
  public:
   explicit Table(std::size_t rowCount) { rows_.reserve(rowCount); }
@@ -145,7 +145,7 @@ class Table {
     return made_.back();
   }
 
-  // The last column has no blanks behind it.
+  // No blanks after the last column.
   void appendRow(std::string& line, const TableRow& row) const {
     for (std::size_t i = 0; i + 1 < COLUMNS; ++i) {
       line += row.cells[i];
@@ -159,7 +159,7 @@ class Table {
   std::list<std::string> made_;
 };
 
-// Numbers come from a table of texts, since most objects have few parameters.
+// Takes numbers from a table of texts, since most objects have few parameters.
 class NumberTexts {
  public:
   std::string_view operator()(std::size_t number) {

@@ -97,7 +97,7 @@ void validateMerged(const MergeRequest& request, Document& merged) {
   HostLog::takeError();
   const std::string message = "merged document: " + merged.getDiagnostic().message;
   if (request.validate) throw CommandError(Status::RuleBroken, request.source, message);
-  tellNote(request.source, message);
+  reportNote(request.source, message);
 }
 
 Status mergeDeltas(const MergeRequest& request) {

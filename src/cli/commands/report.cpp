@@ -22,8 +22,8 @@ Status writeReport(const ReportRequest& request) {
   Document document(request.file);
   const ReportPage page = reportPage(request.file, document);
   if (page.violationsLeftOut > 0) {
-    tellNote(request.file,
-             fmt::format("{} violations are left out of the page", page.violationsLeftOut));
+    reportNote(request.file,
+               fmt::format("{} violations are left out of the page", page.violationsLeftOut));
   }
   destination.write(page.text);
   destination.commit();
@@ -33,8 +33,8 @@ Status writeReport(const ReportRequest& request) {
 }  // namespace
 
 void addReport(CommandLine& line) {
-  auto [options, request] = line.add<ReportRequest>(
-      "report", "Write a page to look through a document in a browser", writeReport);
+  auto [options, request] =
+      line.add<ReportRequest>("report", "Write a page for browsing a document", writeReport);
   addFile(options, request.file);
   options.addText("-o,--output", "OUT.html", request.target.output,
                   "The page, HTML; - is standard output");

@@ -125,7 +125,7 @@ Status writeStats(const StatsRequest& request) {
 
 void addStats(CommandLine& line) {
   auto [options, request] =
-      line.add<StatsRequest>("stats", "Tell figures of a document", writeStats);
+      line.add<StatsRequest>("stats", "Report figures of a document", writeStats);
   addFile(options, request.file);
   options.addFlag("--json", request.json, "Write them as JSON");
 }

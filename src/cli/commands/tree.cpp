@@ -22,7 +22,7 @@ using libtarn::model::LibTarnManagedObject;
 
 namespace {
 
-// Deeper trees than people can read would be drawn wider than they are long.
+// A deeper tree would be wider than people can read.
 constexpr std::size_t USUAL_DEPTH = 64;
 
 struct TreeRequest {
@@ -40,13 +40,13 @@ std::string countsOf(const ContainmentTree::Node& node) {
   return counts;
 }
 
-// An object that is not among the matching ones may yet stand above them.
+// An object that does not match may be above one that does.
 const LibTarnManagedObject* objectOf(const ContainmentTree::Node& node,
                                      const LibTarnCmData& cmData) {
   return node.object ? node.object : cmData.getLibTarnManagedObject(std::string(node.name).c_str());
 }
 
-// The segment, the object's class, and what lies below.
+// The segment, the object's class, and the counts of objects below.
 std::string labelOf(const ContainmentTree::Node& node, const LibTarnCmData& cmData) {
   std::string label = node.segment.empty() ? "(no name)" : printable(node.segment);
   if (const LibTarnManagedObject* const object = objectOf(node, cmData)) {
@@ -58,7 +58,7 @@ std::string labelOf(const ContainmentTree::Node& node, const LibTarnCmData& cmDa
   return counts.empty() ? label : label + styled(Style::Faint, " [" + counts + "]");
 }
 
-/// Draws the tree from the top, one line a node.
+/// Draws the tree from the top, one line for each node.
 class Drawing {
  public:
   Drawing(const ContainmentTree& tree, const LibTarnCmData& cmData, std::size_t depth)
@@ -75,7 +75,7 @@ class Drawing {
       }
       const std::uint32_t child = children[level.next++];
       drawLine(child);
-      // The reference is not used behind this: the levels may move.
+      // `level` is not used after this, since push_back() may move it.
       if (open_.size() < depth_) open_.push_back({child, 0});
     }
     writer_.flush();
@@ -91,7 +91,7 @@ class Drawing {
     return level.next == tree_.node(level.node).children.size();
   }
 
-  // Names at the top have no lines before them.
+  // Nodes at the top have no branch in front of them.
   void drawLine(std::uint32_t number) {
     std::string& line = writer_.lines();
     for (std::size_t i = 1; i < open_.size(); ++i) {
@@ -124,7 +124,7 @@ Status drawTree(const TreeRequest& request) {
 
 void addTree(CommandLine& line) {
   auto [options, request] =
-      line.add<TreeRequest>("tree", "Draw the tree that the objects' names spell", drawTree);
+      line.add<TreeRequest>("tree", "Draw the tree that the objects' names form", drawTree);
   addFile(options, request.file);
   options.addPositiveNumber("--depth", request.depth, "Segments of the names to draw");
   options.addText("--dn", "TEXT", request.selection.distName, "Objects with this text in the name");

@@ -7,7 +7,7 @@
 
 namespace tarn {
 
-/// What selected managed objects are to become.
+/// The new values of the selected managed objects.
 struct Changes {
   std::string className = ANY_TEXT;
   std::string version = ANY_TEXT;

@@ -10,18 +10,18 @@
 
 namespace tarn {
 
-/// The tree that distinguished names spell: "A-1/B-2" hangs below "A-1", whether or not there is an
-/// object of that name.
+/// The tree that distinguished names form: "A-1/B-2" is a child of "A-1", whether or not an object
+/// has that name.
 ///
-/// Points into the documents that the objects are of. Linear in the texts of the names but for a
-/// sort of siblings: nothing recurses, since a document decides how deep it is.
+/// Points into the documents of the objects. Linear in the size of the names, except for the sort
+/// of siblings. Nothing recurses, since a document decides how deep the tree is.
 class ContainmentTree {
  public:
   static constexpr std::uint32_t NONE = UINT32_MAX;
 
   struct Node {
     std::string_view name;     // from the top down to this node
-    std::string_view segment;  // the part of it behind the last "/"
+    std::string_view segment;  // the part of it after the last "/"
     const libtarn::model::LibTarnManagedObject* object = nullptr;  // null: a name only
     std::uint32_t parent = NONE;
     std::vector<std::uint32_t> children;
@@ -30,10 +30,10 @@ class ContainmentTree {
 
   ContainmentTree();
 
-  /// The texts of `object` must live as long as the tree.
+  /// Adds an object, whose texts must live as long as the tree.
   void add(const libtarn::model::LibTarnManagedObject& object);
 
-  /// The node 0 stands above all names.
+  /// Node 0 is the root, above all names.
   const Node& node(std::uint32_t number) const { return nodes_[number]; }
 
  private:

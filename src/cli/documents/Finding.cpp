@@ -15,11 +15,11 @@ using libtarn::model::validation::Validator;
 
 namespace {
 
-// Of the violations of a file: messages that repeat a long name would grow with the square of its
-// size.
+// Limits the messages and paths of a file's violations, which could otherwise grow with the square
+// of the file's size.
 constexpr std::size_t MOST_VIOLATION_BYTES = std::size_t{64} << 20U;
 
-// Takes no memory itself.
+// Allocates no memory.
 Finding withoutMemory() {
   HostLog::drop();
   Finding finding;
@@ -31,11 +31,11 @@ void collect(Document& document, std::size_t limit, Finding& finding) {
   const int result =
       document.validate(&finding.violations, limit, MOST_VIOLATION_BYTES, &finding.violationCount);
   if (result == 0) return;
-  HostLog::takeError();  // what the violations say, too
+  HostLog::takeError();  // the violations hold the same message
   finding.status = Status::RuleBroken;
 }
 
-// An error says what is wrong but not always the path of the element, which costs a second walk.
+// Not every error has the path of the element. To find it costs a second walk.
 void findPath(Document& document, Finding& finding) {
   Finding first;
   collect(document, 1, first);
@@ -44,8 +44,8 @@ void findPath(Document& document, Finding& finding) {
   if (isThatOne) finding.path = first.violations.front().path;
 }
 
-// Most files are valid, and it takes no document to see that. Log lines are those of a document,
-// and so are the paths of violations.
+// Most files are valid, and the static validate() shows that without a document. Log lines and
+// paths of violations need a document.
 bool isValid(TextFile& file, const CheckScope& scope) {
   if (HostLog::isAskedFor()) return false;
   const Diagnostic found = LibTarnDocument::validate([&file] { return file.read(); });
@@ -74,13 +74,13 @@ Finding checkInMemory(const std::string& path, const CheckScope& scope) {
     if (scope.wantsPath && error.status() == Status::RuleBroken) findPath(document, finding);
   }
   HostLog::flush();
-  HostLog::drop();  // a thread does not keep it
+  HostLog::drop();  // threads end without the held line
   return finding;
 }
 
 }  // namespace
 
-// A file that takes more memory than there is keeps none of the others from being checked.
+// When one file needs too much memory, the others are validated all the same.
 Finding checkFile(const std::string& path, const CheckScope& scope) {
   try {
     return checkInMemory(path, scope);

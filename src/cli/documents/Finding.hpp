@@ -10,7 +10,7 @@
 
 namespace tarn {
 
-/// What a check found in one file.
+/// The result of the validation of one file.
 struct Finding {
   Status status = Status::Done;
   std::optional<CommandError> error;  ///< The one fault; absent when all are collected.
@@ -18,19 +18,19 @@ struct Finding {
   std::vector<libtarn::model::validation::Violation> violations;
   std::size_t violationCount = 0;  ///< With those left out.
 
-  /// True if there was not enough memory for the check.
+  /// True if there was not enough memory.
   bool lacksMemory() const { return status == Status::FileError && !error; }
 };
 
-/// What a check looks for.
+/// What a validation looks for.
 struct CheckScope {
   bool all = false;         ///< Every violation, not only the first.
   std::size_t limit = 100;  ///< Most violations for a file; 0 for as many as 64 MiB hold.
   bool wantsPath = false;   ///< Also the path of the element with the first violation.
 };
 
-/// Checks the file at `path`. Throws nothing for a fault in the file, nor for one that takes more
-/// memory than there is.
+/// Validates the file at `path`. Does not throw for a fault in the file, or for a file that needs
+/// too much memory: the finding says so.
 Finding checkFile(const std::string& path, const CheckScope& scope);
 
 }  // namespace tarn

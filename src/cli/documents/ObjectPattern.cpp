@@ -18,7 +18,7 @@ using Operation = LibTarnManagedObject::Operation;
 
 namespace {
 
-// `text` is one of the operations; the command line takes no other.
+// `text` is the name of an operation: the command line accepts no other.
 Operation operationOf(const std::string& text) {
   return Operation(*Operation::getStringToEnum().at(text));
 }

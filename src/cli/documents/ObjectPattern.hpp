@@ -10,17 +10,18 @@ namespace tarn {
 struct Changes;
 struct Selection;
 
-/// In a pattern, a class, version or value that stands for any; as a new one, for no change.
+/// In a mask, matches any class, version or value; among new values, means no change.
 constexpr const char* ANY_TEXT = "#";
-/// In a pattern, a distinguished name that stands for any.
+/// In a mask, matches any distinguished name.
 constexpr const char* ANY_NAME = "_-_";
 
-/// A managed object that stands for others, in a document of its own. Throws CommandError.
+/// A mask, or the new values for the objects that a mask matches, as a managed object in a document
+/// of its own. Throws CommandError.
 class ObjectPattern {
  public:
-  /// The object that selected ones match.
+  /// Makes the mask of a selection.
   explicit ObjectPattern(const Selection& selection);
-  /// The object that holds the new values.
+  /// Makes the object with the new values.
   explicit ObjectPattern(const Changes& changes);
 
   const libtarn::model::LibTarnManagedObject& object() const { return object_; }

@@ -20,7 +20,7 @@ void Outcomes::addFailure(Status status, const std::string& distName, const std:
 
 void Outcomes::throwIfFailed() const {
   if (failures_.empty()) return;
-  for (std::size_t i = 0; i + 1 < failures_.size(); ++i) tellError(failures_[i].what());
+  for (std::size_t i = 0; i + 1 < failures_.size(); ++i) reportError(failures_[i].what());
   throw CommandError(failures_.back());
 }
 

@@ -14,7 +14,7 @@ bool Selection::isEverything() const {
          version == everything.version && operation.empty() && parameters.empty() && file.empty();
 }
 
-// Without a condition nothing is compared, which would cost more than the look at an object.
+// Without a condition nothing is compared: the comparisons would cost more than the rest.
 std::vector<LibTarnManagedObject*> loadSelected(const std::string& path, const Selection& selection,
                                                 Document& document) {
   const ObjectPattern pattern(selection);

@@ -10,7 +10,7 @@
 
 namespace tarn {
 
-/// Which managed objects of a document a command means. The requests of commands hold it by value.
+/// The options that select managed objects of a document. Requests of commands hold it by value.
 struct Selection {
   std::string className = ANY_TEXT;
   std::string distName = ANY_NAME;  ///< A part of the name.
@@ -19,12 +19,12 @@ struct Selection {
   std::vector<std::string> parameters;  ///< "NAME=VALUE" each, or "NAME" for any value.
   std::string file;  ///< A document whose first object selects by all this instead; "" for none.
 
-  /// True if every object is meant.
+  /// True if it selects every object.
   bool isEverything() const;
 };
 
-/// The managed objects of the file at `path`, loaded into `document`, that are selected, in the
-/// order of their names. Throws CommandError, also when there are none.
+/// Loads the file at `path` into `document` and returns the selected managed objects in the order
+/// of their names. Throws CommandError, also when there are none.
 std::vector<libtarn::model::LibTarnManagedObject*> loadSelected(const std::string& path,
                                                                 const Selection& selection,
                                                                 Document& document);

@@ -12,10 +12,10 @@ class LibTarnCmData;
 
 namespace tarn {
 
-/// Whether a load checks the rules of the format.
+/// Whether a load validates.
 enum class Rules { Unchecked, Checked };
 
-/// A document of the command. Without memory its operations throw std::bad_alloc.
+/// A document of the command. Its operations throw std::bad_alloc when memory runs out.
 class Document : public libtarn::model::LibTarnDocument {
  public:
   Document() : LibTarnDocument(libtarn::model::OutOfMemory::Throw) {}
@@ -27,18 +27,19 @@ class Document : public libtarn::model::LibTarnDocument {
 /// file that cannot be read, malformed XML or a broken rule of the model.
 void loadDocument(const std::string& path, Document& document, Rules rules = Rules::Unchecked);
 
-/// As above, for a file that is open already.
+/// As above, for a file that is already open.
 void loadDocument(TextFile& file, Document& document, Rules rules = Rules::Unchecked);
 
-/// Throws the CommandError for a text that was refused; reads the file again for line and column.
+/// Throws the CommandError for a text that was refused. Reads the file again to find line and
+/// column.
 [[noreturn]] void throwRefused(TextFile& file, const libtarn::model::Diagnostic& diagnostic);
 
-/// The cmData of a document that was loaded from `path`. Throws CommandError without one.
+/// Returns the cmData of a document that was loaded from `path`. Throws CommandError without one.
 libtarn::model::LibTarnCmData& requireCmData(const Document& document, const std::string& path);
 
-/// Writes the document to `destination`, and `report` on what was done to standard output, or to
-/// standard error when the document goes there. A file is replaced last, once all that it is
-/// reported with has been written. Throws CommandError and OutputClosed, with the file as it was.
+/// Writes the document to `destination`. Writes `report`, which says what was done, to standard
+/// output, or to standard error when the document goes to standard output. A file is replaced last,
+/// after the report. Throws CommandError and OutputClosed, with the file unchanged.
 void writeResult(Document& document, Destination& destination, const std::string& report);
 
 }  // namespace tarn

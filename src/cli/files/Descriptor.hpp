@@ -6,7 +6,7 @@
 
 namespace tarn {
 
-/// An open file, closed at the end. Less than 0: none.
+/// Owns a file descriptor and closes it. Less than 0: none.
 class Descriptor {
  public:
   explicit Descriptor(int number = -1) : number_(number) {}
@@ -23,7 +23,8 @@ class Descriptor {
 
   int get() const { return number_; }
   bool isOpen() const { return number_ >= 0; }
-  /// Returns false, with errno, when the data could not be kept: some file systems tell only here.
+  /// Returns false, with errno, when data could not be written: some file systems report it only
+  /// here.
   bool close() { return ::close(std::exchange(number_, -1)) == 0; }
 
  private:

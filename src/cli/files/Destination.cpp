@@ -20,11 +20,11 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* STANDARD_OUTPUT = "-";
-// As many as the kernel follows.
+// The kernel follows no more.
 constexpr int MOST_LINKS = 40;
 
-/// What a path leads to when the links that it ends in are followed.
-struct Place {
+/// The file that a path leads to when links at its end are followed.
+struct Followed {
   fs::path path;
   std::optional<int> descriptor;  // an open file of this process
   bool isOpenFile = false;        // of this process or another one
@@ -34,7 +34,7 @@ bool isNumber(const std::string& text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
-// Whether the files in the folder, without links in its path, are those that a process has open.
+// True if the folder, a path without links, holds the open files of a process.
 bool isFolderOfOpenFiles(const fs::path& folder) {
   const std::string text = folder.string();
   return text.compare(0, 6, "/proc/") == 0 && folder.filename() == "fd";
@@ -45,31 +45,31 @@ bool isOfThisProcess(const fs::path& folder) {
   return folder.string().compare(0, own.size(), own) == 0;
 }
 
-// /dev/stdout, /dev/fd/3 and the like are links into /proc. What is behind such a number is an open
-// file, whatever path it may have: a pipe, or a file that a shell has opened for the command.
-void recognizeOpenFile(Place& place) {
-  const std::string number = place.path.filename().string();
+// /dev/stdout, /dev/fd/3 and the like are links into /proc. Such a number stands for an open file,
+// which may have any path: a pipe, or a file that a shell has opened for the command.
+void recognizeOpenFile(Followed& target) {
+  const std::string number = target.path.filename().string();
   if (!isNumber(number)) return;
   std::error_code failed;
-  const fs::path folder = fs::canonical(place.path.parent_path(), failed);
+  const fs::path folder = fs::canonical(target.path.parent_path(), failed);
   if (failed || !isFolderOfOpenFiles(folder)) return;
-  place.isOpenFile = true;
+  target.isOpenFile = true;
   int descriptor = -1;
   const auto parsed = std::from_chars(number.data(), number.data() + number.size(), descriptor);
-  if (isOfThisProcess(folder) && parsed.ec == std::errc()) place.descriptor = descriptor;
+  if (isOfThisProcess(folder) && parsed.ec == std::errc()) target.descriptor = descriptor;
 }
 
-// What cannot be followed is told when the target is opened.
-Place follow(const std::string& path) {
-  Place place{path, std::nullopt};
+// When a link cannot be followed, opening the target reports the fault.
+Followed follow(const std::string& path) {
+  Followed target{path, std::nullopt};
   for (int i = 0; i < MOST_LINKS; ++i) {
-    recognizeOpenFile(place);
+    recognizeOpenFile(target);
     std::error_code noLink;
-    const fs::path next = fs::read_symlink(place.path, noLink);
-    if (place.isOpenFile || noLink) break;
-    place.path = place.path.parent_path() / next;
+    const fs::path next = fs::read_symlink(target.path, noLink);
+    if (target.isOpenFile || noLink) break;
+    target.path = target.path.parent_path() / next;
   }
-  return place;
+  return target;
 }
 
 const char* kindOf(mode_t mode) {
@@ -89,18 +89,18 @@ Destination::Destination(const std::string& source, const Target& target)
     descriptor_ = STDOUT_FILENO;
     return;
   }
-  const Place place = follow(name_);
-  if (place.isOpenFile && target.inPlace) refuseInPlace(name_, "an open file");
-  descriptor_ = place.descriptor;
-  isOpenFile_ = place.isOpenFile;
-  // Now, since a file that is opened later may get the number.
+  const Followed followed = follow(name_);
+  if (followed.isOpenFile && target.inPlace) refuseInPlace(name_, "an open file");
+  descriptor_ = followed.descriptor;
+  isOpenFile_ = followed.isOpenFile;
+  // Checked now, since a file that is opened later may get the same number.
   if (descriptor_ && ::fcntl(*descriptor_, F_GETFL) < 0) throwFileError(name_, errno);
-  if (place.isOpenFile) return;
+  if (followed.isOpenFile) return;
   struct stat status {};
-  const bool exists = ::stat(place.path.c_str(), &status) == 0;
+  const bool exists = ::stat(followed.path.c_str(), &status) == 0;
   if (!exists && errno != ENOENT) throwFileError(name_, errno);
   if (!exists || S_ISREG(status.st_mode)) {
-    replacement_.emplace(name_, place.path);
+    replacement_.emplace(name_, followed.path);
   } else if (S_ISDIR(status.st_mode)) {
     throwFileError(name_, EISDIR);
   } else if (target.inPlace) {
@@ -133,7 +133,7 @@ void Destination::writeContent(const std::string& content) {
   Descriptor opened(::open(name_.c_str(), O_WRONLY | ofFile | O_CLOEXEC));
   struct stat status {};
   if (!opened.isOpen() || ::fstat(opened.get(), &status) != 0) throwFileError(name_, errno);
-  // A file that came in the place of a FIFO would have to be replaced.
+  // If a file has replaced the FIFO since, it would have to be replaced, not written to.
   if (S_ISREG(status.st_mode) && !isOpenFile_) throwChangedError(name_);
   if (!writeAll(opened.get(), name_, content) || !opened.close()) throwFileError(name_, errno);
 }

@@ -7,28 +7,30 @@
 
 namespace tarn {
 
-/// What a command line says of where the result goes.
+/// The options that say where the result goes.
 struct Target {
   std::string output = "-";  ///< "-" is standard output.
   bool inPlace = false;      ///< The result replaces the document that was loaded.
 };
 
-/// Where the result of a command goes: standard output, something that is open or no regular file
-/// and is written to as it is, or a file that is replaced. Made before the documents are read.
+/// Where the result of a command goes: standard output; a file that is replaced; or an output that
+/// is already open or is not a regular file, which is written to directly. Made before the
+/// documents are read.
 class Destination {
  public:
-  /// `source` is the file that `target` may say to replace. Throws CommandError when the result
-  /// could not go there.
+  /// `source` is the file that is replaced if `target` says "in place". Throws CommandError when
+  /// the result cannot be written there.
   Destination(const std::string& source, const Target& target);
 
-  /// Whether the result goes to standard output, under whichever name.
+  /// True if the result goes to standard output, under any of its names.
   bool isStandardOutput() const;
 
-  /// Writes the text, compressed when the name ends in ".gz". A file that is replaced is as it was
-  /// until commit(). Throws CommandError, and OutputClosed for standard output.
+  /// Writes the text, compressed when the name ends in ".gz". A file that is replaced stays
+  /// unchanged until commit(). Throws CommandError, and OutputClosed for standard output.
   void write(const std::string& text);
 
-  /// Puts a file that is replaced in place, see FileReplacement. What may fail comes before.
+  /// Replaces the file, if the result replaces one: see FileReplacement::commit(). The last step of
+  /// a command.
   void commit();
 
  private:

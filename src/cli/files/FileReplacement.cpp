@@ -1,10 +1,11 @@
-// Several commands at once must not lose a change. Each locks the file before it reads it and lets
-// go when it has replaced it. The lock lies on the file itself, so that nothing is left in the
-// folder; since the file is another one afterwards, who got the lock looks whether the path still
-// leads to it, and otherwise begins again with the new file.
+// Commands that run at the same time must not lose a change. Each locks the file before it reads
+// it, and unlocks it after the replacement. The lock is on the file itself, so nothing is left in
+// the folder. A replacement puts another file at the path. So a command that has got the lock
+// checks whether the path still leads to the locked file, and otherwise starts again with the new
+// file.
 //
-// The lock is one of records, by open file: flock(1) around the command takes another kind, and
-// would wait for the command for ever if this was the same.
+// The lock is an open file description lock. flock(1) takes another kind. If both were the same, a
+// command inside flock(1) would wait for itself for ever.
 
 #include "files/FileReplacement.hpp"
 
@@ -31,7 +32,7 @@ constexpr long LOCK_STEP = 10'000'000;  // nanoseconds
 constexpr int MOST_LOCK_STEPS = 6000;   // a minute
 constexpr int LOCK_STEPS_WITHOUT_NOTE = 100;
 
-// False when somebody else has the lock. A file system without locks gives everyone leave.
+// Returns false when somebody else has the lock. On a file system without locks it always succeeds.
 bool lock(int file) {
   struct flock wholeFile {};
   wholeFile.l_type = F_WRLCK;
@@ -57,7 +58,7 @@ bool isSameState(const struct stat& a, const struct stat& b) {
          isSameTime(a.st_ctim, b.st_ctim);
 }
 
-// One that cannot be listed can be used by path only, and not be flushed.
+// A folder without read permission can be opened as a path only, and not be flushed.
 Descriptor openFolder(const std::string& name) {
   Descriptor folder(::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (folder.isOpen() || errno != EACCES) return folder;
@@ -83,14 +84,14 @@ void FileReplacement::lockTarget() {
       if (::fstat(file_.get(), &status_) != 0) throwFileError(name_, errno);
       if (isTarget(status_)) return requireFile();
     } else {
-      if (step == LOCK_STEPS_WITHOUT_NOTE) tellNote(name_, "waiting for another program");
+      if (step == LOCK_STEPS_WITHOUT_NOTE) reportNote(name_, "waiting for another program");
       waitForLockStep();
     }
   }
   throw CommandError(Status::FileError, name_, "another program is changing it");
 }
 
-// False when there is none. A file that its owner made read-only is not to be replaced either.
+// Returns false when the file does not exist. Refuses a file that is read-only for this user.
 bool FileReplacement::openTarget() {
   constexpr int FLAGS = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
   file_ = Descriptor(::openat(folder_.get(), baseName_.c_str(), O_RDWR | FLAGS));
@@ -101,7 +102,7 @@ bool FileReplacement::openTarget() {
   return file_.isOpen();
 }
 
-// What is no regular file may have come in its place.
+// The file may have been replaced by one that is not regular.
 void FileReplacement::requireFile() const {
   if (!S_ISREG(status_.st_mode)) throwChangedError(name_);
 }
@@ -112,13 +113,14 @@ bool FileReplacement::isTarget(const struct stat& status) const {
          isSameFile(current, status);
 }
 
-// By the name, too, which may lead elsewhere by now.
+// Also follows the name that the user gave, which may lead to another file by now.
 bool FileReplacement::isUnchanged() const {
   std::error_code isNone;
   const std::string path = std::filesystem::weakly_canonical(target_, isNone).string();
   if (isNone == std::errc::not_enough_memory) throw std::bad_alloc();
   if (isNone) return false;
-  // One that came meanwhile is replaced, unless the result is made of it: there is no lock on it.
+  // A file that was created meanwhile is not locked. It is replaced unless the result was made of
+  // it.
   if (!file_.isOpen()) return !InputFile::hasReadFileAt(path);
   if (InputFile::hasReadFormerFileAt(path)) return false;
   struct stat named {};
@@ -127,7 +129,7 @@ bool FileReplacement::isUnchanged() const {
 
 void FileReplacement::write(const std::string& content) {
   if (file_.isOpen() && status_.st_nlink > 1) {
-    tellNote(name_, "other names of the file keep what it held");
+    reportNote(name_, "other names of the file keep what it held");
   }
   temporary_.emplace(folder_.get(), baseName_);
   Descriptor& temporary = temporary_->file();
@@ -145,7 +147,7 @@ void FileReplacement::write(const std::string& content) {
 void FileReplacement::commit() {
   if (!isUnchanged()) throwChangedError(name_);
   if (!temporary_->moveTo(baseName_)) throwFileError(name_, errno);
-  // So that the new name itself is on the disk. The data is, whatever this comes to.
+  // Writes the new name to the disk. The data is already there, so a failure does not matter.
   ::fsync(folder_.get());
 }
 

@@ -11,28 +11,28 @@
 
 namespace tarn {
 
-/// A file that is to be replaced as a whole, or made. Made before anything that the result is made
-/// of is read: from then on
+/// Replaces a file as a whole, or creates it. Construct it before the command reads any input: from
+/// then on
 ///
-/// - other commands that are to replace the file wait, by a lock on it that goes with the process.
-///   Programs that do not ask for the lock are not held up;
-/// - a change of the file is noticed: it is replaced only if it still is what it was.
+/// - the file is locked until the process ends, so other commands that replace the file wait.
+///   Programs that do not ask for the lock do not wait;
+/// - a change of the file is noticed: it is replaced only if it is unchanged.
 ///
-/// A file that is there keeps its access rights, as far as the user may give them. All functions
-/// throw CommandError, with the file as it was and no temporary file left; neither does a signal
-/// leave one that can be handled.
+/// An existing file keeps its access rights, as far as the user may give them. When a function
+/// throws CommandError, the file is unchanged and no temporary file is left. A signal that can be
+/// handled leaves none either.
 class FileReplacement {
  public:
-  /// `name` is what the user calls the file, `target` its path without links. Throws when the file
-  /// may not be written, and when another command has held its lock for a minute.
+  /// `name` is the name that the user gave, `target` the path without links. Throws when the user
+  /// may not write the file, and when another command has held its lock for a minute.
   FileReplacement(std::string name, std::filesystem::path target);
 
   /// Writes the content to a temporary file in the same folder, with the rights of the file, and
   /// flushes it to the disk.
   void write(const std::string& content);
 
-  /// Puts what was written in place. This is the last that can fail: behind it no memory is taken
-  /// and nothing is thrown.
+  /// Replaces the file with the temporary one. This is the last step that can fail: after the
+  /// replacement it allocates no memory and throws nothing.
   void commit();
 
  private:

@@ -1,5 +1,5 @@
-// Two readers behind one interface: zlib, which also reads what is not compressed, and a plain one
-// for builds without it.
+// Two readers behind one interface: one on zlib, which also reads files that are not compressed,
+// and one for builds without zlib.
 
 #include "files/InputFile.hpp"
 
@@ -38,13 +38,13 @@ std::mutex pathsMutex;
 std::set<std::string> readPaths;
 std::set<std::string> formerPaths;  // those of them that were no longer there
 
-// The kernel marks the path of an open file that is no longer there.
+// The kernel appends this mark to the path of an open file that has been removed.
 bool isMarked(const std::string& path) {
   return path.size() > FORMER_MARK.size() &&
          path.compare(path.size() - FORMER_MARK.size(), FORMER_MARK.size(), FORMER_MARK) == 0;
 }
 
-// A name may end in the mark, too.
+// The name of a file may end in the mark, too.
 bool isAt(const std::string& path, const struct stat& status) {
   struct stat there {};
   return ::stat(path.c_str(), &there) == 0 && there.st_dev == status.st_dev &&
@@ -75,7 +75,7 @@ void rememberPath(int descriptor, const struct stat& status) {
 
 #else
 
-// What a gzip file begins with.
+// The first bytes of a gzip file.
 constexpr const char* MAGIC = "\x1f\x8b";
 
 #endif
@@ -101,7 +101,7 @@ std::size_t InputFile::read(char* block, std::size_t size) {
       gzread(reader_->file, block, static_cast<unsigned>(std::min<std::size_t>(size, INT_MAX)));
   if (count < 0) throwReadError(path_, reader_->file);
   if (count > 0) return static_cast<std::size_t>(count);
-  // A stream that is cut off shows only here.
+  // Only this call reports a truncated stream.
   int code = Z_OK;
   gzerror(reader_->file, &code);
   if (code != Z_OK) throwReadError(path_, reader_->file);
@@ -156,7 +156,7 @@ InputFile::InputFile(const std::string& path) : path_(path) {
   if (::fstat(descriptor, &status) != 0) throwFileError(path_, errno);
   if (S_ISDIR(status.st_mode)) throwFileError(path_, EISDIR);
   if (S_ISREG(status.st_mode)) rememberPath(descriptor, status);
-  // Standard input may stand anywhere in its file.
+  // The file offset of standard input may be anywhere.
   isSeekable_ = S_ISREG(status.st_mode) && path != STANDARD_INPUT;
   if (isSeekable_) size_ = static_cast<std::uint64_t>(status.st_size);
 }

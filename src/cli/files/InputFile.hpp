@@ -7,28 +7,28 @@
 
 namespace tarn {
 
-/// A file, or standard input for "-", to read from its start, unpacked when it is compressed with
-/// gzip. All throw CommandError when it cannot be read.
+/// Reads a file, or standard input for "-", from its start, and decompresses it when it is a gzip
+/// file. All functions throw CommandError when it cannot be read.
 class InputFile {
  public:
   explicit InputFile(const std::string& path);
 
-  /// Whether one was read that was at `path`, a path without links, when it was opened.
+  /// True if this process has opened the file at `path`, a path without links, to read it.
   static bool hasReadFileAt(const std::string& path);
-  /// Whether it was not there any more when it was opened here: standard input is opened before the
-  /// command begins.
+  /// True if that file had already been removed or renamed when this process opened it: the shell
+  /// opens standard input before the command begins.
   static bool hasReadFormerFileAt(const std::string& path);
 
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
   ~InputFile();
 
-  /// Up to `size` bytes, 0 at the end only.
+  /// Reads up to `size` bytes. Returns 0 only at the end.
   std::size_t read(char* block, std::size_t size);
-  /// Back to the start, which a pipe has not.
+  /// Goes back to the start, which is impossible for a pipe.
   void rewind();
   bool isSeekable() const { return isSeekable_; }
-  /// Bytes in the file as it lies, compressed or not; 0 for a pipe.
+  /// Size of the file in bytes as it is on the disk, compressed or not; 0 for a pipe.
   std::uint64_t size() const { return size_; }
 
  private:

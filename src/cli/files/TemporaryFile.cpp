@@ -32,8 +32,8 @@ extern "C" void removeFileInTheMaking(int signalNumber) {
   ::raise(signalNumber);
 }
 
-// Signals as the kernel counts them, and not the C library, which keeps two for itself: it lets
-// nobody block or handle those, but sent from outside they end the program all the same.
+// Signals with the kernel's numbers. The C library reserves two signals and lets nobody block or
+// handle them, but when another process sends one it still ends the program.
 using SignalSet = std::array<unsigned long, (_NSIG - 1) / (sizeof(unsigned long) * CHAR_BIT)>;
 
 SignalSet librarySignals() {
@@ -58,7 +58,7 @@ SignalSet changeBlocked(int how, const SignalSet& signals) {
   return earlier;
 }
 
-/// Holds back all signals.
+/// Blocks all signals.
 class SignalBlock {
  public:
   SignalBlock() : earlier_(changeBlocked(SIG_BLOCK, allSignals())) {}
@@ -70,7 +70,7 @@ class SignalBlock {
   SignalSet earlier_;
 };
 
-// Whether the signal, when nobody handles it, ends the program, and may be handled.
+// True if the signal ends the program by default, and may be handled.
 bool endsProgram(int signalNumber) {
   constexpr std::array<int, 9> OTHERS = {SIGKILL,  SIGSTOP, SIGCHLD, SIGCONT, SIGURG,
                                          SIGWINCH, SIGTSTP, SIGTTIN, SIGTTOU};
@@ -79,7 +79,7 @@ bool endsProgram(int signalNumber) {
   return ::sigaction(signalNumber, nullptr, &action) == 0 && action.sa_handler == SIG_DFL;
 }
 
-// The start of `name`, as much as leaves room for the suffix within what the file system allows.
+// A prefix of `name` short enough for the file system to allow the suffix after it.
 std::string stemOf(int folder, const std::string& name) {
   const long limit = ::fpathconf(folder, _PC_NAME_MAX);
   const std::size_t longest =
@@ -90,7 +90,8 @@ std::string stemOf(int folder, const std::string& name) {
 std::string randomSuffix() {
   constexpr std::array<char, 33> LETTERS = {"abcdefghijklmnopqrstuvwxyz234567"};
   std::array<unsigned char, SUFFIX_SIZE - 1> bytes{};
-  // Few bytes always come whole. Without any, names that are taken end the search.
+  // getrandom() never splits so few bytes. If it fails, the search ends at the first name that is
+  // taken.
   if (::getrandom(bytes.data(), bytes.size(), 0) < 0)
     bytes.fill(static_cast<unsigned char>(::getpid()));
   std::string suffix = ".";
@@ -103,7 +104,7 @@ std::string randomSuffix() {
 TemporaryFile::TemporaryFile(int folder, const std::string& name) : folder_(folder) {
   sigemptyset(&handled_);
   changeBlocked(SIG_BLOCK, librarySignals());
-  // No signal comes between the file and the handler that knows of it.
+  // No signal may arrive after the file is created and before the handler knows of it.
   const SignalBlock block;
   create(name);
   if (file_.isOpen()) handleSignals();

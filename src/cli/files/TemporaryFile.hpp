@@ -7,22 +7,23 @@
 
 namespace tarn {
 
-/// A new file, for its owner only, that is to take the place of another one in its folder. It is
-/// removed at the end of its life unless it was put in place, and also by every signal that ends
-/// the program and can be handled. Signals that are ignored or handled already stay so. There is
-/// one at a time.
+/// A new file that only its owner may open, and that will replace another one in its folder.
+///
+/// The destructor removes it unless moveTo() succeeded; so does every signal that ends the program
+/// and can be handled. Signals that are ignored or handled already stay so. At most one object of
+/// this class exists at a time.
 class TemporaryFile {
  public:
-  /// In the open folder `folder`, which outlives it, named after `name`. When none can be made
-  /// file() is not open, and errno says why.
+  /// Creates the file in the open folder `folder`, which outlives it, with a name made from `name`.
+  /// When that fails, file() is not open and errno says why.
   TemporaryFile(int folder, const std::string& name);
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile();
 
   Descriptor& file() { return file_; }
-  /// Renames it within its folder, over what is there. Returns false, with errno, when it cannot
-  /// be. Takes no memory.
+  /// Renames the file within its folder and replaces the file of that name. Returns false, with
+  /// errno, on failure. Allocates no memory.
   bool moveTo(const std::string& name);
 
  private:

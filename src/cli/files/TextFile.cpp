@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t LARGE_PAGE = std::size_t{1} << 21U;
 
-// Spares a large text most of the faults of fresh memory. A hint: what comes of it does not matter.
+// Avoids most page faults of a large text. Only a hint, so its result does not matter.
 void preferLargePages(std::vector<char>& text) {
   const auto begin = reinterpret_cast<std::uintptr_t>(text.data());
   const std::uintptr_t aligned = (begin + LARGE_PAGE - 1) / LARGE_PAGE * LARGE_PAGE;
@@ -34,7 +34,8 @@ std::size_t offsetIn(const std::vector<char>& block, const void* position) {
 
 }  // namespace
 
-// By way of a block that stays in the cache: the large memory is touched once and never cleared.
+// Reads through a block that stays in the cache: the large memory is written once, and never zeroed
+// before.
 std::vector<char> TextFile::read() {
   if (!copy_.empty()) return copy_;
   if (std::exchange(isRead_, true)) file_.rewind();
@@ -44,9 +45,9 @@ std::vector<char> TextFile::read() {
   preferLargePages(text);
   Progress progress("Reading", path_, file_.size());
   while (const std::size_t count = file_.read(block.data(), block.size())) {
-    const void* const zero = std::memchr(block.data(), '\0', count);
+    const void* const nul = std::memchr(block.data(), '\0', count);
     text.insert(text.end(), block.data(), block.data() + count);
-    if (zero) refuseZeroByte(text, count - offsetIn(block, zero));
+    if (nul) refuseNul(text, count - offsetIn(block, nul));
     progress.advance(count);
   }
   text.push_back('\0');
@@ -54,14 +55,14 @@ std::vector<char> TextFile::read() {
   return text;
 }
 
-// The library takes a zero for the end of the text; in a file it is a fault, not an early end.
-void TextFile::refuseZeroByte(const std::vector<char>& text, std::size_t distanceFromEnd) const {
+// For the library a NUL ends the text. In a file it is a fault, not an early end.
+void TextFile::refuseNul(const std::vector<char>& text, std::size_t distanceFromEnd) const {
   throw CommandError(Status::Malformed, path_,
                      libtarn::util::locate(text.data(), text.size() - distanceFromEnd),
-                     "unexpected zero byte");
+                     "unexpected NUL byte");
 }
 
-// A file is counted block by block, so that a fault in a large one takes no memory for it.
+// Counts block by block, so that a fault in a large file needs no memory for the whole text.
 TextPosition TextFile::locate(std::size_t offset) {
   if (!file_.isSeekable()) return libtarn::util::locate(copy_.data(), offset);
   file_.rewind();

@@ -8,8 +8,8 @@
 
 namespace tarn {
 
-/// A file whose text a document takes over and changes; of the text as it was, places can be told
-/// afterwards. Keeps a copy only when the file cannot be read twice, as a pipe. All throw
+/// A file whose text a document takes over and changes. Finds line and column in the unchanged text
+/// afterwards. Keeps a copy only of what cannot be read twice, such as a pipe. All functions throw
 /// CommandError when the file cannot be read.
 class TextFile {
  public:
@@ -17,15 +17,14 @@ class TextFile {
 
   const std::string& path() const { return path_; }
 
-  /// The whole text with a zero byte behind it, again and again. A zero byte within it is
-  /// malformed.
+  /// Reads the whole text and appends a terminating NUL. May be called again. A NUL within the text
+  /// is malformed.
   std::vector<char> read();
-  /// Line and column of the byte at `offset`, which a text that read() gave had.
+  /// Line and column of the byte at `offset` in a text that read() returned.
   libtarn::util::TextPosition locate(std::size_t offset);
 
  private:
-  [[noreturn]] void refuseZeroByte(const std::vector<char>& text,
-                                   std::size_t distanceFromEnd) const;
+  [[noreturn]] void refuseNul(const std::vector<char>& text, std::size_t distanceFromEnd) const;
 
   std::string path_;
   InputFile file_;

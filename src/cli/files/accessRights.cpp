@@ -24,8 +24,8 @@ constexpr mode_t RIGHTS = 07;
 constexpr mode_t ALL_RIGHTS = 0777;
 constexpr mode_t SPECIAL_BITS = 07000;
 
-/// An access control list as the kernel hands it out: a version, then entries of a tag, rights and
-/// an ID, all with their lowest byte first.
+/// An access control list in the kernel's form: a version, then entries of a tag, rights and an ID,
+/// all little-endian.
 class AccessList {
  public:
   enum Tag : std::uint16_t { Owner = 0x01, Group = 0x04, Mask = 0x10, Others = 0x20 };
@@ -66,12 +66,12 @@ class AccessList {
 
 bool hasNone(int error) { return error == ENODATA || error == ENOTSUP; }
 
-// What a user may not do, or a file system cannot.
+// True if the user lacks the permission or the file system the feature.
 bool isRefusal(int error) {
   return hasNone(error) || error == EPERM || error == EACCES || error == EINVAL || error == ENOSYS;
 }
 
-// Nothing, with errno, when it cannot be read.
+// Returns nothing, with errno, when the attribute cannot be read.
 std::optional<std::string> readAttribute(int file, const char* name) {
   std::string value(XATTR_SIZE_MAX, '\0');
   const ssize_t size = ::fgetxattr(file, name, value.data(), value.size());
@@ -84,7 +84,7 @@ bool writeAttribute(int file, const char* name, const std::string& value) {
   return ::fsetxattr(file, name, value.data(), value.size(), 0) == 0;
 }
 
-// Capabilities and signatures are those of the content.
+// Capabilities and signatures are for the old content.
 bool isOfContent(std::string_view name) {
   return name == "security.capability" || name == "security.ima" || name == "security.evm";
 }
@@ -92,7 +92,7 @@ bool isOfContent(std::string_view name) {
 // The system's attributes are access control lists.
 bool isSystems(std::string_view name) { return name.substr(0, 7) == "system."; }
 
-// Returns whether all lists of other kinds have been taken over.
+// Returns true if all lists of other kinds have been copied.
 bool takeOverAttributes(const std::string& path, int from, int to, bool isOwnerAndGroupKept) {
   bool isEveryListKept = true;
   std::string names(XATTR_LIST_MAX, '\0');
@@ -102,7 +102,7 @@ bool takeOverAttributes(const std::string& path, int from, int to, bool isOwnerA
   for (std::size_t i = 0; i < names.size(); i = names.find('\0', i) + 1) {
     const char* const name = names.data() + i;
     if (isOfContent(name) || std::strcmp(name, ACCESS_LIST) == 0) continue;
-    // Lists have rights for owner and group, too.
+    // Access control lists hold rights of owner and group, too.
     const bool isOwners = isSystems(name) && !isOwnerAndGroupKept;
     const std::optional<std::string> value = readAttribute(from, name);
     const bool isDone = !isOwners && value && writeAttribute(to, name, *value);
@@ -112,7 +112,7 @@ bool takeOverAttributes(const std::string& path, int from, int to, bool isOwnerA
   return isEveryListKept;
 }
 
-// Owner and group one by one, since a user may give a file to another group of his.
+// Sets owner and group separately: a user may give a file to another one of their groups.
 void takeOverOwner(const std::string& path, const struct stat& wanted, int to) {
   constexpr auto SAME_USER = static_cast<uid_t>(-1);
   constexpr auto SAME_GROUP = static_cast<gid_t>(-1);
@@ -139,7 +139,7 @@ void dropGroup(AccessList& list) {
   list.setRights(AccessList::Others, list.rights(AccessList::Others).value_or(0) & group);
 }
 
-// The mode that comes of the list; nothing when the list cannot be set.
+// Returns the mode that follows from the list, or nothing when the list cannot be set.
 std::optional<mode_t> modeByList(const std::string& path, int to, AccessList list,
                                  bool isGroupKept) {
   if (!list.isKnown()) return std::nullopt;
@@ -151,7 +151,7 @@ std::optional<mode_t> modeByList(const std::string& path, int to, AccessList lis
   return statusOf(path, to).st_mode & ALL_RIGHTS;
 }
 
-// The folder may have given the file a list, of which a mode would let more come into effect.
+// The folder may have given the file an access control list, of which a mode would enable more.
 void removeList(const std::string& path, int to) {
   if (::fremovexattr(to, ACCESS_LIST) != 0 && !hasNone(errno)) throwFileError(path, errno);
 }
@@ -186,9 +186,9 @@ void takeOverAccess(const std::string& path, int from, const struct stat& status
     removeList(path, to);
     if (!isGroupKept) mode = withoutGroup(mode);
   }
-  // The bits of the group were the mask of the list, and a list may deny what the mode allows.
+  // The group bits of the mode were the mask of the list, and a list may deny what the mode allows.
   if ((list && !listMode) || !isEveryListKept) mode &= S_IRWXU;
-  // Last, since a change of the owner takes the special bits off.
+  // Last, since a change of the owner clears the special bits.
   setMode(path, to, isOwnerAndGroupKept ? mode | (status.st_mode & SPECIAL_BITS) : mode);
 }
 

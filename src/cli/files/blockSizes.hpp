@@ -4,10 +4,10 @@
 
 namespace tarn {
 
-/// Bytes of a file that are read at a time, by way of memory that stays in the cache.
+/// Bytes that are read from a file at a time, into memory that stays in the cache.
 constexpr std::size_t READ_BLOCK = std::size_t{1} << 18U;
 
-/// Bytes that are packed or unpacked at a time.
+/// Bytes that are compressed or decompressed at a time.
 constexpr std::size_t GZIP_BLOCK = std::size_t{1} << 17U;
 
 }  // namespace tarn

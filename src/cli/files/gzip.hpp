@@ -4,11 +4,11 @@
 
 namespace tarn {
 
-/// Whether a file of that name is to be compressed.
+/// True if a file of that name is compressed.
 bool isGzipName(const std::string& path);
 
-/// `text` as the content of a gzip file. Throws CommandError, which names `path`, in a build
-/// without zlib.
+/// Returns the content of a gzip file that holds `text`. Throws CommandError, with `path` as its
+/// subject, in a build without zlib.
 std::string gzip(const std::string& path, const std::string& text);
 
 }  // namespace tarn

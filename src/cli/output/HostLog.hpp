@@ -4,26 +4,27 @@
 
 namespace tarn {
 
-/// Where the library's log lines go in this command: to standard error, from a level on.
+/// The log callback of the command: writes lines from a level on to standard error.
 ///
-/// An ERROR line is held back until the command has told the error in its own words, which it gets
-/// from takeError(), or until the next line; a log that was asked for has every line. Each thread
-/// holds its own.
+/// An ERROR line is held back until the next line comes, or until takeError() returns its message:
+/// the command then reports the error in its own words. When the user asks for a log, every line is
+/// written. Each thread holds back its own line.
 class HostLog {
  public:
-  /// From which level on lines are written. At Error, only those that the command does not tell.
+  /// The lowest level that is written. At Error, only lines that the command does not report
+  /// itself.
   enum class Level { Debug, Info, Error, None };
 
   /// Set before the first document is made.
   static void setLevel(Level level);
-  /// Whether lines are written that tell no error.
+  /// True if lines below the level ERROR are written.
   static bool isAskedFor();
-  /// The message of the last ERROR line, whatever lines came after it; "" when there was none since
-  /// the last call. Throws std::bad_alloc when there was no memory to hold it.
+  /// Returns the message of the last ERROR line, also when other lines followed it; "" when there
+  /// was none since the last call. Throws std::bad_alloc when there was no memory to keep it.
   static std::string takeError();
-  /// Writes a line that is still held back.
+  /// Writes the line that is held back.
   static void flush();
-  /// Forgets a line that is still held back, and the message.
+  /// Drops the line that is held back, and its message.
   static void drop();
 };
 

@@ -4,11 +4,11 @@
 
 namespace tarn {
 
-/// Takes lines and writes them to standard output in blocks. What is left when it ends is not
-/// written: flush() may throw.
+/// Collects lines and writes them to standard output in blocks. The destructor writes nothing,
+/// since flush() may throw.
 class LineWriter {
  public:
-  /// Where the line that is being made is appended.
+  /// The text to which the caller appends the current line.
   std::string& lines() { return lines_; }
   void endLine();
   void flush();

@@ -13,7 +13,7 @@ namespace tarn {
 
 namespace {
 
-// What is written before the progress is looked at again.
+// Bytes that are written between two updates of the progress.
 constexpr std::size_t STEP_SIZE = std::size_t{1} << 22U;
 
 }  // namespace

@@ -4,7 +4,8 @@
 
 namespace tarn {
 
-/// Thrown when the program that reads standard output has closed it: nothing more to do or to tell.
+/// Thrown when the program that reads standard output has closed it. The command ends without a
+/// report.
 struct OutputClosed {};
 
 /// Writes `text` to standard output. Throws CommandError when not all of it can be written, and

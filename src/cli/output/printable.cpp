@@ -26,7 +26,7 @@ constexpr std::array<Range, 8> NOT_PRINTABLE = {{
     {0x110000, UINT32_MAX},
 }};
 
-/// What stands at the start of a text.
+/// The first character of a text.
 struct Character {
   std::size_t size;  // bytes
   std::uint32_t code;
@@ -39,7 +39,7 @@ std::uint32_t byteAt(std::string_view text, std::size_t index) {
   return static_cast<unsigned char>(text[index]);
 }
 
-// Bytes of the sequence that begins with `byte`; 0 when none does.
+// Size of the UTF-8 sequence that begins with `byte`; 0 when none does.
 std::size_t sequenceSize(std::uint32_t byte) {
   if (byte < 0x80U) return 1;
   if (byte < 0xC2U) return 0;
@@ -70,7 +70,7 @@ Character firstOf(std::string_view text) {
   return {size, code, isPrintableCode(code)};
 }
 
-// Where the first character that is not printable begins; the size of `text` when there is none.
+// Offset of the first character that is not printable, or the size of `text`.
 std::size_t printableSize(std::string_view text) {
   std::size_t position = 0;
   while (position < text.size()) {
@@ -102,11 +102,11 @@ std::string escaped(std::string_view text, Append append) {
 
 }  // namespace
 
-// Without an end at the first character that is not, which would take longer: nearly all texts are.
+// Does not stop at the first other character: nearly all texts have none, and the loop is faster.
 bool isPrintableAscii(std::string_view text) {
-  bool isPlain = true;
-  for (const char c : text) isPlain &= c >= ' ' && c <= '~';
-  return isPlain;
+  bool isAscii = true;
+  for (const char c : text) isAscii &= c >= ' ' && c <= '~';
+  return isAscii;
 }
 
 bool isPrintable(std::string_view text) {

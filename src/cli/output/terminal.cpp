@@ -61,7 +61,7 @@ std::string styled(Style style, const std::string& text) {
   return styledFor(STDOUT_FILENO, style, text);
 }
 
-// The locale's character set is UTF-8, which main() sees to. What is no character counts as one.
+// The locale's character set is UTF-8, set by main(). An invalid byte counts as one character.
 std::size_t displayWidth(std::string_view text) {
   const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80U; };
   if (std::all_of(text.begin(), text.end(), isAscii)) return text.size();
@@ -79,7 +79,7 @@ std::size_t displayWidth(std::string_view text) {
   return width;
 }
 
-void tellError(std::string_view line) {
+void reportError(std::string_view line) {
   try {
     const std::string word = "error:";
     std::string text(line);
@@ -94,11 +94,11 @@ void tellError(std::string_view line) {
   }
 }
 
-void tellNoMemory(const char* subject) {
+void reportNoMemory(const char* subject) {
   std::fprintf(stderr, "%s: error: not enough memory\n", subject);
 }
 
-void tellNote(const std::string& subject, const std::string& message) {
+void reportNote(const std::string& subject, const std::string& message) {
   std::fprintf(stderr, "%s: note: %s\n", printable(subject).c_str(), message.c_str());
 }
 

@@ -7,7 +7,7 @@
 
 namespace tarn {
 
-/// Whether output is coloured: Auto for a terminal, unless the user's NO_COLOR is set.
+/// When output is coloured. Auto: on a terminal, unless the variable NO_COLOR is set.
 enum class ColorChoice { Auto, Always, Never };
 
 enum class Style { Bold, Good, Bad, Faint };
@@ -15,23 +15,23 @@ enum class Style { Bold, Good, Bad, Faint };
 /// Set before the first output.
 void setColorChoice(ColorChoice choice);
 
-/// `text` in that style for standard output, or as it is.
+/// Returns `text` in that style for standard output, or unchanged without colours.
 std::string styled(Style style, const std::string& text);
 
-/// Columns that `text`, in UTF-8, takes on a terminal.
+/// Returns the columns that `text`, in UTF-8, takes on a terminal.
 std::size_t displayWidth(std::string_view text);
 
-/// Writes an error's line to standard error, the word "error:" coloured where there is memory for
-/// it.
-void tellError(std::string_view line);
-/// Writes "SUBJECT: error: not enough memory", without any itself.
-void tellNoMemory(const char* subject);
+/// Writes the line of an error to standard error, with the word "error:" in colour if there is
+/// memory for that.
+void reportError(std::string_view line);
+/// Writes "SUBJECT: error: not enough memory". Allocates no memory.
+void reportNoMemory(const char* subject);
 
-/// Writes a line that is no error to standard error: "SUBJECT: note: MESSAGE".
-void tellNote(const std::string& subject, const std::string& message);
+/// Writes a note to standard error: "SUBJECT: note: MESSAGE".
+void reportNote(const std::string& subject, const std::string& message);
 
-/// Tells how far a long reading or writing is, on standard error when that is a terminal: from the
-/// second second on, and gone at the end. One at a time; further ones stay silent.
+/// Shows the progress of a read or write on standard error if that is a terminal, after the first
+/// second, and clears it at the end. Only one is shown at a time; others show nothing.
 class Progress {
  public:
   /// `total` bytes; 0 when it is not known.

@@ -22,14 +22,16 @@ namespace editor {
 
 /// Applies delta documents to a source document, which is changed in place.
 ///
-/// The operation of each managed object of a delta says what becomes of the source's object of that
-/// name: "create", "update", "delete", or "auto" for whichever of create and update fits. What the
-/// source takes over is copied into its pool: a delta may be destroyed after its merge. Lives no
-/// longer than the source, and keeps to the cmData that the source had when the merge was made. Has
-/// source and delta to itself while it runs, on one thread.
+/// The operation of each managed object of a delta says what happens to the source's object of that
+/// name: "create", "update", "delete", or "auto", which is create or update, whichever fits.
+/// Everything that the source gets is copied into its pool: a delta may be destroyed after its
+/// merge.
 ///
-/// A host calls mergeDocument(), or mergeManagedObject() for single objects. The steps that follow
-/// them are what these two are made of; they need a source with a cmData (asserted).
+/// Must not outlive the source, and uses the cmData that the source had when the merge was
+/// constructed. While an operation runs, no other thread may use source or delta.
+///
+/// A host calls mergeDocument(), or mergeManagedObject() for single objects. The operations after
+/// these two are their steps; they need a source with a cmData (asserted).
 class TARN_API TarnMerge {
  public:
   /// A step for one object of a delta: the source's object of that name, or null; the delta's
@@ -41,57 +43,65 @@ class TARN_API TarnMerge {
   /// Applies deltas to `source`, which stays the caller's.
   explicit TarnMerge(model::LibTarnDocument& source);
 
-  /// Applies every object of `delta` and appends its log entries to the source's header, when both
-  /// have one. Returns true when done. Returns false, with nothing changed and the reason in the
-  /// log at level ERROR, when either document has no cmData, when `delta` is the source itself, or
-  /// when an object conflicts: update or delete of a missing one, create of one that is there.
-  /// Objects of the delta with "auto" carry "create" or "update" afterwards. Throws ModelException
-  /// for an object whose copy breaks a rule of the model, and std::bad_alloc; source and delta are
-  /// then as they were. Copies have the tags of their classes, also of elements whose tags are only
-  /// the beginnings of those. Costs what the delta costs.
+  /// Applies every object of `delta`, and appends its log entries to the source's header when both
+  /// have one. Costs what the delta costs.
+  ///
+  /// Returns true when done. Returns false, with nothing changed and the reason in the log at level
+  /// ERROR, when either document has no cmData, when `delta` is the source itself, or when an
+  /// object conflicts: update or delete of a missing object, or create of an existing one.
+  ///
+  /// Throws ModelException for an object whose copy breaks a rule of the model, and std::bad_alloc;
+  /// source and delta are then unchanged.
+  ///
+  /// Afterwards, objects of the delta with "auto" carry "create" or "update". Copies have the full
+  /// tags of their classes, also of elements whose tags are abbreviations of those.
   bool mergeDocument(model::LibTarnDocument& delta);
   /// Applies one object, of any document, which stays as it is. Returns false, with nothing
   /// changed, when it conflicts or when the source has no cmData; only the latter is logged. Throws
-  /// as mergeDocument() does.
+  /// like mergeDocument().
   bool mergeManagedObject(model::LibTarnManagedObject& delta);
 
-  /// Why the last mergeDocument() or mergeManagedObject() returned false: the code is
-  /// model::EditResult::Refused and the message the one of the log, without memory an empty one.
-  /// Success before the first and after one that returned true. Good until the next one.
+  /// Returns why the last mergeDocument() or mergeManagedObject() returned false. The code is then
+  /// model::EditResult::Refused; the message is that of the log, or empty without memory for it.
+  /// Before the first call, and after one that returned true, the code is 0. Valid until the next
+  /// call.
   const model::Diagnostic& getDiagnostic() const { return diagnostic_; }
 
-  /// The first cmData of `document`, or null.
+  /// Returns the first cmData of `document`, or null.
   model::LibTarnCmDataImp* getCmData(model::LibTarnDocument& document);
-  /// mergeDocument() for a delta's cmData, which must not be the source's own.
+  /// Does mergeDocument() for a delta's cmData, which must not be the source's own.
   bool doMerge(model::LibTarnCmDataImp* delta);
   /// Calls `executor` for each object of `delta`, in byte order of their names.
   void goThroughAllDeltaMoWithExecutor(model::LibTarnCmDataImp* delta, MergeExecutor executor);
-  /// Throws EditorException when `delta` cannot be applied.
+  /// Throws EditorException when `delta` conflicts with `source`.
   void checkForMergeConflicts(model::LibTarnManagedObject* source,
                               model::LibTarnManagedObject* delta,
                               const model::DistinguishedName& distName);
-  /// Applies `delta`, which does not conflict, and writes an operation in place of "auto" into it.
+  /// Applies `delta`, which must not conflict. Replaces its operation "auto" by the explicit one.
   void mergeDocuments(model::LibTarnManagedObject* source, model::LibTarnManagedObject* delta,
                       const model::DistinguishedName& distName);
-  /// What "auto" means: update of a `source` object, create when it is null.
+  /// Returns what "auto" means: update of a `source` object, create when it is null.
   model::LibTarnManagedObject::Operation getExplicitOperationFromAutoOperation(
       const model::LibTarnManagedObject* source);
   /// Adds a copy of `delta`, unless the source has an object of that name.
   void doOperationCreate(const model::LibTarnManagedObject* delta);
   /// Removes the source's object of that name.
   void doOperationDelete(const model::DistinguishedName& distName);
-  /// Updates parameters, lists and extensions; the attributes of `source` stay. Nothing is done for
-  /// an update of an object with itself. This and the parts that follow change nothing when they
-  /// throw, as mergeDocument() does; the parts refuse an object as its own delta with an ERROR
-  /// line.
+  /// Updates parameters, lists and extensions; the attributes of `source` stay. Does nothing for an
+  /// object that is its own delta. Throws like mergeDocument(), with nothing changed.
   void doOperationUpdate(model::LibTarnManagedObject* source,
                          const model::LibTarnManagedObject* delta);
-  /// Gives parameters of `source` the values of the delta's and adds those that are missing.
+  /// Sets parameters of `source` to the values of the delta's and adds the missing ones. Does
+  /// nothing but log an ERROR line for an object that is its own delta. Throws like
+  /// mergeDocument(), with nothing changed.
   void updateScalars(model::LibTarnManagedObject* source, const model::LibTarnManagedObject* delta);
-  /// Puts copies of the delta's lists in place of those of their names.
+  /// Replaces the lists of `source` that the delta has by copies of those, and adds the missing
+  /// ones. Does nothing but log an ERROR line for an object that is its own delta. Throws like
+  /// mergeDocument(), with nothing changed.
   void updateLists(model::LibTarnManagedObject* source, const model::LibTarnManagedObject* delta);
-  /// Puts copies of the delta's extensions in place of all those of their names; the last of
-  /// several of one name counts.
+  /// Replaces all extensions of `source` that have a name of the delta's by copies of those; of
+  /// several with one name in the delta, the last one counts. Does nothing but log an ERROR line
+  /// for an object that is its own delta. Throws like mergeDocument(), with nothing changed.
   void updateExtensions(model::LibTarnManagedObject* source,
                         const model::LibTarnManagedObject* delta);
   /// Appends the log entries of the delta's header to the source's, when both have one.

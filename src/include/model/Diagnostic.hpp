@@ -6,16 +6,17 @@
 namespace libtarn {
 namespace model {
 
-/// What became of the last parse or validation of a document, of a merge, or of a change by mask.
+/// The result of the last parse or validation of a document, of the last merge, or of a change by
+/// mask.
 struct Diagnostic {
-  /// The result: 0; for a parse or a validation 1 for malformed XML, or 2 for a broken rule of the
-  /// model (ParseResult); for a merge 1 when it was refused (EditResult); for a change by mask a
-  /// ChangeResult.
+  /// The result code: 0 for success. For a parse or a validation 1 for malformed XML, 2 for a
+  /// broken rule of the model (ParseResult). For a merge 1 when it was refused (EditResult). For a
+  /// change by mask a ChangeResult.
   int code = 0;
   /// What is wrong, without a prefix; empty on success.
   std::string message;
-  /// For code 1 the place of the parser, in bytes from the start of the text as it was handed over
-  /// (a byte order mark counts); otherwise 0. util::locate() turns it into line and column.
+  /// For malformed XML the byte offset of the fault from the start of the text as it was handed
+  /// over (a byte order mark counts); otherwise 0. util::locate() turns it into line and column.
   std::size_t offset = 0;
 };
 

@@ -8,14 +8,15 @@
 namespace libtarn {
 namespace model {
 
-/// The format's own rule: every segment has a "-" behind at least one character, and only ASCII
-/// letters and digits behind its last "-". A name that holds "ZNT-1/" anywhere is always valid.
+/// The format's own rule: every segment has a "-" after at least one character, and only ASCII
+/// letters and digits after its last "-". A name that holds "ZNT-1/" anywhere is always valid.
 class TARN_API DistinguishedNameValidator : public IDistinguishedNameValidator {
  public:
-  /// Linear in the length of the name.
+  /// Returns true if `distName` keeps the rule. Linear in the length of the name.
   bool isValid(const char* distName) const override;
 
-  /// Whether the characters of `dn` from index `start` to index `end`, inclusive, are a segment.
+  /// Returns true if the characters of `dn` from index `start` to index `end`, inclusive, are a
+  /// segment.
   bool isSegmentValid(const std::string& dn, unsigned int start, unsigned int end) const;
 };
 

@@ -14,19 +14,19 @@
 namespace libtarn {
 namespace model {
 
-/// An attribute of one element whose text is one of the constants of `T`, with the value last read
-/// or written kept beside it.
+/// An attribute of one element whose text is one of the constants of `T`, together with the value
+/// last read or written.
 ///
 /// Part of the element that it belongs to. Attribute and kept value change together.
 template <class T>
 class TARN_API EnumeratedAttribute {
  public:
-  /// `name` must live as long as the element.
+  /// For the attribute `name` of `element`; the text must live as long as the element.
   EnumeratedAttribute(libDomXml::IDomElement* element, const char* name)
       : element_(element), name_(name) {}
 
-  /// Reads the attribute. Throws NoSuchAttributeException when it is absent and
-  /// InvalidAttributeValueException for a text that is none of the constants'.
+  /// Reads the attribute. Throws NoSuchAttributeException when it is absent, and
+  /// InvalidAttributeValueException when its text is not that of a constant.
   void initialize() {
     TARN_ASSERT(0 != element_, "0 != element");
     const char* const value = element_->getAttribute(name_);
@@ -36,7 +36,8 @@ class TARN_API EnumeratedAttribute {
     cached_ = toEnum(value);
   }
 
-  /// The constant of that text, exactly. Throws InvalidAttributeValueException for any other.
+  /// Returns the constant with exactly that text. Throws InvalidAttributeValueException when there
+  /// is none.
   util::Enum<T> toEnum(const char* string) const {
     TARN_ASSERT(0 != element_, "0 != element");
     TARN_ASSERT(0 != string, "0 != string");
@@ -48,7 +49,7 @@ class TARN_API EnumeratedAttribute {
     return *constant;
   }
 
-  /// Whether initialize() would read a value.
+  /// Returns true if initialize() would read a value.
   bool isKnown() const {
     const char* const value = element_->getAttribute(name_);
     return value && find(value);
@@ -61,25 +62,25 @@ class TARN_API EnumeratedAttribute {
     cached_ = value;
   }
 
-  /// Removes the attribute and forgets the value.
+  /// Removes the attribute and drops the kept value.
   void remove() {
     TARN_ASSERT(0 != element_, "0 != element");
     cached_.reset();
     element_->removeAttribute(name_);
   }
 
-  /// The value last read or written, if any.
+  /// Returns the value last read or written, if any.
   const std::optional<util::Enum<T>>& getKept() const { return cached_; }
   /// Keeps `value` and leaves the attribute as it is.
   void setKept(const std::optional<util::Enum<T>>& value) { cached_ = value; }
 
-  /// Whether a value has been read or written.
+  /// Returns true if a value has been read or written.
   bool hasValue() const { return cached_.has_value(); }
-  /// The value, which must be there.
+  /// Returns the kept value; hasValue() must be true.
   const util::Enum<T>& getValue() const { return *cached_; }
 
  private:
-  // Constants are few, and the text may be long: it is not copied for a look-up in the map.
+  // Compares texts one by one: constants are few, and a look-up in the map would copy the text.
   static const util::Enum<T>* find(std::string_view text) {
     for (const auto& [constantText, constant] : util::Enum<T>::getStringToEnum()) {
       if (text == constantText) return constant;

@@ -9,7 +9,7 @@
 #include "libtarn/model/IElement.hpp"
 #include "libtarn/model/indexation/TarnCollection.hpp"
 #include "libtarn/util/detail/EnumClass.hpp"
-// The last one: it has effect on what follows.
+// Must be the last one: it undefines macros.
 #include "libtarn/util/detail/hostMacrosOff.hpp"
 
 namespace libtarn {
@@ -21,15 +21,17 @@ class LibTarnManagedObject;
 /// The body of a document, `cmData`: at most one header and any number of managed objects.
 ///
 /// Objects are found by distinguished name and by class through an index, which every edit here
-/// keeps in step with the tree. Lifetime and threads as for every IElement.
+/// keeps consistent with the tree. Lifetime and threads as for every IElement.
 class TARN_API LibTarnCmData : public IElement {
  public:
   /// What the document describes.
   class Type : public util::Enum<Type> {
    public:
-    /// The network as it is, as it is to be, and values that hold where nothing else is said.
+    /// The network as it is.
     static const Type ACTUAL;
+    /// The network as it is to be.
     static const Type PLAN;
+    /// Values that apply where no other is given.
     static const Type DEFAULTS;
 
     /// A copy of a constant.
@@ -44,33 +46,35 @@ class TARN_API LibTarnCmData : public IElement {
 
   LibTarnCmData* getNextSiblingElement() const override = 0;
 
-  /// The type, DEFAULTS until it has been read from a document or set.
+  /// Returns the type; DEFAULTS until it has been read from a document or set.
   virtual Type getType() const = 0;
-  /// Writes the attribute "type".
+  /// Sets the attribute "type".
   virtual void setType(const Type& type) = 0;
-  /// The attribute "id", null when absent.
+  /// Returns the attribute "id", null when absent.
   virtual const char* getId() const = 0;
-  /// The first header, or null.
+  /// Returns the first header, or null.
   virtual LibTarnHeader* getLibTarnHeader() const = 0;
-  /// Replaces the first header; the new one becomes the last child.
+  /// Replaces the first header by `header`, which is detached or a child; it becomes the last
+  /// child.
   virtual void setLibTarnHeader(LibTarnHeader& header) = 0;
-  /// Whether there is an object of that name.
+  /// Returns true if there is an object of that name.
   virtual bool hasLibTarnManagedObject(const DistinguishedName& distName) const = 0;
-  /// Null when there is none of that name.
+  /// Returns the object of that name, or null.
   virtual LibTarnManagedObject* getLibTarnManagedObject(
       const DistinguishedName& distName) const = 0;
-  /// All objects in byte order of their names. Objects may be added, removed or renamed during a
-  /// walk; see TarnCollection.
+  /// Returns all objects in byte order of their names. Objects may be added, removed or renamed
+  /// during an iteration; see TarnCollection.
   virtual indexation::ManagedObjectCollection getLibTarnManagedObjects() const = 0;
-  /// Appends a detached object of this document; does nothing when its name is taken.
+  /// Appends a detached object of this document. Does nothing when its name is taken.
   virtual void addLibTarnManagedObject(LibTarnManagedObject& object) = 0;
-  /// Returns 0, or 2 when no object has that name, or 1 when the object was indexed but no child.
+  /// Unlinks the object of that name and removes it from the index. Returns 0, or 2 when there is
+  /// none, or 1 when the object was indexed but not a child.
   virtual std::uint8_t removeLibTarnManagedObject(const DistinguishedName& distName) = 0;
-  /// The objects of a class in the order in which they came into the index. A walk meets those only
-  /// that were of the class when it began.
+  /// Returns the objects of a class in the order in which they were indexed. An iteration reaches
+  /// only those that were of the class when it began.
   virtual indexation::ManagedObjectCollection getLibTarnManagedObjectsByClass(
       const std::string& className) const = 0;
-  /// How many objects there are.
+  /// Returns the number of objects.
   virtual std::size_t getManagedObjectNumber() const = 0;
 };
 

@@ -8,7 +8,7 @@
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/EnumeratedAttribute.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/ModelNode.hpp"
 #include "libtarn/model/indexation/ITarnUniqueAndNonUniqueMultiIndex.hpp"
 
 namespace libDomXml {
@@ -30,16 +30,17 @@ class LibTarnManagedObjectImp;
 struct StagedAttributes;
 
 /// Node class of LibTarnCmData.
-class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
+class TARN_API LibTarnCmDataImp : public ModelNode, public LibTarnCmData {
  public:
   LibTarnCmDataImp(libDomXml::IMemoryPool* pool, const indexation::ITarnIndexFactory* indexFactory,
                    util::TarnFactory& factory);
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   LibTarnCmDataImp* clone() const override;
-  /// The copy's index and type are not filled: rebuildIndexersAndInitializeEnums() does it.
+  /// Returns a deep copy. Its index and type are not filled: rebuildIndexersAndInitializeEnums()
+  /// does that.
   LibTarnCmDataImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   LibTarnCmDataImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -62,29 +63,29 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   void removeThisElement() override;
   std::size_t getManagedObjectNumber() const override;
 
-  /// Renames a child without checking the name, and keeps the index in step. When another child has
-  /// the name, an ERROR line says so, and this one is in no index until it gets a name of its own
-  /// or the other one goes. When std::bad_alloc is thrown, nothing has changed.
+  /// Renames a child without validating the name, and keeps the index consistent. When another
+  /// child has the name, logs an ERROR line; this one is then in no index, until it gets a unique
+  /// name or the other one is removed or renamed. Throws std::bad_alloc with nothing changed.
   void setMoDistName(LibTarnManagedObjectImp& object, const char* distName);
-  /// Sets the attributes of a child, its keys among them, as setMoDistName() says. Throws nothing
-  /// when prepareMoKeys() has been called for the same name before.
+  /// Sets the attributes of a child, its keys included, in the way of setMoDistName(). Does not
+  /// throw when prepareMoKeys() has been called for the same name.
   void setMoAttributes(LibTarnManagedObjectImp& object, StagedAttributes& attributes);
-  /// Takes the memory that it needs to give a child the name `distName`, or another class with the
-  /// name that it has.
+  /// Allocates what setting the name of a child to `distName`, or its class, may need.
   void prepareMoKeys(const LibTarnManagedObjectImp& object, const char* distName);
-  /// As removeLibTarnManagedObject(), but does not throw when there is no memory. A child that lost
-  /// the name then stays out of the index.
+  /// Like removeLibTarnManagedObject(), but does not throw when there is no memory. A child that
+  /// lost the name to the removed one then stays out of the index.
   std::uint8_t removeWithoutMemory(const DistinguishedName& distName);
-  /// Throws DuplicateElementException when two children have one name.
+  /// Throws DuplicateElementException when two children have the same name.
   void checkNames() const;
   /// Unlinks every indexed object and empties the index.
   void removeAllLibTarnManagedObjects();
-  /// Reads the type and takes the managed objects into the index, each with its own indexes.
-  /// Throws ModelException subclasses for a missing or unknown type and for the second object of
-  /// one name; objects before it stay indexed.
+  /// Reads the type and adds the managed objects to the index, each with its own indexes. Throws
+  /// ModelException subclasses for a missing or unknown type and for the second object of one name;
+  /// objects before it stay indexed.
   void rebuildIndexersAndInitializeEnums();
-  /// The two halves of it.
+  /// Reads the type; the first step of rebuildIndexersAndInitializeEnums().
   void initializeType() { type_.initialize(); }
+  /// Fills the indexes; the second step of rebuildIndexersAndInitializeEnums().
   void rebuildIndexers();
 
  protected:
@@ -107,7 +108,6 @@ class TARN_API LibTarnCmDataImp : public TarnDomElement, public LibTarnCmData {
   EnumeratedAttribute<Type> type_;
   const indexation::ITarnIndexFactory* indexFactory_;
   indexation::ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* managedObjectIndex_;
-  util::TarnFactory& factory_;
   Unindexed* unindexed_ = nullptr;  // children that lost their names to others, by these names
 };
 

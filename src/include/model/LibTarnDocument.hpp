@@ -33,83 +33,87 @@ struct Violation;
 
 /// A configuration document: what a host creates to read, build, query, change and print one.
 ///
-/// Owns everything in it; pointers to elements are good until the document is destroyed. A new
-/// document has a declaration and an empty root. One thread at a time; different documents may be
-/// used by different threads.
+/// Owns everything in it; pointers to elements are valid until the document is destroyed. A new
+/// document has a declaration and an empty root. Used by one thread at a time; different documents
+/// may be used by different threads.
 class TARN_API LibTarnDocument {
  public:
   /// The tag of the root.
   static constexpr const char* TAG_NAME = "tarn";
 
-  /// Its memory comes from maps; without any the process ends (assertion "memory").
+  /// An empty document with memory from maps. Out of memory, the process ends with the assertion
+  /// "memory".
   LibTarnDocument();
-  /// Its memory comes from maps. OutOfMemory::Throw: where there is none, std::bad_alloc comes out
-  /// of the operation, and the document can be used on, parsed again or destroyed.
+  /// An empty document with memory from maps. With OutOfMemory::Throw an operation that runs out of
+  /// memory throws std::bad_alloc; the document can still be used, parsed again or destroyed.
   explicit LibTarnDocument(OutOfMemory outOfMemory);
-  /// Takes over `document`, made with `new`: for a name validator or an index factory of the
-  /// host's, or for memory from the heap.
+  /// Takes over `document`, allocated with `new`: for a host's name validator or index factory, or
+  /// for memory from the heap.
   explicit LibTarnDocument(TarnDomDocument* document);
   LibTarnDocument(const LibTarnDocument&) = delete;
   LibTarnDocument& operator=(const LibTarnDocument&) = delete;
   virtual ~LibTarnDocument();
 
-  /// Parses a copy of the zero-terminated `text` and builds the indexes; checks the rules of the
-  /// format when `validate` is set. Returns 0, or 1 for malformed XML, or 2 for a broken rule of
-  /// the model; the cause goes to the log at level ERROR. After a failure the document keeps what
-  /// was built and stays usable. A second parse replaces the first; elements of the first stay
+  /// Parses a copy of the NUL-terminated `text` and builds the indexes; with `validate`, also
+  /// validates the rules of the format. Returns 0, or 1 for malformed XML, or 2 for a broken rule
+  /// of the model; the cause is logged at level ERROR. After a failure the document keeps what was
+  /// built and stays usable. A second parse replaces the first; elements of the first stay
   /// readable.
   int parse(const char* text, bool validate);
-  /// As above for a text that ends with a zero byte, which the document takes over without copying
-  /// it. A vector without that zero is malformed.
+  /// Like the other overload, for a text that ends with a NUL. The document takes the text over and
+  /// does not copy it. A vector without that NUL is malformed.
   int parse(std::vector<char> text, bool validate);
-  /// Validates a text: what getDiagnostic() of a new document holds after parse() with validation.
-  /// `read()` returns the text as a vector of char that ends with a zero byte. It is called once
-  /// when the text is valid, which takes little more memory than the text and less time than a
-  /// parse, logs nothing and keeps no document; otherwise a second time, for the same text, which
-  /// is then parsed. Throws what `read()` throws, and std::bad_alloc without memory.
+  /// Validates a text and returns what getDiagnostic() of a new document would hold after parse()
+  /// with validation.
+  ///
+  /// `read()` returns the text as a vector of char that ends with a NUL. For a valid text it is
+  /// called once. That takes little more memory than the text and less time than a parse; it logs
+  /// nothing and keeps no document. Otherwise `read()` is called a second time, for the same text,
+  /// which is then parsed. Throws what `read()` throws, and std::bad_alloc without memory.
   template <class Read>
   static Diagnostic validate(Read read) {
     return validateText([](void* reader) { return (*static_cast<Read*>(reader))(); }, &read);
   }
-  /// Checks the rules of the format on the document as it is now, and that no object was given the
-  /// name of another one. Returns 0, or 2 for a broken rule; the first one goes to the log at level
-  /// ERROR.
+  /// Validates the document as it is now: the rules of the format, and that names of objects are
+  /// unique. Returns 0, or 2 for a broken rule; the first violation is logged at level ERROR.
   int validate();
-  /// As above, and replaces what `violations` holds by all that are found, in the order of a
-  /// Validator's walk: the first `limit`, and only while the texts of those before hold fewer than
-  /// `byteLimit` bytes. `count`, when given, gets the number of all of them. Two objects of one
-  /// name are found only where no other rule is broken.
+  /// Like validate(), and replaces the content of `violations` by those found, in the order of a
+  /// Validator's walk. Only the first `limit` are recorded, and only while the texts of those
+  /// before hold fewer than `byteLimit` bytes. `*count` becomes the number of all, unless `count`
+  /// is null. Duplicate names are found only when no other rule is broken.
   int validate(std::vector<validation::Violation>* violations,
                std::size_t limit = std::numeric_limits<std::size_t>::max(),
                std::size_t byteLimit = std::numeric_limits<std::size_t>::max(),
                std::size_t* count = nullptr);
-  /// Whether an element below the root has a tag that is only the beginning of the one that the
-  /// format has for it, such as "li". A copy has the whole tag, in a merge as well, and rules that
-  /// the element did not have to follow. Walks the document; does not recurse on the depth.
+  /// Returns whether an element below the root has a tag that is only the beginning of the one that
+  /// the format has for it, such as "li". A copy has the whole tag, in a merge as well, and rules
+  /// that the element did not have to follow. Walks the document; does not recurse on the depth.
   bool hasAbbreviatedTags() const;
-  /// What the last parse() or validate() found; success before the first. Good until the next one.
+  /// Returns the result of the last parse() or validate(); success before the first. Valid until
+  /// the next one.
   const Diagnostic& getDiagnostic() const { return diagnostic_; }
 
-  /// The DOM document behind it, which stays its own.
+  /// Returns the DOM document, which this document owns.
   TarnDomDocument* getItsTarnDomDocument() const;
-  /// Bytes that the document takes: its pool and the texts that it has taken over.
+  /// Returns the bytes that the document occupies: its pool and the texts that it has taken over.
   std::size_t getMemorySize() const;
-  /// The factory for new elements of this document.
+  /// Returns the factory for new elements of this document.
   util::TarnFactory& getFactory() const { return *factory_; }
-  /// The place of the "<" of an element's start tag, in bytes from the start of the text that was
-  /// parsed last, as it was handed over (a byte order mark counts). util::locate() turns it into
-  /// line and column. util::NO_OFFSET for an element that was not parsed from that text, such as
-  /// one that the host made or that a merge brought. Constant time.
+  /// Returns the byte offset of the "<" of an element's start tag, from the start of the text that
+  /// was parsed last, as it was handed over (a byte order mark counts). util::locate() turns it
+  /// into line and column. Returns util::NO_OFFSET for an element that was not parsed from that
+  /// text: one that the host made, or that a merge added. Constant time.
   std::size_t getTextOffset(const IElement& element) const;
-  /// Attributes of the root, null when absent.
+  /// Returns the attribute "version" of the root, null when absent.
   const char* getVersion() const;
+  /// Returns the attribute "xmlns" of the root, null when absent.
   const char* getXmlns() const;
-  /// The first cmData, or null.
+  /// Returns the first cmData, or null.
   LibTarnCmData* getLibTarnCmData() const;
   /// Appends a detached cmData of this document.
   void addLibTarnCmData(LibTarnCmData& cmData);
-  /// The managed objects of the first cmData that match `mask`, in byte order of their names; empty
-  /// without a cmData.
+  /// Returns the managed objects of the first cmData that match `mask`, in byte order of their
+  /// names; none without a cmData.
   std::list<LibTarnManagedObject*> getMOsMatchingMask(const LibTarnManagedObject& mask) const;
   /// Applies LibTarnManagedObject::change(mask, changes) to the managed objects of the first cmData
   /// that match `mask`. Logs each object at level INFO.
@@ -127,8 +131,8 @@ class TARN_API LibTarnDocument {
   int parseImpl(std::vector<char> text, bool validate);
   static bool isKnownToBeValid(std::vector<char> text);
   static Diagnostic validateText(std::vector<char> (*read)(void* reader), void* reader);
-  void checkRules() const;
-  void checkRootRules() const;
+  void validateTree() const;
+  void validateRoot() const;
   int fail(int code, const std::string& message, std::size_t offset);
 
   std::unique_ptr<TarnDomDocument> domDocument_;

@@ -21,14 +21,16 @@ struct RefusedChange;
 /// parse.
 class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement {
  public:
+  /// The tag.
   static constexpr const char* TAG_NAME = LibTarnDocument::TAG_NAME;
 
+  /// The empty root of `document`.
   explicit LibTarnDocumentInternal(TarnDomDocument* document);
 
   using TarnDomElement::clone;
   /// Always throws ModelException.
   libDomXml::IDomElement* clone(libDomXml::IMemoryPool* pool) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   TarnDomElement* clone(util::TarnFactory& factory) const override;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -39,21 +41,30 @@ class TARN_API LibTarnDocumentInternal : public TarnDomElement, public IElement 
   /// Does nothing: the root stays.
   void removeThisElement() override;
 
-  /// As the operations of LibTarnDocument, but errors are thrown: rapidxml::parse_error and
+  /// Parses a copy of `text`, like LibTarnDocument::parse(), but throws rapidxml::parse_error and
   /// ModelException.
   void parse(const char* text);
+  /// Takes over `text` and parses it in place, like LibTarnDocument::parse(), but throws
+  /// rapidxml::parse_error and ModelException.
   void parse(std::vector<char>& text);
+  /// Reads the types and operations, and fills all indexes. Throws ModelException.
   void rebuildIndexersAndInitializeEnums();
-  /// Throws DuplicateElementException when two managed objects have one name.
+  /// Throws DuplicateElementException when two managed objects have the same name.
   void checkNames();
 
-  /// The owning document.
+  /// Returns the owning document.
   TarnDomDocument* getItsTarnDomDocument() const { return document_; }
+  /// See LibTarnDocument::getVersion().
   const char* getVersion() const;
+  /// See LibTarnDocument::getXmlns().
   const char* getXmlns() const;
+  /// See LibTarnDocument::getLibTarnCmData().
   LibTarnCmData* getLibTarnCmData() const;
+  /// See LibTarnDocument::addLibTarnCmData().
   void addLibTarnCmData(LibTarnCmData& cmData);
+  /// See LibTarnDocument::getMOsMatchingMask().
   std::list<LibTarnManagedObject*> getMOsMatchingMask(const LibTarnManagedObject& mask) const;
+  /// See LibTarnDocument::setChangesToMOs().
   void setChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes);
   void tryChangesToMOs(const LibTarnManagedObject& mask, const LibTarnManagedObject& changes,
                        std::vector<RefusedChange>& refused);

@@ -6,15 +6,15 @@
 
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/LibTarnExtension.hpp"
+#include "libtarn/model/ModelNode.hpp"
 #include "libtarn/model/ScalarImp.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
 #include "libtarn/model/UniqueContainer.hpp"
 
 namespace libtarn {
 namespace model {
 
 /// Node class of LibTarnExtension.
-class TARN_API LibTarnExtensionImp : public LibTarnExtension, public TarnDomElement {
+class TARN_API LibTarnExtensionImp : public LibTarnExtension, public ModelNode {
  public:
   LibTarnExtensionImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory);
 
@@ -29,16 +29,16 @@ class TARN_API LibTarnExtensionImp : public LibTarnExtension, public TarnDomElem
   Scalar* getParameter(const std::string& name) const override;
   std::uint8_t removeParameter(const std::string& name) override;
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   LibTarnExtensionImp* clone() const override;
   LibTarnExtensionImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   LibTarnExtensionImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
   void updatePath(validation::Validator& validator) const override;
 
-  /// The name, "" when there is none.
+  /// Returns the name, "" when there is none.
   std::string getId() const;
 
  protected:
@@ -46,7 +46,6 @@ class TARN_API LibTarnExtensionImp : public LibTarnExtension, public TarnDomElem
 
  private:
   UniqueContainer<LibTarnExtensionImp, ScalarImp, std::string> parameters_;
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

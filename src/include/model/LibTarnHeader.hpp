@@ -20,16 +20,16 @@ class TARN_API LibTarnHeader : public IElement {
  public:
   /// The tag.
   static constexpr const char* TAG_NAME = "header";
-  /// Most entries after an addLog().
+  /// Largest number of entries after an addLog().
   static const unsigned int MAX_LOG_COUNT;
 
   LibTarnHeader* getNextSiblingElement() const override = 0;
 
-  /// The first entry, or null. The others follow by getNextSiblingElement().
+  /// Returns the first entry, or null. getNextSiblingElement() returns the others.
   virtual Log* getLogs() const = 0;
-  /// A deep, detached copy in the document of `factory`.
+  /// Returns a deep, detached copy in the document of `factory`.
   virtual TarnDomElement* clone(util::TarnFactory& factory) const = 0;
-  /// Appends a detached entry of this document and drops the oldest beyond MAX_LOG_COUNT.
+  /// Appends a detached entry of this document and unlinks the oldest ones beyond MAX_LOG_COUNT.
   virtual void addLog(Log& log) = 0;
 };
 

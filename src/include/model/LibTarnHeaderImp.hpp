@@ -3,7 +3,7 @@
 
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/LibTarnHeader.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/ModelNode.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -15,17 +15,15 @@ namespace model {
 class UndoLog;
 
 /// Node class of LibTarnHeader.
-class TARN_API LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
+class TARN_API LibTarnHeaderImp : public ModelNode, public LibTarnHeader {
  public:
   LibTarnHeaderImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-      : TarnDomElement(pool), factory_(factory) {
-    xml_base::name(TAG_NAME);
-  }
+      : ModelNode(pool, factory, TAG_NAME) {}
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   LibTarnHeaderImp* clone() const override;
   LibTarnHeaderImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   LibTarnHeaderImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -37,17 +35,14 @@ class TARN_API LibTarnHeaderImp : public TarnDomElement, public LibTarnHeader {
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
-  /// Appends copies of the entries of `header`, of more than MAX_LOG_COUNT the newest. False when
-  /// there is none.
+  /// Appends copies of the entries of `header`; of more than MAX_LOG_COUNT only the newest. Returns
+  /// false when `header` has none.
   bool appendCopiesOfLogs(const LibTarnHeader& header, UndoLog& log);
-  /// Removes the oldest entries beyond MAX_LOG_COUNT. Needs no memory.
+  /// Unlinks the oldest entries beyond MAX_LOG_COUNT. Needs no memory.
   void truncate();
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
-
- private:
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

@@ -9,7 +9,7 @@
 #include "libtarn/model/IElement.hpp"
 #include "libtarn/model/indexation/TarnCollection.hpp"
 #include "libtarn/util/detail/EnumClass.hpp"
-// The last one: it has effect on what follows.
+// Must be the last one: it undefines macros.
 #include "libtarn/util/detail/hostMacrosOff.hpp"
 
 namespace libtarn {
@@ -24,21 +24,24 @@ class List;
 class Scalar;
 class TarnDomElement;
 
-/// A managed object: a class, a distinguished name, perhaps a version and an operation, and
+/// A managed object: a class, a distinguished name, possibly a version and an operation, and
 /// parameters (`p`), lists and extensions.
 ///
-/// Parameters and lists are found by name through indexes, which every edit here keeps in step with
-/// the tree; extensions are found by walking. Edit results: 0 done, 1 refused, 2 no such element.
-/// Lifetime and threads as for every IElement.
+/// Parameters and lists are found by name through indexes, which every edit here keeps consistent
+/// with the tree; extensions are found by walking the children. Edits return 0 for done, 1 for
+/// refused, 2 for no such element. Lifetime and threads as for every IElement.
 class TARN_API LibTarnManagedObject : public IElement {
  public:
-  /// What a delta document asks for an object.
+  /// What a delta document wants done with an object.
   class Operation : public util::Enum<Operation> {
    public:
-    /// What becomes of the object of that name; AUTO is create or update, whichever fits.
+    /// Add the object.
     static const Operation CREATE;
+    /// Remove the object of that name.
     static const Operation DELETE;
+    /// Update the object of that name.
     static const Operation UPDATE;
+    /// Create or update, whichever fits.
     static const Operation AUTO;
 
     /// A copy of a constant.
@@ -53,73 +56,84 @@ class TARN_API LibTarnManagedObject : public IElement {
 
   LibTarnManagedObject* getNextSiblingElement() const override = 0;
 
-  /// A deep, detached copy in the document of `factory`, indexes built. Throws
-  /// DuplicateElementException when the object holds two parameters or lists of one name, and
+  /// Returns a deep, detached copy in the document of `factory`, with its indexes filled. Throws
+  /// DuplicateElementException when the object holds two parameters or two lists of one name, and
   /// InvalidAttributeValueException for an unknown operation.
   virtual TarnDomElement* clone(util::TarnFactory& factory) const = 0;
 
-  /// The name; its text is null when "distName" is absent.
+  /// Returns the name; its text is null when "distName" is absent.
   virtual DistinguishedName getDistName() const = 0;
-  /// The operation, AUTO when there is none.
+  /// Returns the operation; AUTO when there is none.
   virtual Operation getOperation() const = 0;
-  /// Writes the attribute "operation".
+  /// Sets the attribute "operation".
   virtual void setOperation(Operation operation) = 0;
-  /// True when this object fits `pattern`: same operation where the pattern has one, class and
-  /// version equal or "#", the pattern's name a part of this name (or empty, or "_-_"), and every
-  /// `p` and `list` of the pattern matched.
+  /// Returns true if this object matches `pattern`: same operation where the pattern has one; class
+  /// and version equal or "#"; the pattern's name a part of this name, or empty, or "_-_"; and
+  /// every `p` and `list` of the pattern matched.
   virtual bool match(const LibTarnManagedObject& pattern) const = 0;
-  /// Null when absent.
+  /// Returns the attribute "class", null when absent.
   virtual const char* getClass() const = 0;
+  /// Returns the attribute "version", null when absent.
   virtual const char* getVersion() const = 0;
-  /// If this object matches `pattern`: takes over operation, class and version of `values`, puts
-  /// the name of `values` in place of the pattern's name in this name, and replaces the parameters
-  /// and lists that `values` has. False, with nothing changed, when it does not match. `values` may
-  /// be this object, which changes nothing. A name that the document's validator rejects is not
-  /// taken over. When an exception is thrown (ModelException for a list that breaks a rule of the
-  /// model, std::bad_alloc), nothing has changed. tryChange() reports all of this as a value.
+  /// Changes this object if it matches `pattern`. Sets it to the operation, class and version of
+  /// `values`, replaces the pattern's name within this name by the name of `values`, and replaces
+  /// the parameters and lists that `values` has. A name that the document's validator rejects is
+  /// not set.
+  ///
+  /// Returns false, with nothing changed, when the object does not match. `values` may be this
+  /// object, which changes nothing. Throws ModelException for a list that breaks a rule of the
+  /// model, and std::bad_alloc, with nothing changed. tryChange() returns all of this as a value.
   virtual bool change(const LibTarnManagedObject& pattern, const LibTarnManagedObject& values) = 0;
-  /// Writes the attribute "version".
+  /// Sets the attribute "version".
   virtual void setVersion(const std::string& version) = 0;
 
-  /// Whether there is a `p` of that name.
+  /// Returns true if there is a `p` of that name.
   virtual bool hasScalarParameter(const std::string& name) const = 0;
-  /// All `p` in byte order of their names; see TarnCollection for edits during a walk.
+  /// Returns all `p` in byte order of their names; see TarnCollection for edits during an
+  /// iteration.
   virtual indexation::ScalarCollection getScalarParameters() const = 0;
-  /// Null when there is none of that name.
+  /// Returns the `p` of that name, or null.
   virtual Scalar* getScalarParameter(const char* name) const = 0;
-  /// Unlinks the `p` of that name.
+  /// Unlinks the `p` of that name. Returns 0, or 2 when there is none.
   virtual std::uint8_t removeScalarParameter(const std::string& name) = 0;
-  /// Appends a detached element of this document; 1 when one of that name exists.
+  /// Appends a detached `p` of this document. Returns 0, or 1 with nothing changed when one of that
+  /// name exists.
   virtual std::uint8_t addParameter(Scalar& parameter) = 0;
+  /// Appends a detached extension of this document. Returns 0, or 1 with nothing changed when one
+  /// of that name exists.
   virtual std::uint8_t addParameter(LibTarnExtension& extension) = 0;
-  /// Unlinks the list of that name.
+  /// Unlinks the list of that name. Returns 0, or 2 when there is none.
   virtual std::uint8_t removeListParameter(const std::string& name) = 0;
-  /// Null when there is none of that name.
+  /// Returns the list of that name, or null.
   virtual List* getListParameter(const std::string& name) const = 0;
-  /// All lists in byte order of their names; see TarnCollection for edits during a walk.
+  /// Returns all lists in byte order of their names; see TarnCollection for edits during an
+  /// iteration.
   virtual indexation::ListCollection getListParameters() const = 0;
-  /// Appends a detached list of this document; 1 when one of that name exists.
+  /// Appends a detached list of this document. Returns 0, or 1 with nothing changed when one of
+  /// that name exists.
   virtual std::uint8_t addParameter(List& parameter) = 0;
-  /// Whether there is a list of that name.
+  /// Returns true if there is a list of that name.
   virtual bool hasListParameter(const std::string& name) const = 0;
-  /// First extension, or null. The others follow by getNextSiblingElement().
+  /// Returns the first extension, or null. getNextSiblingElement() returns the others.
   virtual LibTarnExtension* getExtensions() const = 0;
   /// Removes the attribute "operation".
   virtual void clearOperation() = 0;
-  /// Unlinks the first extension of that name.
+  /// Unlinks the first extension of that name. Returns 0, or 2 when there is none.
   virtual std::uint8_t removeExtension(const std::string& name) = 0;
-  /// Whether there is an extension of that name.
+  /// Returns true if there is an extension of that name.
   virtual bool hasExtension(const std::string& name) const = 0;
-  /// The first extension of that name, or null.
+  /// Returns the first extension of that name, or null.
   virtual LibTarnExtension* getExtension(const std::string& name) const = 0;
-  /// Renames the object, in its document's index as well. Returns 1, with nothing changed, for a
-  /// name that the document's validator rejects. Returns 0 also when another object has the name
-  /// already, so a host asks hasLibTarnManagedObject() first: this object is then found by no name
-  /// (an ERROR line says so) and LibTarnDocument::validate() returns 2, until it gets a name of its
-  /// own or the other object is removed or renamed.
+  /// Renames the object, also in its document's index. Returns 0, or 1 with nothing changed for a
+  /// name that the document's validator rejects.
+  ///
+  /// Returns 0 also when another object already has the name, so a host calls
+  /// hasLibTarnManagedObject() first. This object is then found by no name, which an ERROR line
+  /// reports, and LibTarnDocument::validate() returns 2. That ends when the object gets a unique
+  /// name, or the other object is removed or renamed.
   virtual std::uint8_t setDistName(const char* distName) = 0;
-  /// Whether the object carries an operation. getOperation() is AUTO with "auto" and with none. The
-  /// default, for objects of a host's own class, takes AUTO for none.
+  /// Returns true if the object carries an operation. getOperation() returns AUTO both for "auto"
+  /// and for none. The default, for objects of a host class, takes AUTO for none.
   virtual bool hasOperation() const;
 
   /// Calls change() and returns what came of it: Diagnostic::code is a ChangeResult, and the

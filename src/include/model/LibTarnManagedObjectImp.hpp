@@ -9,7 +9,7 @@
 #include "libtarn/model/EnumeratedAttribute.hpp"
 #include "libtarn/model/LibTarnExtensionImp.hpp"
 #include "libtarn/model/LibTarnManagedObject.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/ModelNode.hpp"
 #include "libtarn/model/UniqueContainer.hpp"
 #include "libtarn/model/indexation/ITarnUniqueIndex.hpp"
 
@@ -30,7 +30,7 @@ struct StagedAttributes;
 class UndoLog;
 
 /// Node class of LibTarnManagedObject.
-class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnManagedObject {
+class TARN_API LibTarnManagedObjectImp : public ModelNode, public LibTarnManagedObject {
  public:
   /// Attribute that identifies an extension.
   static const char* const UNIQUE_CONTAINER_ID_ATTR_NAME;
@@ -40,10 +40,10 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
                           const indexation::ITarnIndexFactory* indexFactory,
                           util::TarnFactory& factory);
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   LibTarnManagedObjectImp* clone() const override;
   LibTarnManagedObjectImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   LibTarnManagedObjectImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -78,26 +78,33 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
+  /// Returns the validator that setDistName() asks.
   const IDistinguishedNameValidator* getDistNameValidator() const { return distNameValidator_; }
 
-  /// Reads the operation and takes `p` and `list` children into the indexes; the second form builds
-  /// the indexes of the items in the lists as well. Throws DuplicateElementException for the second
-  /// of one name and InvalidAttributeValueException for an unknown operation.
+  /// Reads the operation and adds `p` and `list` children to the indexes. Throws
+  /// DuplicateElementException for the second of one name and InvalidAttributeValueException for an
+  /// unknown operation.
   void rebuildIndexersAndInitializeEnum();
+  /// Like rebuildIndexersAndInitializeEnum(), and also fills the indexes of the items in the lists.
   void rebuildIndexersAndInitializeEnumAndDispatchToChildren();
 
   bool hasOperation() const override;
-  /// The attribute "operation", or null.
+  /// Returns the attribute "operation", or null.
   rapidxml::xml_attribute<char>* findOperationAttribute() const;
-  /// The operation last read or written, if any; it can be set without a change of the attribute.
+  /// Returns the operation last read or written, if any. It can be set without a change of the
+  /// attribute.
   const std::optional<util::Enum<Operation>>& getKeptOperation() const {
     return operation_.getKept();
   }
+  /// Keeps `operation` and leaves the attribute as it is.
   void setKeptOperation(const std::optional<util::Enum<Operation>>& operation) {
     operation_.setKept(operation);
   }
-  /// Puts a detached parameter of this document in place of the one of its name, as the last child.
+  /// Links a detached parameter of this document as the last child and unlinks the one that had its
+  /// name.
   void putParameter(Scalar& parameter, UndoLog& log);
+  /// Links a detached list of this document as the last child and unlinks the one that had its
+  /// name.
   void putParameter(List& parameter, UndoLog& log);
 
  protected:
@@ -129,7 +136,6 @@ class TARN_API LibTarnManagedObjectImp : public TarnDomElement, public LibTarnMa
   indexation::ITarnUniqueIndex<List>* listIndex_;
   EnumeratedAttribute<Operation> operation_;
   UniqueContainer<LibTarnManagedObjectImp, LibTarnExtensionImp, std::string> extensions_;
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

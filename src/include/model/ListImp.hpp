@@ -6,7 +6,7 @@
 
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/List.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/ModelNode.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -16,17 +16,15 @@ namespace libtarn {
 namespace model {
 
 /// Node class of List.
-class TARN_API ListImp : public TarnDomElement, public List {
+class TARN_API ListImp : public ModelNode, public List {
  public:
   ListImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-      : TarnDomElement(pool), factory_(factory) {
-    xml_base::name(TAG_NAME);
-  }
+      : ModelNode(pool, factory, TAG_NAME) {}
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   ListImp* clone() const override;
   ListImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   ListImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -45,7 +43,7 @@ class TARN_API ListImp : public TarnDomElement, public List {
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
-  /// Builds the component index of every item. Throws DuplicateElementException for two components
+  /// Fills the component index of every item. Throws DuplicateElementException for two components
   /// of one name in an item.
   void rebuildIndexersAndDispatchToChildren();
 
@@ -55,8 +53,6 @@ class TARN_API ListImp : public TarnDomElement, public List {
  private:
   bool hasMatch(const Scalar& pattern) const;
   bool hasMatch(const Structure& pattern) const;
-
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

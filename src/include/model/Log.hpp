@@ -13,18 +13,18 @@ class TARN_API Log : public IElement {
  public:
   /// The tag.
   static constexpr const char* TAG_NAME = "log";
-  /// Form of "dateTime", in local time, as strftime takes it.
+  /// Format of "dateTime", in local time, for strftime().
   static const char* const DATETIME_FORMAT;
 
   Log* getNextSiblingElement() const override = 0;
 
-  /// The attribute "action", null when absent.
+  /// Returns the attribute "action", null when absent.
   virtual const char* getAction() const = 0;
-  /// The attribute "dateTime", null when absent.
+  /// Returns the attribute "dateTime", null when absent.
   virtual const char* getDateTime() const = 0;
-  /// Sets "dateTime" to the current time.
+  /// Sets "dateTime" to the current time. Each call emits a log line at level ERROR.
   virtual void updateDateTime() = 0;
-  /// The text, never null.
+  /// Returns the text, never null.
   virtual const char* getValue() const = 0;
 };
 

@@ -6,7 +6,7 @@
 
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/model/Log.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
+#include "libtarn/model/ModelNode.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -16,18 +16,16 @@ namespace libtarn {
 namespace model {
 
 /// Node class of Log.
-class TARN_API LogImp : public TarnDomElement, public Log {
+class TARN_API LogImp : public ModelNode, public Log {
  public:
   LogImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-      : TarnDomElement(pool), factory_(factory) {
-    xml_base::name(TAG_NAME);
-  }
+      : ModelNode(pool, factory, TAG_NAME) {}
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   LogImp* clone() const override;
   const char* getValue() const override;
   LogImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   LogImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -35,20 +33,18 @@ class TARN_API LogImp : public TarnDomElement, public Log {
 
   const char* getAction() const override;
   const char* getDateTime() const override;
-  /// Logs an ERROR line as well, which hosts use as a trace of changes.
+  /// Sets "dateTime" to the current time. Emits a log line at level ERROR, which hosts use as a
+  /// trace of changes.
   void updateDateTime() override;
   LogImp* getNextSiblingElement() const override;
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
-  /// `time` as local time in the form DATETIME_FORMAT.
+  /// Returns `time` as local time in the form of DATETIME_FORMAT.
   static std::string formatDateTime(std::time_t time);
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
-
- private:
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

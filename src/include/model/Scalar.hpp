@@ -18,18 +18,18 @@ class TARN_API Scalar : public IElement {
 
   Scalar* getNextSiblingElement() const override = 0;
 
-  /// The name, "" when there is none.
+  /// Returns the name, "" when there is none.
   virtual std::string getId() const = 0;
-  /// The name, null when it is absent or empty.
+  /// Returns the name, null when it is absent or empty.
   virtual const char* getName() const = 0;
-  /// Whether the text is empty or absent.
+  /// Returns true if the text is empty or absent.
   virtual bool isValueEmpty() const = 0;
-  /// The text, never null; good until the next setValue() and beyond, as all pool memory.
+  /// Returns the text, never null. Valid as long as the document, also after a setValue().
   virtual const char* getValue() const = 0;
   /// Copies `value` into the pool; it may be the element's own text.
   virtual void setValue(const char* value) = 0;
-  /// True when name and value fit `pattern`, in which "#", and an absent or empty text, is a
-  /// wildcard.
+  /// Returns true if name and value match those of `pattern`, where "#", and an absent or empty
+  /// text, is a wildcard.
   virtual bool match(const Scalar& pattern) const = 0;
 };
 

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "libtarn/TarnApi.hpp"
+#include "libtarn/model/ModelNode.hpp"
 #include "libtarn/model/Scalar.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
 
 namespace libDomXml {
 class IDomDocument;
@@ -15,17 +15,15 @@ namespace libtarn {
 namespace model {
 
 /// Node class of Scalar.
-class TARN_API ScalarImp : public TarnDomElement, public Scalar {
+class TARN_API ScalarImp : public ModelNode, public Scalar {
  public:
   ScalarImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-      : TarnDomElement(pool), factory_(factory) {
-    xml_base::name(TAG_NAME);
-  }
+      : ModelNode(pool, factory, TAG_NAME) {}
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   ScalarImp* clone() const override;
   ScalarImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   ScalarImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -43,9 +41,6 @@ class TARN_API ScalarImp : public TarnDomElement, public Scalar {
 
  protected:
   libDomXml::ElementCopy copySelf(util::TarnFactory& factory) const override;
-
- private:
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

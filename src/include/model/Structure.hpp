@@ -22,16 +22,17 @@ class TARN_API Structure : public IElement {
 
   Structure* getNextSiblingElement() const override = 0;
 
-  /// Whether there is a component of that name.
+  /// Returns true if there is a component of that name.
   virtual bool hasComponent(const std::string& name) const = 0;
-  /// The component of that name, or null.
+  /// Returns the component of that name, or null.
   virtual Scalar* getComponent(const std::string& name) const = 0;
-  /// All components in byte order of their names; see TarnCollection for edits during a walk.
+  /// Returns all components in byte order of their names; see TarnCollection for edits during an
+  /// iteration.
   virtual indexation::ScalarCollection getComponents() const = 0;
   /// Appends a detached `p` of this document. Returns 0, or 1 with nothing changed when a component
   /// of that name exists.
   virtual std::uint8_t addComponent(Scalar& component) = 0;
-  /// True when every component of `pattern` is matched by a component of this item.
+  /// Returns true if every component of `pattern` is matched by a component of this item.
   virtual bool match(const Structure& pattern) const = 0;
 };
 

@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "libtarn/TarnApi.hpp"
+#include "libtarn/model/ModelNode.hpp"
 #include "libtarn/model/Structure.hpp"
-#include "libtarn/model/TarnDomElement.hpp"
 #include "libtarn/model/indexation/ITarnUniqueIndex.hpp"
 
 namespace libDomXml {
@@ -25,15 +25,15 @@ class ITarnIndexFactory;
 }
 
 /// Node class of Structure.
-class TARN_API StructureImp : public TarnDomElement, public Structure {
+class TARN_API StructureImp : public ModelNode, public Structure {
  public:
   StructureImp(libDomXml::IMemoryPool* pool, const indexation::ITarnIndexFactory* indexFactory,
                util::TarnFactory& factory);
 
-  using TarnDomElement::clone;
+  using ModelNode::clone;
   StructureImp* clone() const override;
   StructureImp* clone(util::TarnFactory& factory) const override;
-  /// Not to be used: logs an ERROR line and returns null.
+  /// Not to be called: logs an ERROR line and returns null.
   StructureImp* clone(libDomXml::IDomDocument* document) const;
   void dispatchToChildren(validation::Validator& validator) const override;
   void dispatchToSelf(validation::Validator& validator) const override;
@@ -48,8 +48,8 @@ class TARN_API StructureImp : public TarnDomElement, public Structure {
   IElement* getFirstChildElement(const char* name) const override;
   void removeThisElement() override;
 
-  /// Takes the `p` children into the component index. Throws DuplicateElementException for the
-  /// second of one name; those before it stay indexed.
+  /// Adds the `p` children to the component index. Throws DuplicateElementException for the second
+  /// of one name; those before it stay indexed.
   void rebuildIndexers();
 
  protected:
@@ -60,13 +60,12 @@ class TARN_API StructureImp : public TarnDomElement, public Structure {
   friend struct Internals;
 
   const ScalarImp* indexComponents();
-  std::string placeText() const;
-  [[noreturn]] static void throwDuplicate(const std::string& place, const ScalarImp& component);
+  std::string parentText() const;
+  [[noreturn]] static void throwDuplicate(const std::string& parent, const ScalarImp& component);
   bool hasMatch(const Scalar& pattern) const;
 
   const indexation::ITarnIndexFactory* indexFactory_;
   indexation::ITarnUniqueIndex<Scalar>* componentIndex_;
-  util::TarnFactory& factory_;
 };
 
 }  // namespace model

@@ -6,29 +6,30 @@
 namespace libtarn {
 namespace model {
 
-/// Keeps the children of one class unique by what their getId() says, by searching them.
+/// Keeps the children of one class unique by their getId(), by walking the children.
 ///
-/// Owns nothing: it works on the parent passed to each call. Every operation walks the children.
-/// Instantiated for the extensions of an object and the parameters of an extension.
+/// Owns nothing: each call gets the parent. Instantiated for the extensions of an object and the
+/// parameters of an extension.
 template <class Parent, class Child, class Id>
 class TARN_API UniqueContainer {
  public:
-  /// The attribute that messages name as the identifier.
+  /// `idAttributeName` is the attribute that messages name as the identifier.
   explicit UniqueContainer(const char* idAttributeName) : idAttributeName_(idAttributeName) {}
 
+  /// Returns true if `parent` has a child of that identifier.
   bool has(const Parent& parent, const Id& id) const { return find(parent, id) != nullptr; }
 
-  /// Throws NoSuchElementException when there is no such child.
+  /// Returns the first child of that identifier. Throws NoSuchElementException when there is none.
   Child* get(const Parent& parent, const Id& id) const;
 
   /// Appends `child`. Throws DuplicateElementException, with nothing changed, when its identifier
   /// is taken.
   void add(Parent& parent, Child& child) const;
 
-  /// Throws NoSuchElementException when there is no such child.
+  /// Unlinks the first child of that identifier. Throws NoSuchElementException when there is none.
   void remove(Parent& parent, const Id& id) const;
 
-  /// The first child of that identifier, or null.
+  /// Returns the first child of that identifier, or null.
   Child* find(const Parent& parent, const Id& id) const;
 
  private:

@@ -12,10 +12,10 @@ class LibTarnDocument;
 
 namespace util {
 
-/// The documents that a host saved last, up to a fixed number, handed back newest first.
+/// The documents that a host saved last, up to a fixed number, returned newest first.
 ///
 /// Keeps pointers only: it never makes, copies or deletes a document. A host that wants to delete
-/// the documents that the list drops keeps track of them itself. One thread at a time.
+/// the documents that the list drops keeps track of them itself. Used by one thread at a time.
 class TARN_API DocumentList {
  public:
   /// Keeps three documents.
@@ -24,10 +24,10 @@ class TARN_API DocumentList {
   explicit DocumentList(unsigned int capacity) : capacity_(capacity) {}
   virtual ~DocumentList() = default;
 
-  /// Appends `document`, also one that is in the list already, and drops the oldest entry when
-  /// there are more than the capacity.
+  /// Appends `document`, even when it is in the list already. Drops the oldest entry when there are
+  /// more than the capacity.
   void SaveDocument(model::LibTarnDocument* document);
-  /// The newest entry, which leaves the list; null when the list is empty.
+  /// Removes the newest entry and returns it; null when the list is empty.
   model::LibTarnDocument* GetDocumentBack();
 
  private:

@@ -18,8 +18,9 @@ struct Enum<T>::Tables {
   std::map<int, std::string> ordinalToString;
 };
 
-// There before the first constant. Host and library share them: compilers agree on the name of what
-// is static here only as long as the type that is returned is none of the standard library's.
+// Created by the first use, so before the first constant. Host and library share the tables.
+// Compilers agree on the name of a static variable here only if the function's return type is not
+// one of the standard library.
 template <class T>
 typename Enum<T>::Tables& Enum<T>::tables() {
   static Tables tables;

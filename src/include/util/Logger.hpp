@@ -5,23 +5,26 @@
 
 #include "libtarn/TarnApi.hpp"
 #include "libtarn/util/detail/EnumClass.hpp"
-// The last one: it has effect on what follows.
+// Must be the last one: it undefines macros.
 #include "libtarn/util/detail/hostMacrosOff.hpp"
 
 namespace libtarn {
 namespace util {
 
-/// One log line: a temporary into which the message is streamed, handed to print() when it dies.
+/// One log line: a temporary that the message is streamed into. Its destructor passes the line to
+/// print().
 ///
 /// The library filters nothing and writes nothing itself. Lines come from whichever thread logs.
 class TARN_API Logger {
  public:
-  /// How much a line matters.
+  /// Level of a line.
   class Level : public Enum<Level> {
    public:
-    /// For the developer, for the operator when something is wrong, and what is worth knowing.
+    /// For developers.
     static const Level DEBUG;
+    /// For operators, when something is wrong.
     static const Level ERROR;
+    /// For information.
     static const Level INFO;
 
     /// A copy of a constant.
@@ -31,28 +34,29 @@ class TARN_API Logger {
     explicit Level(const char* text) : Enum(text) {}
   };
 
-  /// `location` ("FILE:LINE", relative to the source tree) and `function` must outlive the logger
-  /// and not be null (asserted when the line is handed over).
+  /// Starts a line. `location` ("FILE:LINE", relative to the source tree) and `function` must
+  /// outlive the logger and not be null (asserted by the destructor).
   Logger(Level level, const char* location, const char* function);
   Logger(const Logger&) = delete;
   Logger& operator=(const Logger&) = delete;
-  /// Calls print() once and drops what it throws.
+  /// Calls print() once and drops an exception that it throws.
   ~Logger();
 
-  /// Adds to the message what `value` prints as. A caller that streams more than texts includes
-  /// the header `ostream`.
+  /// Adds the printed `value` to the message. A caller that streams anything but texts includes the
+  /// header `ostream`.
   template <class Value>
   Logger& operator<<(const Value& value) {
     if (stream_) stream() << value;
     return *this;
   }
-  /// Adds a text.
+  /// Adds a text to the message.
   Logger& operator<<(const char* text);
+  /// Adds a text to the message.
   Logger& operator<<(const std::string& text);
 
-  /// To be defined by the host; the library only calls it, synchronously, once a line. The pointers
-  /// are valid during the call; `message` has no line end. A host that logs from several threads
-  /// makes it safe for that.
+  /// The log callback. The host defines it; the library calls it synchronously, once for each line.
+  /// The pointers are valid during the call; `message` has no line end. When several threads log,
+  /// the host's definition must be thread-safe.
   static void print(Level level, const char* location, const char* function, const char* message);
 
  private:

@@ -11,32 +11,33 @@ class LibTarnDocument;
 
 namespace util {
 
-/// Makes a managed object that stands for others: a mask for match() and getMOsMatchingMask(), or
+/// Builds a managed object that stands for others: a mask for match() and getMOsMatchingMask(), or
 /// the values for change() and setChangesToMOs().
 ///
-/// What is not set stands for anything in a mask and for no change in values: class and version
+/// What is not set matches anything in a mask, and changes nothing in values: class and version
 /// "#", distinguished name "_-_", no operation. The object is detached, belongs to the document and
-/// lives as long. Texts are copied. One thread, together with the document.
+/// lives as long as it. Texts are copied. Used by one thread at a time, together with the document.
 ///
 ///     const auto& mask =
 ///     ManagedObjectBuilder(document).setClass("CELL").setDistName("SITE-3").get();
 class TARN_API ManagedObjectBuilder {
  public:
-  /// Starts with an object of `document` that stands for anything.
+  /// Starts with an object of `document` that matches anything.
   explicit ManagedObjectBuilder(model::LibTarnDocument& document);
 
-  /// The class, exactly.
+  /// Sets the class, which is compared exactly.
   ManagedObjectBuilder& setClass(const char* className);
-  /// In a mask any part of a name; it need not be a valid name.
+  /// Sets the distinguished name: in a mask any part of a name, which need not be a valid name.
   ManagedObjectBuilder& setDistName(const char* distName);
-  /// Version and operation, exactly.
+  /// Sets the version, which is compared exactly.
   ManagedObjectBuilder& setVersion(const char* version);
+  /// Sets the operation, which is compared exactly.
   ManagedObjectBuilder& setOperation(model::LibTarnManagedObject::Operation operation);
-  /// Adds a parameter; in a mask the value "#" stands for any. Returns false, with nothing changed,
+  /// Adds a parameter; in a mask the value "#" matches any. Returns false, with nothing changed,
   /// when there is one of that name.
   bool addParameter(const char* name, const char* value);
 
-  /// The object, which is the document's.
+  /// Returns the object, which the document owns.
   model::LibTarnManagedObject& get() const { return object_; }
 
  private:

@@ -8,20 +8,19 @@
 namespace libtarn {
 namespace util {
 
-/// What stands for an offset when there is none.
+/// Stands for "no offset".
 constexpr std::size_t NO_OFFSET = SIZE_MAX;
 
-/// A place in a text as people count: both from 1, the column in bytes. A line ends at a line feed,
-/// which is its last byte.
+/// A place in a text, for people. A line ends at a line feed, which is its last byte.
 struct TextPosition {
-  /// Both from 1.
+  /// Line, counted from 1.
   std::size_t line;
+  /// Column in bytes, counted from 1.
   std::size_t column;
 };
 
-/// The place of the byte at `offset`, counted from 0. `text` ends with a zero byte and is pristine:
-/// a text that was parsed in place no longer has its line feeds. An offset behind that zero counts
-/// as the zero's.
+/// Returns the place of the byte at `offset`, counted from 0. `text` is NUL-terminated and not
+/// parsed in place, which overwrites line feeds. An offset after the NUL counts as that of the NUL.
 TARN_API TextPosition locate(const char* text, std::size_t offset);
 
 }  // namespace util

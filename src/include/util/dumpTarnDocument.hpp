@@ -11,7 +11,7 @@ class LibTarnDocument;
 
 namespace util {
 
-/// Replaces the content of `out` with the printed document: the declaration and the root.
+/// Replaces the content of `out` by the printed document: the declaration and the root.
 TARN_API void dumpTarnDocument(model::LibTarnDocument& document, std::string& out);
 
 }  // namespace util

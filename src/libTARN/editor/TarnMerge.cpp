@@ -1,11 +1,13 @@
-// A delta is applied in two passes over its objects, in the order of their names. The first only
-// looks for conflicts, so that a delta with one leaves the source as it is; the second changes the
-// source. Each object costs one look-up by name in each pass and what its own content costs:
-// nothing walks the source. Extensions, which have no index, are walked within one object.
+// A merge makes two passes over the objects of the delta, in name order. The first pass only looks
+// for conflicts: a delta with a conflict leaves the source as it is. The second pass changes the
+// source. Each pass costs one look-up by name for each object, and what the object's own content
+// costs. Nothing walks the source, except the extensions of an object that is updated: they have no
+// index.
 //
 // Everything that the source gets is a copy in its pool, made by its factory. A copy may break a
-// rule of the model, and memory may end: so every change is written down, and whatever is thrown,
-// all of them are taken back. Deleted objects go at the end, when nothing can fail any more.
+// rule of the model, and memory may run out, so every change is noted in an UndoLog, which undoes
+// all of them after an exception. Deleted objects are removed at the end, when nothing can fail any
+// more.
 
 #include "libtarn/editor/TarnMerge.hpp"
 
@@ -48,7 +50,7 @@ using Operation = LibTarnManagedObject::Operation;
 
 namespace {
 
-// Hosts filter their logs by these locations, so that they stay whatever moves in this file.
+// Hosts filter their logs by these locations, so they stay when lines of this file move.
 constexpr const char* NO_SOURCE_LOCATION = "src/libTARN/editor/TarnMerge.cpp:41";
 constexpr const char* NO_DELTA_LOCATION = "src/libTARN/editor/TarnMerge.cpp:49";
 constexpr const char* CONFLICT_LOCATION = "src/libTARN/editor/TarnMerge.cpp:64";
@@ -63,7 +65,7 @@ void logError(const char* location, const char* function, const char* message) {
   util::Logger(util::Logger::Level::ERROR, location, function) << message;
 }
 
-// `before` and `after` stand around "'managedObject' element with 'distName=NAME'".
+// The message is `before`, "'managedObject' element with 'distName=NAME'" and `after`.
 [[noreturn]] void throwConflict(const char* before, const DistinguishedName& distName,
                                 const char* after) {
   throw EditorException(util::joined(before, "'", LibTarnManagedObject::TAG_NAME,
@@ -95,7 +97,7 @@ void updateLists(util::TarnFactory& factory, LibTarnManagedObjectImp& source,
 }
 
 // Removing and adding one by one would walk the source's extensions again for each of the delta's,
-// and an earlier extension of a name would only be replaced by a later one.
+// and would replace an extension of a name only to replace it again by a later one.
 void updateExtensions(util::TarnFactory& factory, LibTarnManagedObjectImp& source,
                       const LibTarnManagedObject& delta, UndoLog& log) {
   std::map<std::string_view, const LibTarnExtension*> lastOfName;
@@ -127,7 +129,7 @@ void update(util::TarnFactory& factory, LibTarnManagedObject& source,
   updateExtensions(factory, target, delta, log);
 }
 
-// What an object would be updated with would go with what it replaces.
+// Refuses an update of an object with itself: it would unlink the very elements that it is to copy.
 template <class Update>
 void updatePart(util::TarnFactory& factory, LibTarnManagedObject* source,
                 const LibTarnManagedObject* delta, const char* function, Update update) {
@@ -138,13 +140,13 @@ void updatePart(util::TarnFactory& factory, LibTarnManagedObject* source,
   log.keep();
 }
 
-/// Changes that one merge makes in a source: all of them, or none unless finish() is reached.
+/// The changes that one merge makes in a source. They stay only if finish() is reached.
 class Changes {
  public:
   Changes(LibTarnCmDataImp& source, util::TarnFactory& factory)
       : source_(source), factory_(factory) {}
 
-  /// `source` is the object of the name `distName`, or null.
+  /// Applies `delta`; `source` is the object of the name `distName`, or null.
   void apply(LibTarnManagedObject* source, LibTarnManagedObject& delta,
              const DistinguishedName& distName, Operation operation) {
     if (operation == Operation::CREATE) {
@@ -157,9 +159,10 @@ class Changes {
     }
   }
 
-  /// As above. The delta learns what its "auto" came to before it is copied, and so does the copy.
-  void applyAndTell(LibTarnManagedObject* source, LibTarnManagedObject& delta,
-                    const DistinguishedName& distName) {
+  /// Like apply(). For "auto", first writes the explicit operation into the delta, and so into the
+  /// copy.
+  void applyResolvingAuto(LibTarnManagedObject* source, LibTarnManagedObject& delta,
+                          const DistinguishedName& distName) {
     Operation operation = delta.getOperation();
     if (operation == Operation::AUTO) {
       operation = explicitOperation(source);
@@ -177,7 +180,7 @@ class Changes {
     if (element.appendCopiesOfLogs(*header, log_)) header_ = &element;
   }
 
-  /// What cannot fail.
+  /// Makes the changes that cannot fail, and keeps all of them.
   void finish() {
     for (const DistinguishedName& distName : deleted_) source_.removeWithoutMemory(distName);
     if (header_) header_->truncate();
@@ -203,7 +206,7 @@ TarnMerge::TarnMerge(LibTarnDocument& source)
       cmData_(getCmData(source)),
       factory_(source.getFactory()) {}
 
-// Without memory for the reason the merge is refused all the same.
+// Refuses the merge also when there is no memory for the reason.
 bool TarnMerge::refuse(const char* reason) {
   diagnostic_.code = model::EditResult::Refused;
   try {
@@ -253,7 +256,7 @@ bool TarnMerge::doMerge(LibTarnCmDataImp* delta) {
   Changes changes(*cmData_, factory_);
   for (LibTarnManagedObject* object : delta->getLibTarnManagedObjects()) {
     const DistinguishedName distName = object->getDistName();
-    changes.applyAndTell(cmData_->getLibTarnManagedObject(distName), *object, distName);
+    changes.applyResolvingAuto(cmData_->getLibTarnManagedObject(distName), *object, distName);
   }
   changes.addLogs(*delta);
   changes.finish();
@@ -284,7 +287,7 @@ void TarnMerge::mergeDocuments(LibTarnManagedObject* source, LibTarnManagedObjec
                                const DistinguishedName& distName) {
   TARN_ASSERT(cmData_ && delta, "cmData && delta");
   Changes changes(*cmData_, factory_);
-  changes.applyAndTell(source, *delta, distName);
+  changes.applyResolvingAuto(source, *delta, distName);
   changes.finish();
 }
 

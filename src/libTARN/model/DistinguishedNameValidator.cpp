@@ -11,13 +11,13 @@ namespace {
 
 constexpr const char* ALWAYS_VALID_PART = "ZNT-1/";
 
-// In the classic locale, whatever the host's is.
+// Independent of the locale.
 bool isAlphanumeric(char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-// The characters of `dn` from `start` up to, not including, `end`. The last "-" is looked for up to
-// `end`, where the "/" that closes the segment stands.
+// Returns true if the characters of `dn` from `start` up to, but without, `end` are a segment. The
+// last "-" may be at `end` itself, where the closing "/" is.
 bool isSegment(std::string_view dn, std::size_t start, std::size_t end) {
   const std::size_t dash = dn.rfind('-', end);
   if (dash == std::string_view::npos || dash <= start) return false;
@@ -46,7 +46,7 @@ bool DistinguishedNameValidator::isValid(const char* distName) const {
 
 bool DistinguishedNameValidator::isSegmentValid(const std::string& dn, unsigned int start,
                                                 unsigned int end) const {
-  // An empty segment at the start ends at the number before 0.
+  // An empty first segment ends at index 0 - 1, which wraps around.
   return isSegment(dn, start, end + 1);
 }
 

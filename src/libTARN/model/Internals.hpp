@@ -11,14 +11,14 @@
 namespace libtarn {
 namespace model {
 
-/// Whether `object` is a `Class`, and not of a class derived from it, which a host may bring.
+/// Returns true if `object` is exactly a `Class`, not of a class that a host derived from it.
 template <class Class, class Object>
 bool isExactly(const Object& object) {
   return typeid(object) == typeid(Class);
 }
 
-/// The indexes and kept values of node classes, for those sources of the library that fill or read
-/// them past the usual operations. Where the library's own index is asked for, it must be one.
+/// Access to the indexes and kept values of node classes, for sources of the library that fill or
+/// read them directly. The index must be the library's own.
 struct Internals {
   using ScalarIndex = indexation::TarnMapIndex<Scalar, indexation::ScalarNameExtractor>;
   using ListIndex = indexation::TarnMapIndex<List, indexation::ListNameExtractor>;

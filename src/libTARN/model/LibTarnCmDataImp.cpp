@@ -31,14 +31,14 @@ namespace {
 constexpr const char* ID_ATTRIBUTE = "id";
 constexpr const char* TYPE_ATTRIBUTE = "type";
 
-// Absent names count as the empty text.
+// An absent name counts as the empty text.
 DistinguishedName nameOf(const LibTarnManagedObject& object) {
   return DistinguishedName(textOrEmpty(object.getDistName().getText()));
 }
 
 }  // namespace
 
-// The order gives the ordinals.
+// The order determines the ordinals.
 const LibTarnCmData::Type LibTarnCmData::Type::ACTUAL("actual");
 const LibTarnCmData::Type LibTarnCmData::Type::PLAN("plan");
 const LibTarnCmData::Type LibTarnCmData::Type::DEFAULTS("defaults");
@@ -46,13 +46,10 @@ const LibTarnCmData::Type LibTarnCmData::Type::DEFAULTS("defaults");
 LibTarnCmDataImp::LibTarnCmDataImp(libDomXml::IMemoryPool* pool,
                                    const indexation::ITarnIndexFactory* indexFactory,
                                    util::TarnFactory& factory)
-    : TarnDomElement(pool),
+    : ModelNode(pool, factory, TAG_NAME),
       type_(this, TYPE_ATTRIBUTE),
       indexFactory_(indexFactory),
-      managedObjectIndex_(checkedIndex(indexFactory_->createUniqueAndNonUniqueMultiIndex())),
-      factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
+      managedObjectIndex_(checkedIndex(indexFactory_->createUniqueAndNonUniqueMultiIndex())) {}
 
 LibTarnCmDataImp* LibTarnCmDataImp::clone() const { return clone(factory_); }
 
@@ -104,7 +101,7 @@ LibTarnHeader* LibTarnCmDataImp::getLibTarnHeader() const {
 void LibTarnCmDataImp::setLibTarnHeader(LibTarnHeader& header) {
   auto& element = implementation<LibTarnHeaderImp>(header);
   if (auto* const current = firstTypedChild<LibTarnHeaderImp>(*this)) removeChild(current);
-  // The given one may be a further header of this element.
+  // `header` may be another header of this element.
   removeChild(&element);
   addChild(&element);
 }
@@ -166,8 +163,8 @@ void LibTarnCmDataImp::prepareMoKeys(const LibTarnManagedObjectImp& object, cons
   if (holder && holder != &object) prepareUnindexed();
 }
 
-// Name and class are keys of the index. What is not in it, since another object has its name, must
-// not be removed from it by that name.
+// Name and class are keys of the index. An object that is not indexed, because another one has its
+// name, must not be removed from the index by that name.
 void LibTarnCmDataImp::setMoAttributes(LibTarnManagedObjectImp& object,
                                        StagedAttributes& attributes) {
   const bool isRenamed = attributes.distName.has_value();
@@ -185,7 +182,7 @@ void LibTarnCmDataImp::setMoAttributes(LibTarnManagedObjectImp& object,
   try {
     isAdded = managedObjectIndex_->add(&object);
   } catch (...) {
-    // An index of the host's, which may not know how to prepare.
+    // Only a host's index, which may not implement prepareAdd(), can throw here.
     attributes.takeBack();
     if (wasIndexed) managedObjectIndex_->add(&object);
     throw;
@@ -203,14 +200,15 @@ bool LibTarnCmDataImp::isIndexed(const LibTarnManagedObjectImp& object) const {
   return getLibTarnManagedObject(nameOf(object)) == &object;
 }
 
-// A host can unlink or rename a child past this element: its entry then stays, and each use looks
-// at the child itself. Gives an entry without object when there is none.
+// Returns the first entry of that name whose object satisfies `isIt`; without an object when there
+// is none. A host can unlink or rename a child without this element: its entry then stays, so
+// callers look at the child itself.
 template <class Predicate>
 indexation::ManagedObjectEntry LibTarnCmDataImp::findUnindexed(const char* distName,
                                                                Predicate isIt) const {
   indexation::ManagedObjectEntry key{distName, nullptr, 0};
   while (unindexed_) {
-    const indexation::ManagedObjectEntry* const entry = unindexed_->place(key).entry;
+    const indexation::ManagedObjectEntry* const entry = unindexed_->lowerBound(key).entry;
     if (!entry || std::strcmp(entry->key, distName) != 0) break;
     if (isIt(implementation<LibTarnManagedObjectImp>(*entry->object))) return *entry;
     key.serial = entry->serial + 1;
@@ -224,8 +222,8 @@ indexation::ManagedObjectEntry LibTarnCmDataImp::findChildThatLost(const char* d
   });
 }
 
-// A child that lost that name gets it back. When the index cannot take it, it stays as it is: what
-// freed the name has been done.
+// Indexes a child that lost that name, now that the name is free. When the index cannot take it, it
+// stays unindexed: the edit that freed the name is done.
 void LibTarnCmDataImp::indexUnindexed(const char* distName) {
   const indexation::ManagedObjectEntry entry = findChildThatLost(distName);
   if (!entry.object) return;
@@ -245,7 +243,7 @@ void LibTarnCmDataImp::prepareUnindexed() {
 
 void LibTarnCmDataImp::rememberUnindexed(LibTarnManagedObjectImp& object) {
   prepareUnindexed();
-  // Each add() is a change, so that the numbers differ and grow.
+  // Each add() counts as a change, so the serials are distinct and increase.
   unindexed_->add({nameOf(object).getText(), &object, unindexed_->changes});
 }
 
@@ -256,7 +254,7 @@ void LibTarnCmDataImp::forgetUnindexed(const LibTarnManagedObjectImp& object,
   if (entry.object) unindexed_->erase(entry);
 }
 
-// The one that has the name in the index may be no child any more.
+// The object that has the name in the index may no longer be a child.
 void LibTarnCmDataImp::checkNames() const {
   if (!unindexed_) return;
   std::map<std::string_view, const LibTarnManagedObject*> children;
@@ -296,7 +294,7 @@ void LibTarnCmDataImp::rebuildIndexers() {
   const bool areAdded = addAllChildren();
   for (auto* object = firstTypedChild<LibTarnManagedObjectImp>(*this); object;
        object = nextTypedSibling(*object)) {
-    // One that is indexed already, as after a second rebuild, is no duplicate of itself.
+    // An object that is indexed already, as after a second rebuild, is not a duplicate of itself.
     if (!areAdded && !managedObjectIndex_->add(object) &&
         getLibTarnManagedObject(nameOf(*object)) != object) {
       throw exceptions::DuplicateElementException::instance(
@@ -306,7 +304,7 @@ void LibTarnCmDataImp::rebuildIndexers() {
   }
 }
 
-// For an index of the host's that knows how.
+// Adds all children at once, for a host's index that offers this.
 bool LibTarnCmDataImp::addAllChildren() {
   if (Internals::isLibraryIndexed(*this) || managedObjectIndex_->size() > 0) return false;
   std::vector<indexation::ManagedObjectEntry> entries;

@@ -34,7 +34,7 @@ namespace model {
 namespace {
 
 constexpr const char* NO_CM_DATA_MESSAGE = "Document doesn't have cmData node";
-// As a Validator has it.
+// The path that a Validator would report.
 constexpr const char* BODY_PATH = "tarn > cmData > ";
 
 // Of the elements below the root.
@@ -85,7 +85,7 @@ int LibTarnDocument::parseImpl(std::vector<char> text, bool validate) {
     domDocument_->keepText();
     const Load::Verdict below =
         Load(*domDocument_, validate ? Load::Mode::VALIDATE : Load::Mode::INDEX).run(text);
-    if (validate) below == Load::Verdict::VALID ? checkRootRules() : checkRules();
+    if (validate) below == Load::Verdict::VALID ? validateRoot() : validateTree();
   } catch (const rapidxml::parse_error& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "parseImpl")
         << "Parsing failed: " << error.what();
@@ -108,13 +108,13 @@ Diagnostic LibTarnDocument::validateText(std::vector<char> (*read)(void* reader)
   return document.getDiagnostic();
 }
 
-// Nothing is left of the objects, so that this takes little more memory than the text.
+// Drops every object after validation, so it takes little more memory than the text.
 bool LibTarnDocument::isKnownToBeValid(std::vector<char> text) {
   LibTarnDocument document(OutOfMemory::Throw);
   try {
-    Load load(*document.domDocument_, Load::Mode::ONLY_CHECK);
+    Load load(*document.domDocument_, Load::Mode::VALIDATE_ONLY);
     if (load.run(text) == Load::Verdict::NOT_KNOWN) return false;
-    document.checkRootRules();
+    document.validateRoot();
   } catch (const rapidxml::parse_error&) {
     return false;
   } catch (const exceptions::ModelException&) {
@@ -126,7 +126,7 @@ bool LibTarnDocument::isKnownToBeValid(std::vector<char> text) {
 int LibTarnDocument::validate() {
   diagnostic_ = Diagnostic();
   try {
-    checkRules();
+    validateTree();
     root_->checkNames();
   } catch (const exceptions::ModelException& error) {
     util::Logger(util::Logger::Level::ERROR, TARN_LOG_LOCATION, "validate")
@@ -147,7 +147,7 @@ int LibTarnDocument::validate(std::vector<validation::Violation>* violations, st
   validation::Validator validator(violations, limit, byteLimit);
   root_->accept(validator);
   std::size_t found = validator.getViolationCount();
-  // Names that two objects have are no rule of the walk.
+  // Unique names are not one of the rules of the walk.
   if (found == 0 && ++found <= limit) violations->push_back({diagnostic_.message, BODY_PATH});
   if (count) *count = found;
   return result;
@@ -159,14 +159,14 @@ bool LibTarnDocument::hasAbbreviatedTags() const {
   });
 }
 
-void LibTarnDocument::checkRootRules() const {
+void LibTarnDocument::validateRoot() const {
   validation::Validator validator;
   root_->updatePath(validator);
   root_->dispatchToSelf(validator);
 }
 
-// Walks twice only for a document that is broken, or has parts of the host's.
-void LibTarnDocument::checkRules() const {
+// Walks twice only when a document is not valid, or has objects of host classes.
+void LibTarnDocument::validateTree() const {
   if (validation::keepsRules(*root_)) return;
   validation::Validator validator;
   root_->accept(validator);

@@ -135,7 +135,7 @@ template <class Change>
 void LibTarnDocumentInternal::changeMatching(const LibTarnManagedObject& mask, Change change) {
   const LibTarnCmData* const cmData = getLibTarnCmData();
   if (!cmData) return;
-  // A copy: a change may give an object another place in the index.
+  // A copy: a change may move an object in the index.
   const indexation::ManagedObjectCollection indexed = cmData->getLibTarnManagedObjects();
   const std::list<LibTarnManagedObject*> objects(indexed.begin(), indexed.end());
   util::Logger(util::Logger::Level::INFO, TARN_LOG_LOCATION, "setChangesToMOs")

@@ -13,9 +13,7 @@ namespace libtarn {
 namespace model {
 
 LibTarnExtensionImp::LibTarnExtensionImp(libDomXml::IMemoryPool* pool, util::TarnFactory& factory)
-    : TarnDomElement(pool), parameters_(NAME_ATTRIBUTE), factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
+    : ModelNode(pool, factory, TAG_NAME), parameters_(NAME_ATTRIBUTE) {}
 
 LibTarnExtensionImp* LibTarnExtensionImp::clone() const { return clone(factory_); }
 

@@ -28,7 +28,7 @@ namespace model {
 
 const char* const LibTarnManagedObjectImp::UNIQUE_CONTAINER_ID_ATTR_NAME = NAME_ATTRIBUTE;
 
-// The order gives the ordinals.
+// The order determines the ordinals.
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::CREATE("create");
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::DELETE("delete");
 const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::UPDATE("update");
@@ -37,16 +37,13 @@ const LibTarnManagedObject::Operation LibTarnManagedObject::Operation::AUTO("aut
 LibTarnManagedObjectImp::LibTarnManagedObjectImp(
     libDomXml::IMemoryPool* pool, const IDistinguishedNameValidator* distNameValidator,
     const indexation::ITarnIndexFactory* indexFactory, util::TarnFactory& factory)
-    : TarnDomElement(pool),
+    : ModelNode(pool, factory, TAG_NAME),
       distNameValidator_(distNameValidator),
       indexFactory_(indexFactory),
       scalarIndex_(checkedIndex(indexFactory_->createUniqueScalarNameTarnIndex())),
       listIndex_(checkedIndex(indexFactory_->createUniqueIndexForList())),
       operation_(this, OPERATION_ATTRIBUTE),
-      extensions_(UNIQUE_CONTAINER_ID_ATTR_NAME),
-      factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
+      extensions_(UNIQUE_CONTAINER_ID_ATTR_NAME) {}
 
 LibTarnManagedObjectImp* LibTarnManagedObjectImp::clone() const { return clone(factory_); }
 
@@ -116,7 +113,7 @@ void LibTarnManagedObjectImp::setVersion(const std::string& version) {
 
 void LibTarnManagedObjectImp::clearOperation() { operation_.remove(); }
 
-// An object under another kind of element is in no index.
+// An object below another kind of element is in no index.
 std::uint8_t LibTarnManagedObjectImp::setDistName(const char* distName) {
   if (!distNameValidator_->isValid(distName)) return 1;
   if (auto* const cmData = dynamic_cast<LibTarnCmDataImp*>(getParent())) {
@@ -267,8 +264,9 @@ bool LibTarnManagedObjectImp::hasMatch(const List& pattern) const {
 
 // Changing
 
-// What needs memory or may refuse comes first: the parameters, which are taken back when something
-// behind them throws, and the texts of the attributes. Setting the attributes then cannot fail.
+// First comes everything that needs memory or may be refused: the parameters, which are undone when
+// something after them throws, and the texts of the attributes. Setting the attributes then cannot
+// fail.
 bool LibTarnManagedObjectImp::change(const LibTarnManagedObject& pattern,
                                      const LibTarnManagedObject& values) {
   if (!match(pattern)) return false;
@@ -293,7 +291,7 @@ bool LibTarnManagedObjectImp::change(const LibTarnManagedObject& pattern,
 void LibTarnManagedObjectImp::stageAttributes(const LibTarnManagedObject& pattern,
                                               const LibTarnManagedObject& values,
                                               StagedAttributes& attributes) {
-  // The object keeps its place among those of its class when it stays in it.
+  // An object that stays in its class keeps its position among the objects of the class.
   const char* const className = values.getClass();
   if (className && !isWildcard(className) && !isSameText(className, getClass())) {
     attributes.className.emplace(*this, CLASS_ATTRIBUTE, className);

@@ -14,7 +14,7 @@ namespace model {
 
 namespace {
 
-// Hosts filter their logs by this location, so that it stays whatever moves in this file.
+// Hosts filter their logs by this location, so it stays when lines of this file move.
 constexpr const char* CHANGED_LOCATION = "src/libTARN/model/LogImp.cpp:72";
 
 }  // namespace
@@ -47,7 +47,7 @@ void LogImp::updatePath(validation::Validator& validator) const {
   validator.appendToPath(TAG_NAME, nullptr);
 }
 
-const char* LogImp::getValue() const { return TarnDomElement::getValue(); }
+const char* LogImp::getValue() const { return ModelNode::getValue(); }
 
 const char* LogImp::getAction() const { return getAttribute(ACTION_ATTRIBUTE); }
 

@@ -48,9 +48,9 @@ std::string ScalarImp::getId() const { return getAttribute(NAME_ATTRIBUTE, ""); 
 
 bool ScalarImp::isValueEmpty() const { return isEmptyText(getValue()); }
 
-const char* ScalarImp::getValue() const { return TarnDomElement::getValue(); }
+const char* ScalarImp::getValue() const { return ModelNode::getValue(); }
 
-void ScalarImp::setValue(const char* value) { TarnDomElement::setValue(value); }
+void ScalarImp::setValue(const char* value) { ModelNode::setValue(value); }
 
 bool ScalarImp::match(const Scalar& pattern) const {
   const char* const patternName = pattern.getName();

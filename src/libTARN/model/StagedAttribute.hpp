@@ -8,37 +8,40 @@
 namespace libtarn {
 namespace model {
 
-/// A value that an attribute of an element is to get: everything that needs memory is done when it
-/// is made, so that set() cannot fail.
+/// A new value for an attribute of an element. The constructor allocates everything, so that set()
+/// cannot fail.
 class StagedAttribute {
  public:
-  /// Copies the texts into the pool of `element`, which must live as long as this object. Nothing
-  /// is copied when the attribute has that value already.
+  /// Copies the texts into the pool of `element`, which must live as long as this object. Copies
+  /// nothing when the attribute already has that value.
   StagedAttribute(libDomXml::DomElement& element, const char* name, const char* value);
 
-  /// The value, until set().
+  /// Returns the new value; only before set().
   const char* text() const { return text_; }
-  /// Gives the attribute the value, or adds it.
+  /// Sets the attribute to the value, or adds it.
   void set();
-  /// After set(): the attribute is as it was.
+  /// Undoes set().
   void takeBack();
 
  private:
   libDomXml::DomElement* element_;
   rapidxml::xml_attribute<char>* attribute_;
   bool isNew_;
-  char* text_;  // the value that set() gives, and then the one that there was
+  char* text_;  // the new value; after set() the earlier one
   std::size_t size_;
 };
 
-/// The attributes that a managed object is to get, set in this order.
+/// New attributes of a managed object, set in this order.
 struct StagedAttributes {
   std::optional<StagedAttribute> className;
   std::optional<StagedAttribute> version;
   std::optional<StagedAttribute> distName;
 
+  /// Returns true if a key of the object index changes: class or name.
   bool haveKeys() const { return className || distName; }
+  /// Sets all of them.
   void set();
+  /// Undoes set(), in the opposite order.
   void takeBack();
 };
 

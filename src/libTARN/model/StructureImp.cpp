@@ -19,20 +19,17 @@ namespace model {
 
 namespace {
 
-// Where an item without a parent is, in messages.
-constexpr const char* NO_PLACE = "(list: )";
+// Where an item without a parent is, for messages.
+constexpr const char* NO_PARENT = "(list: )";
 
 }  // namespace
 
 StructureImp::StructureImp(libDomXml::IMemoryPool* pool,
                            const indexation::ITarnIndexFactory* indexFactory,
                            util::TarnFactory& factory)
-    : TarnDomElement(pool),
+    : ModelNode(pool, factory, TAG_NAME),
       indexFactory_(indexFactory),
-      componentIndex_(checkedIndex(indexFactory_->createUniqueScalarNameTarnIndex())),
-      factory_(factory) {
-  xml_base::name(TAG_NAME);
-}
+      componentIndex_(checkedIndex(indexFactory_->createUniqueScalarNameTarnIndex())) {}
 
 StructureImp* StructureImp::clone() const { return clone(factory_); }
 
@@ -51,7 +48,7 @@ libDomXml::ElementCopy StructureImp::copySelf(util::TarnFactory& factory) const 
 
 // A copy is indexed before it has a parent.
 void StructureImp::finishCopy() {
-  if (const ScalarImp* const second = indexComponents()) throwDuplicate(NO_PLACE, *second);
+  if (const ScalarImp* const second = indexComponents()) throwDuplicate(NO_PARENT, *second);
 }
 
 void StructureImp::dispatchToChildren(validation::Validator& validator) const {
@@ -117,18 +114,18 @@ IElement* StructureImp::getFirstChildElement(const char* name) const {
 void StructureImp::removeThisElement() { unlinkFromParent(); }
 
 void StructureImp::rebuildIndexers() {
-  if (const ScalarImp* const second = indexComponents()) throwDuplicate(placeText(), *second);
+  if (const ScalarImp* const second = indexComponents()) throwDuplicate(parentText(), *second);
 }
 
-// The second component of a name, or null.
+// Returns the second component of a name, or null.
 const ScalarImp* StructureImp::indexComponents() {
   auto* child = firstTypedChild<ScalarImp>(*this);
   while (child && indexOnce<Scalar>(*componentIndex_, *child)) child = nextTypedSibling(*child);
   return child;
 }
 
-// An item need not be in a list of a managed object: what is missing counts as "".
-std::string StructureImp::placeText() const {
+// An item need not be in a list of a managed object: a missing part counts as "".
+std::string StructureImp::parentText() const {
   const auto* const list = dynamic_cast<const ListImp*>(getParent());
   const auto* const object =
       list ? dynamic_cast<const LibTarnManagedObjectImp*>(list->getParent()) : nullptr;
@@ -136,9 +133,9 @@ std::string StructureImp::placeText() const {
   return distName + "(list: " + (list ? list->getId() : "") + ")";
 }
 
-void StructureImp::throwDuplicate(const std::string& place, const ScalarImp& component) {
+void StructureImp::throwDuplicate(const std::string& parent, const ScalarImp& component) {
   throw exceptions::DuplicateElementException::instance(
-      Scalar::TAG_NAME, place.c_str(), NAME_ATTRIBUTE, textOrEmpty(component.getName()));
+      Scalar::TAG_NAME, parent.c_str(), NAME_ATTRIBUTE, textOrEmpty(component.getName()));
 }
 
 }  // namespace model

@@ -31,8 +31,8 @@ TarnDomDocument::TarnDomDocument(libDomXml::OutOfMemory outOfMemory)
   declaration_ = createDocumentDeclaration();
 }
 
-// On the heap, whereas the constructor above maps memory: hosts that bring their own parts keep
-// many small documents.
+// On the heap, unlike the constructor above: hosts that bring their own parts keep many small
+// documents.
 TarnDomDocument::TarnDomDocument(IDistinguishedNameValidator* validator,
                                  indexation::ITarnIndexFactory* indexFactory)
     : DomDocument(false), factory_(*this, validator, indexFactory) {
@@ -70,7 +70,7 @@ TarnDomElement* TarnDomDocument::allocateStructureNode() {
 
 bool TarnDomDocument::isTopLevelNode() const { return load_ && load_->isTopLevel(); }
 
-// A document has one declaration: a further one in the text fills it anew and moves it to the end.
+// A document has one declaration: another one in the text resets it and moves it to the end.
 TarnDomElement* TarnDomDocument::reuseDeclaration() {
   if (load_ && !isTopLevelNode()) {
     throw rapidxml::parse_error("unknown TARN object", parsePosition_);
@@ -82,7 +82,7 @@ TarnDomElement* TarnDomDocument::reuseDeclaration() {
   return static_cast<TarnDomElement*>(declaration_);
 }
 
-// Likewise the root; its children stay and more are added to them.
+// The same for the root; its children stay, and more are added.
 TarnDomElement* TarnDomDocument::reuseRoot(const char* nameEnd) {
   if (!isTopLevelNode() || !root_) {
     throw rapidxml::parse_error("unknown TARN object", const_cast<char*>(nameEnd));
@@ -93,16 +93,16 @@ TarnDomElement* TarnDomDocument::reuseRoot(const char* nameEnd) {
   return root_;
 }
 
-// A node as the factory would make it.
+// Returns a node as the factory would make it.
 template <class Element>
 Element* TarnDomDocument::makeNode() {
   static_assert(alignof(Element) <= alignment, "a pool aligns to the size of a pointer");
   return new (allocateObject(sizeof(Element))) Element(this, factory_);
 }
 
-// The first tag of which the name is a beginning decides, so that "manag" is a managed object. The
-// tags differ in their first letters, but that "log" comes before "list". A scalar, whose tag has
-// no beginnings, has been told apart before.
+// The first tag that starts with `name` decides: "manag" is a managed object. The tags differ in
+// their first letters, except "log", which comes before "list". A scalar, whose tag has no shorter
+// beginning, has been handled before.
 TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::size_t size) {
   const auto begins = [name, size](const char* tag) {
     std::size_t i = 1;
@@ -164,7 +164,7 @@ TarnDomElement* TarnDomDocument::createTarnElement() {
 int TarnDomDocument::parse(const char* text, boost::shared_ptr<libDomXml::IStripper> stripper) {
   std::unique_ptr<char[]> copy = copyOf(text, stripper.get());
   leaveTree();
-  return parseInPlaceOfEarlier(std::move(copy));
+  return parseReplacingText(std::move(copy));
 }
 
 int TarnDomDocument::parse(std::unique_ptr<char[]> text) {
@@ -186,13 +186,12 @@ void TarnDomDocument::takeText(std::vector<char>& text) {
     throw rapidxml::parse_error("unexpected end of data", text.data() + text.size());
   }
   leaveTree();
-  buffer_.swap(text);
+  text_.swap(text);
 }
 
 void TarnDomDocument::keepText() {
-  if (buffer_.empty()) return;
-  keptTexts_.emplace_back();
-  keptTexts_.back().swap(buffer_);
+  if (text_.empty()) return;
+  keptTexts_.push_back(std::move(text_));
 }
 
 int TarnDomDocument::rapidParse(char* text) {
@@ -224,9 +223,9 @@ std::size_t TarnDomDocument::getTextOffset(const rapidxml::parse_error& error) c
   return static_cast<std::size_t>(error.where<char>() - textStart_);
 }
 
-// The name is where the tag has it, right behind the "<". Names from elsewhere are compared as
-// numbers: they may lie in another block of memory. The parser has come to the end of the text, or,
-// in a failed parse, behind the names of all elements that there are.
+// The name points into the text, right after the "<" of the tag. A name from elsewhere may lie in
+// another block of memory, so addresses are compared as numbers. After a parse, the parser's
+// position is the end of the text; after a failed one it is after the names of all elements.
 std::size_t TarnDomDocument::getTextOffset(const rapidxml::xml_node<char>& element) const {
   if (!parsePosition_) return util::NO_OFFSET;
   const auto start = reinterpret_cast<std::uintptr_t>(textStart_);
@@ -235,8 +234,9 @@ std::size_t TarnDomDocument::getTextOffset(const rapidxml::xml_node<char>& eleme
   return isInText ? name - start - 1 : util::NO_OFFSET;
 }
 
-// Declaration and root outlive the text of a parse; what hangs below the root goes with it. What a
-// host added before the first parse stays. Without memory for the texts the elements stay, too.
+// Declaration and root outlive the text of a parse; the elements below the root are freed with it.
+// What a host added before the first parse stays. Without memory for the texts the elements stay,
+// too.
 void TarnDomDocument::leaveTree() {
   LibTarnDocumentInternal* const parsed = parsePosition_ ? root_ : nullptr;
   if (parsed) parsed->rapidxml::xml_base<char>::value(static_cast<const char*>(nullptr), 0);
@@ -247,15 +247,15 @@ void TarnDomDocument::leaveTree() {
 }
 
 std::size_t TarnDomDocument::getMemorySize() const {
-  std::size_t size = pool_size() + buffer_.capacity();
-  for (const std::vector<char>& text : keptTexts_) size += text.capacity();
+  std::size_t size = pool_size() + text_.capacity();
+  for (const libDomXml::DocumentText& text : keptTexts_) size += text.capacity();
   return size;
 }
 
 std::string TarnDomDocument::printDocument() {
   std::string out;
-  // A guess that spares most documents the copies of a text that grows.
-  out.reserve(buffer_.size() + buffer_.size() / 16);
+  // An estimate that spares most documents the copies of a text that grows.
+  out.reserve(text_.size() + text_.size() / 16);
   rapidxml::print_node(out, declaration_, 0, 0);
   if (root_) rapidxml::print_node(out, root_, 0, 0);
   return out;

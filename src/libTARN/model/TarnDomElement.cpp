@@ -29,8 +29,8 @@ TarnDomElement* skipToModelElement(Node* node, const char* name) {
   return nullptr;
 }
 
-// The factory that builds for `pool`. A pool that is no document gets one of its own, which lives
-// as long as what it builds.
+// Returns the factory that builds in `pool`. A pool that is not a document gets a factory of its
+// own, which lives as long as what it builds.
 util::TarnFactory& factoryOf(libDomXml::IMemoryPool* pool) {
   if (auto* const document = dynamic_cast<TarnDomDocument*>(pool)) return document->getFactory();
   TARN_ASSERT(pool, "pool");
@@ -67,7 +67,7 @@ void TarnDomElement::cloneChildren(TarnDomElement* target) const {
   libDomXml::IMemoryPool* const pool = target->getDomFactory()->getMemoryPool();
   util::TarnFactory* const factory =
       pool == domFactory_.getMemoryPool() ? nullptr : &factoryOf(pool);
-  // Up to the child that is last now: the target may be this element.
+  // Ends at the child that is last now: the target may be this element.
   const Node* const last = last_node();
   for (const Node* node = first_node();; node = node->next_sibling()) {
     const auto& child = static_cast<const libDomXml::DomElement&>(*node);
@@ -82,7 +82,7 @@ libDomXml::ElementCopy TarnDomElement::copySelf(util::TarnFactory& factory) cons
 
 void TarnDomElement::finishCopy() {}
 
-// A class of the host's with a clone() of its own is asked for it.
+// A host class with its own clone() is asked for its copy.
 TarnDomElement* TarnDomElement::cloneTree(util::TarnFactory& factory) const {
   using libDomXml::ElementCopy;
   const auto copyOne = [this, &factory](const libDomXml::DomElement& element) {

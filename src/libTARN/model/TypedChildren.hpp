@@ -11,8 +11,8 @@
 namespace libtarn {
 namespace model {
 
-/// `object` as an `Imp`, or null when it is of another class. Cheap for objects of exactly that
-/// class.
+/// Returns `object` as an `Imp`, or null when it is of another class. Cheap for objects of exactly
+/// that class.
 template <class Imp, class Base>
 auto elementCast(Base* object) -> std::conditional_t<std::is_const_v<Base>, const Imp*, Imp*> {
   using Result = std::conditional_t<std::is_const_v<Base>, const Imp*, Imp*>;
@@ -22,7 +22,7 @@ auto elementCast(Base* object) -> std::conditional_t<std::is_const_v<Base>, cons
   return dynamic_cast<Result>(object);
 }
 
-/// The node class behind an element interface. Elements of other implementations are not taken
+/// Returns the node class behind an element interface. The element must be of this library
 /// (asserted).
 template <class Imp, class Interface>
 auto& implementation(Interface& element) {
@@ -31,7 +31,8 @@ auto& implementation(Interface& element) {
   return *imp;
 }
 
-/// `node` itself, or the first sibling behind it, that has the tag and the class of `Imp`.
+/// Returns the first of `node` and the siblings after it that has the tag and the class of `Imp`,
+/// or null. `node` has the tag, or is null.
 template <class Imp>
 Imp* skipToTyped(rapidxml::xml_node<char>* node) {
   while (node) {
@@ -43,7 +44,7 @@ Imp* skipToTyped(rapidxml::xml_node<char>* node) {
   return nullptr;
 }
 
-/// `node` as an `Imp`, or null when it has another tag or class.
+/// Returns `node` as an `Imp`, or null when it has another tag or class.
 template <class Imp>
 Imp* typedAs(rapidxml::xml_node<char>* node) {
   constexpr std::string_view TAG = Imp::TAG_NAME;
@@ -53,15 +54,15 @@ Imp* typedAs(rapidxml::xml_node<char>* node) {
   return elementCast<Imp>(static_cast<libDomXml::DomElement*>(node));
 }
 
-/// First child with the tag and the class of `Imp`, or null. The tag alone does not do, since a
-/// host can give an element any tag.
+/// Returns the first child with the tag and the class of `Imp`, or null. The tag alone is not
+/// enough: a host can give an element any tag.
 template <class Imp>
 Imp* firstTypedChild(const rapidxml::xml_node<char>& parent) {
   return skipToTyped<Imp>(parent.first_node(Imp::TAG_NAME));
 }
 
-/// Next sibling with the tag and the class of `Imp`, or null; null for an element that is not
-/// linked.
+/// Returns the next sibling with the tag and the class of `Imp`, or null; null also for an element
+/// that is not linked.
 template <class Imp>
 Imp* nextTypedSibling(const Imp& element) {
   const rapidxml::xml_node<char>& node = element;

@@ -19,8 +19,8 @@ UndoLog::~UndoLog() {
   }
 }
 
-// Every edit is remembered before it is made: then there is room to remember it, and taking back
-// one that has not been made changes nothing.
+// Every edit is noted before it is made, so that there is memory to note it. To undo an edit that
+// has not been made changes nothing.
 
 void UndoLog::setValue(Scalar& scalar, const char* value) {
   rapidxml::xml_base<char>& record = implementation<ScalarImp>(scalar);
@@ -63,7 +63,7 @@ void UndoLog::ChildUnlinked::undo() const {
   if (!child->parent()) parent->insert_node(next, child);
 }
 
-// An index that has just lost an entry takes one of the same name without memory.
+// An index that has just removed an entry can add one of the same name without memory.
 template <class Element>
 Element* UndoLog::putIntoIndex(indexation::ITarnUniqueIndex<Element>& index, Element& element) {
   edits_.emplace_back(PutIntoIndex<Element>{&index, nullptr, nullptr});

@@ -16,12 +16,12 @@ class LibTarnCmDataImp;
 class LibTarnManagedObjectImp;
 class Scalar;
 
-/// Edits that are made all together or not at all: each one is made at once and remembered, and all
-/// of them are taken back, last one first, unless keep() is called before the log ends.
+/// Edits that are made all together or not at all. Each edit is made at once and noted; the
+/// destructor undoes all of them, last one first, unless keep() has been called.
 ///
-/// Taking back needs no memory and does not throw, for the indexes of the library; what an index of
-/// the host's throws then is dropped. An edit that throws has changed nothing itself. The elements
-/// must live as long as the log.
+/// With the library's indexes undoing needs no memory and does not throw; what a host's index
+/// throws then is dropped. An edit that throws has changed nothing. The elements must live as long
+/// as the log.
 class UndoLog {
  public:
   UndoLog() = default;
@@ -29,18 +29,19 @@ class UndoLog {
   UndoLog& operator=(const UndoLog&) = delete;
   ~UndoLog();
 
-  /// Nothing is taken back any more.
+  /// Keeps the edits: the destructor undoes nothing.
   void keep() { edits_.clear(); }
 
   /// Sets the text of a parameter.
   void setValue(Scalar& scalar, const char* value);
-  /// Writes the operation of an object.
+  /// Sets the operation of an object.
   void setOperation(LibTarnManagedObjectImp& object, LibTarnManagedObject::Operation operation);
   /// Links `child`, of the same pool, as the last child of `parent`.
   void append(libDomXml::DomElement& parent, libDomXml::DomElement& child);
-  /// Unlinks `child`, when it is one of `parent`.
+  /// Unlinks `child`; does nothing when it is not a child of `parent`.
   void unlink(libDomXml::DomElement& parent, libDomXml::DomElement& child);
-  /// Puts `element` into the index in place of the one of its name. Returns that one, or null.
+  /// Puts `element` into the index and removes the element that had its name. Returns that one, or
+  /// null.
   template <class Element>
   Element* putIntoIndex(indexation::ITarnUniqueIndex<Element>& index, Element& element);
   /// Adds an object, unless its name is taken.
@@ -71,14 +72,14 @@ class UndoLog {
   struct ChildUnlinked {
     Node* parent;
     Node* child;
-    Node* next;  // before which it stood, or null
+    Node* next;  // the next sibling, or null
     void undo() const;
   };
   template <class Element>
   struct PutIntoIndex {
     indexation::ITarnUniqueIndex<Element>* index;
-    Element* added;    // null as long as it is not
-    Element* removed;  // null when there was none, and as long as it is not
+    Element* added;    // null until it has been added
+    Element* removed;  // null until it has been removed, or when there was none
     void undo() const;
   };
   struct ObjectAdded {

@@ -3,7 +3,7 @@
 namespace libtarn {
 namespace model {
 
-// Attributes that more than one source names; arrays, so that look-ups know their length.
+// Attributes that more than one source names. They are arrays, so that look-ups know their lengths.
 constexpr char ACTION_ATTRIBUTE[] = "action";
 constexpr char CLASS_ATTRIBUTE[] = "class";
 constexpr char DATE_TIME_ATTRIBUTE[] = "dateTime";
@@ -13,7 +13,7 @@ constexpr char OPERATION_ATTRIBUTE[] = "operation";
 constexpr char VERSION_ATTRIBUTE[] = "version";
 constexpr char XMLNS_ATTRIBUTE[] = "xmlns";
 
-// The one namespace that the library knows.
+// The only namespace that the library knows.
 constexpr const char* XMLNS = "tarn21.xsd";
 
 }  // namespace model

@@ -7,14 +7,14 @@
 namespace libtarn {
 namespace model {
 
-/// Adds `element` to `index`. True also when the index holds this very element already, as after a
-/// second rebuild; false when it holds another one of that name.
+/// Adds `element` to `index`. Returns true also when the index already holds this very element, as
+/// after a second rebuild; false when it holds another one of that name.
 template <class Element>
 bool indexOnce(indexation::ITarnUniqueIndex<Element>& index, Element& element) {
   return index.add(&element) || index.find(textOrEmpty(element.getName())) == &element;
 }
 
-/// A fresh index, which a factory may fail to give.
+/// Returns `index`, which must not be null (asserted).
 template <class Index>
 Index* checkedIndex(Index* index) {
   TARN_ASSERT(index, "memory");

@@ -8,15 +8,15 @@
 namespace libtarn {
 namespace util {
 
-// The order gives the ordinals.
+// The order determines the ordinals.
 const Logger::Level Logger::Level::DEBUG("DEBUG");
 const Logger::Level Logger::Level::ERROR("ERROR");
 const Logger::Level Logger::Level::INFO("INFO");
 
 namespace {
 
-// Null without memory. Not new (std::nothrow): a host that counts its heap may replace only the
-// usual operator new, and what a sanitizer allocates for the other one is nothing that it can free.
+// Returns null without memory. Uses the usual operator new: a host that counts its heap may replace
+// only that one, and a sanitizer's new (std::nothrow) does not match its delete.
 std::ostringstream* newStream() {
   try {
     return new std::ostringstream;
@@ -25,7 +25,7 @@ std::ostringstream* newStream() {
   }
 }
 
-// Without memory for the text a line comes without it: that there was one may be what counts.
+// Without memory for the text, the line is passed on without it: that there was a line may matter.
 std::string textOf(const std::ostringstream* stream) {
   try {
     return stream ? stream->str() : std::string();
@@ -56,7 +56,7 @@ Logger::~Logger() {
   TARN_ASSERT(0 != function_, "0 != function");
   try {
     print(level_, location_, function_, textOf(stream_).c_str());
-  } catch (...) {  // NOLINT(bugprone-empty-catch): a line that cannot be written stops nobody
+  } catch (...) {  // NOLINT(bugprone-empty-catch): a line that cannot be written stops nothing
   }
   delete stream_;
 }

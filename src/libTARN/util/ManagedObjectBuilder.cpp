@@ -37,7 +37,7 @@ ManagedObjectBuilder& ManagedObjectBuilder::setClass(const char* className) {
   return *this;
 }
 
-// Not through the object's setDistName(), which takes whole names only.
+// Not with the object's setDistName(), which accepts whole names only.
 ManagedObjectBuilder& ManagedObjectBuilder::setDistName(const char* distName) {
   setAttribute(object_, DistinguishedName::ATTR_NAME, distName);
   return *this;

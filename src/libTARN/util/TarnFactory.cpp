@@ -27,7 +27,7 @@ namespace {
 
 constexpr const char* APP_INFO_ATTRIBUTE = "appInfo";
 
-// `arguments` build a `Type` in `pool`.
+// Constructs a `Type` in `pool`.
 template <class Type, class... Arguments>
 Type* constructIn(libDomXml::IMemoryPool& pool, Arguments&&... arguments) {
   static_assert(alignof(Type) <= sizeof(void*), "a pool aligns to the size of a pointer");

@@ -5,8 +5,8 @@
 namespace libtarn {
 namespace util {
 
-/// Reports a copy operation that a class must offer but nobody may call. `operation` is the
-/// operation as the message names it.
+/// Logs a call of a copy operation that a class must offer but nobody may call. `operation` is its
+/// name in the message.
 inline void logForbiddenClone(const char* location, const char* operation) {
   Logger(Logger::Level::ERROR, location, "clone") << operation << " shouldn't be called!";
 }

@@ -1,5 +1,5 @@
-// Every short text over the characters that mean something to the parser. Each stands in a buffer
-// of exactly its size, so that the sanitizers see a read past its end.
+// Every short text of the characters that have a meaning for the parser. Each is in a buffer of
+// exactly its size, so that the sanitizers detect a read past its end.
 
 #include <gtest/gtest.h>
 
@@ -20,8 +20,8 @@ bool isBlank(const char* text, std::size_t size) {
   return std::string(text, size).find_first_not_of(" \t\r\n") == std::string::npos;
 }
 
-// What printing loses: the value of an element that has children, a value of blanks alone (which
-// only references can make), and a value with a zero byte ends the text (no digits here make one).
+// Printing loses the value of an element with children, a value of blanks only (which only
+// references can make), and what follows a NUL in a value (which no digits here can make).
 bool survivesPrinting(const rapidxml::xml_node<char>& top) {
   for (auto* node = top.first_node(); node; node = node->next_sibling()) {
     if (node->type() == node_element && node->value_size() > 0 &&
@@ -33,7 +33,7 @@ bool survivesPrinting(const rapidxml::xml_node<char>& top) {
   return true;
 }
 
-// Whether `text` parses; what parses must print and parse again to the same tree.
+// Returns true if `text` parses. It must then print, and parse again to the same tree.
 bool check(const std::string& text, char* buffer) {
   std::copy(text.begin(), text.end(), buffer);
   buffer[text.size()] = '\0';

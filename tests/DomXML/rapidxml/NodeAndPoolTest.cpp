@@ -32,7 +32,7 @@ Value valueAt(const void* record, std::size_t offset) {
   return value;
 }
 
-TEST(NodeTest, FieldsStandInTheirOrder) {
+TEST(NodeTest, FieldsHaveTheirOrder) {
   xml_document<char> document;
   auto* const parent = document.allocate_node(node_element, "parent", nullptr, 0, 0);
   auto* const before = document.allocate_node(node_element, "b", nullptr, 0, 0);
@@ -96,7 +96,7 @@ TEST_F(NodeTreeTest, LookUpsFindByNameInBothDirections) {
   EXPECT_NE(root->first_node("b"), root->last_node("b"));
   EXPECT_EQ(root->first_node("abc", 1), root->first_node());
   EXPECT_EQ(root->last_node("a", 0, false), root->first_node("A"));
-  // Names that are compared whatever their case, up to the last letter and no further.
+  // Comparison without case, up to the last letter and no further.
   root->append_node(make("aZ"));
   EXPECT_EQ(root->first_node("Az ", 2, false), root->last_node());
   EXPECT_EQ(root->first_node("a[", 0, false), nullptr);
@@ -311,10 +311,10 @@ TEST_F(PoolTest, AllocatorMayOnlyBeSetBeforeTheFirstAllocation) {
                "m_begin == m_static_memory && m_ptr == align\\(m_begin\\)");
 }
 
-// What a growing allocator was told, and gave, one call after the other.
+// Arguments and results of a growing allocator, call by call.
 std::vector<std::pair<void*, void*>> newestAndNext;
 
-TEST_F(PoolTest, GrowingAllocatorIsToldTheNewestBlock) {
+TEST_F(PoolTest, GrowingAllocatorIsReportedTheNewestBlock) {
   newestAndNext.clear();
   const auto growing = [](std::size_t size, void* newest) {
     newestAndNext.emplace_back(newest, countingAllocate(size));
@@ -339,7 +339,7 @@ TEST_F(PoolTest, AllocatorThatWasSetLastIsTheOne) {
   pool.allocate_string(nullptr, 2000);
   EXPECT_EQ(blockSizes.size(), 1U);
 
-  // Neither of them: the heap.
+  // Without an allocator: the heap.
   memory_pool<char> other;
   other.set_growing_allocator(growing, &countingRelease);
   other.set_allocator(nullptr, nullptr);
@@ -381,7 +381,7 @@ TEST_F(PoolTest, ForgottenMemoryOfTheCurrentBlockIsGivenOutAgain) {
   pool.forget_from(second);
   EXPECT_EQ(pool.allocate_aligned(2048), inNewBlock);
   EXPECT_EQ(blockSizes.size(), 1U);
-  // Blocks lie in any order.
+  // Blocks may have any order in memory.
   pool.allocate_aligned(235520);
   pool.forget_from(inNewBlock);
   void* const inThirdBlock = pool.allocate_aligned(64);

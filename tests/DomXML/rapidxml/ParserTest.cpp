@@ -95,7 +95,7 @@ struct FaultCase {
   std::ptrdiff_t offset;
 };
 
-TEST(ParserTest, FaultsAreToldWithTheirPosition) {
+TEST(ParserTest, FaultsAreReportedWithTheirPlace) {
   const FaultCase cases[] = {
       {"x", "expected <", 0},
       {" <a/> x", "expected <", 6},
@@ -177,7 +177,7 @@ TEST(ParserTest, AttributeNameEndsWhereTheNameEnds) {
   char* cursor = text.data();
   document.parse<33>(cursor);
   EXPECT_STREQ(document.first_node()->first_attribute()->name(), "name");
-  // The equal sign has become a zero.
+  // A NUL has replaced the equal sign.
   EXPECT_EQ(text.find('='), std::string::npos);
 }
 
@@ -203,7 +203,7 @@ TEST(ParserTest, CompleteNodesStayLinkedAfterAFaultAndOpenOnesAreDetached) {
   EXPECT_EQ(tarn_test::dump(document), "{a}");
 }
 
-TEST(ParserTest, OpenElementsAreLeftDetachedAndWithoutTheBlanksBehindTheirTag) {
+TEST(ParserTest, OpenElementsAreLeftDetachedAndWithoutTheBlanksAfterTheirTag) {
   struct Keeping : xml_document<char> {
     std::vector<rapidxml::xml_node<char>*> made;
     rapidxml::xml_node<char>* allocate_node(rapidxml::node_type type, const char* name,
@@ -225,7 +225,8 @@ TEST(ParserTest, OpenElementsAreLeftDetachedAndWithoutTheBlanksBehindTheirTag) {
   }
 }
 
-// A host's hook may hand out one node for several, which the document links where it does not look.
+// A host's hook may return the same node several times, also one that is linked where the document
+// does not look.
 TEST(ParserTest, NameOfANodeThatIsUsedAgainIsThatOfTheNewText) {
   struct Recycling : xml_document<char> {
     rapidxml::xml_node<char>* allocate_node(rapidxml::node_type type, const char* name,
@@ -276,8 +277,8 @@ TEST(ParserTest, SecondParseDetachesTheFirst) {
   EXPECT_EQ(tarn_test::dump(document), "{b}");
 }
 
-// The cursor given to parse() is at the name when an element is asked for, and behind it when an
-// attribute is.
+// The cursor given to parse() is at the name when the hook for an element is called, and after it
+// for an attribute.
 TEST(ParserTest, AllocationHooksAreCalledInOrderWithTheCursorAtTheName) {
   struct Watching : xml_document<char> {
     char* position = nullptr;
@@ -332,7 +333,7 @@ TEST(ParserTest, FiveThousandLevelsPrintIndentedOnASmallStack) {
     document.parse<33>(cursor);
     rapidxml::print_node(printed, &document, 0, 0);
   });
-  // Start and end tags at depths 0 to 4,999; the innermost element stands on one line.
+  // Start and end tags at depths 0 to 4,999; the innermost element is one line.
   EXPECT_EQ(printed.size(), depth * (depth - 1) - (depth - 1) + depth * 7 + (2 * depth - 1) + 1);
 }
 

@@ -46,7 +46,7 @@ TEST(PrinterTest, SpecialCharactersOfValuesBecomeReferences) {
   EXPECT_EQ(printed("<a>&quot;></a>"), "<a>&quot;&gt;</a>\n\n");
 }
 
-TEST(PrinterTest, AttributeWithDoubleQuoteStandsInSingleQuotes) {
+TEST(PrinterTest, AttributeWithDoubleQuoteIsPrintedInSingleQuotes) {
   EXPECT_EQ(printed("<a x='1\"2&apos;3&lt;'/>"), "<a x='1\"2&apos;3&lt;'></a>\n\n");
   EXPECT_EQ(printed("<a x=\"1'2\"/>"), "<a x=\"1'2\"></a>\n\n");
 }

@@ -57,7 +57,7 @@ TYPED_TEST(ScannerTest, RunsEndWhereASearchByteByByteEnds) {
   const std::string characters = "ab ab \t\n\r<&'\"=/>?!xyzxyz\x01\x7f\x80\xff";
   for (int round = 0; round < 400; ++round) {
     SCOPED_TRACE("seed 21, round " + std::to_string(round));
-    // Few different characters make long runs.
+    // With few different characters, runs are long.
     const std::size_t kinds = 1 + random() % characters.size();
     std::string text(random() % 300, ' ');
     for (char& c : text)
@@ -85,7 +85,7 @@ TYPED_TEST(ScannerTest, CursorsMayJumpOverTextThatWasNotMeasured) {
   EXPECT_EQ(scanner.template end_of<Text>(edge.text() + 10004), edge.text() + 10034);
 }
 
-// Every byte value at every place of a block.
+// Every byte value at every position of a block.
 TYPED_TEST(ScannerTest, MasksMarkExactlyTheBytesThatMatch) {
   for (int byte = 0; byte < 256; ++byte) {
     for (std::size_t place = 0; place < TypeParam::size; ++place) {
@@ -113,7 +113,7 @@ TYPED_TEST(ScannerTest, MasksMarkExactlyTheBytesThatMatch) {
   }
 }
 
-TEST(ParserAtTheEdgeTest, NothingBehindTheTerminatorIsRead) {
+TEST(ParserAtTheEdgeTest, NothingAfterTheTerminatingNulIsRead) {
   const std::string document =
       "<?xml version='1.0'?><!-- c --><a b=\"1\" cc='22'>text &amp; more<d  e = \"f\" />  "
       "<g>h</g></a> ";

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The command in little address space: it does its work, or says that there is not enough memory.
+"""The command in little address space: it succeeds, or reports that there is not enough memory.
 
 Arguments: the command, bench/make_document.py, and "full" for every limit from 20,000 to 400,000 KiB
 in steps of 10,000 instead of a few.

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What happens to a file while the command replaces it: signals, and changes by others.
+"""Signals, and changes by others, while the command replaces a file.
 
 Arguments: the command, and the library that holds it up while it flushes the new file.
 """
@@ -21,10 +21,10 @@ HELD_DISK = sys.argv[2]
 SOURCE = document(managed_object("A-1", body='<p name="a">1</p>'))
 CHANGE = ["set", "--p", "a=2", "--in-place"]
 
-# What a process cannot handle, and what does not end one that does not.
+# Signals that a process cannot handle, and signals that do not end one without a handler.
 NO_ENDING = {signal.SIGKILL, signal.SIGSTOP, signal.SIGCHLD, signal.SIGCONT, signal.SIGURG,
              signal.SIGWINCH, signal.SIGTSTP, signal.SIGTTIN, signal.SIGTTOU}
-# The status of what comes into effect only when the file is in place: the C library's own signals,
+# Signals that have an effect only after the file has been replaced: those that the C library reserves,
 # and one that the command ignores.
 LATE = {32: -32, 33: -33, signal.SIGXFSZ: 0}
 ENDING = [number for number in range(1, signal.SIGRTMAX + 1) if number not in NO_ENDING]
@@ -41,7 +41,7 @@ class HeldCase(CommandCase):
                                          TARN_HELD_FILE=self.mark), **options)
 
     def start_held(self, *arguments, **options):
-        """Starts the command and waits until the new file is complete but not in place."""
+        """Starts the command and waits until the new file is complete but has not replaced the old one."""
         process = self.start(*arguments, **options)
         self.wait_until_held(process)
         return process
@@ -52,7 +52,7 @@ class HeldCase(CommandCase):
             time.sleep(0.001)
 
     def finish(self, process):
-        """Lets the command go on; returns its status and what it wrote."""
+        """Lets the command continue; returns its status and its output."""
         if os.path.exists(self.mark):
             os.remove(self.mark)
         out, err = process.communicate()
@@ -179,7 +179,7 @@ class FreshnessTest(HeldCase):
                 result = run(TARN, "set", name, "--p", "a=2", "-o", path, stdin=file)
                 self.assertEqual((result.returncode, result.stderr), (5, self.refusal(path)))
                 self.expect_untouched(path, other)
-        # What is not read is nobody's business.
+        # The command does not look at files that it does not read.
         with open(path, "rb") as file:
             os.replace(self.file(SOURCE, "other"), path)
             self.assertEqual(run(TARN, *CHANGE, path, stdin=file).returncode, 0)
@@ -196,7 +196,7 @@ class FreshnessTest(HeldCase):
         os.mkfifo(fifo)
         delta = self.path("source.xml")
         process = self.start("merge", fifo, delta, "-o", delta)
-        # The command opens the source when it has looked where the result goes.
+        # The command opens the source after the destination.
         with open(fifo, "w", encoding="utf-8") as source:
             self.file(document(managed_object("A-1", "update")), "source.xml")
             source.write(SOURCE)
@@ -295,7 +295,7 @@ class LockTest(HeldCase):
             self.assertEqual(run(TARN, *CHANGE, path).returncode, 0)
 
     def expect_no_loss(self, script):
-        """`script` is of a shell, $0 the command, $1 the file and $2 the change."""
+        """Runs `script` in a shell: $0 is the command, $1 the file and $2 the change."""
         path = self.file(document(managed_object("A-1")), "source.xml")
         for number in range(10):
             names = [f"r{number}w{writer}" for writer in range(8)]

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The command without memory: whichever allocation fails, it says so and leaves files as they were.
+"""The command without memory: whichever allocation fails, it reports that and leaves files unchanged.
 
 Arguments: the command, and the library that lets allocations and starts of threads fail.
 """
@@ -27,7 +27,7 @@ DELTA = document(managed_object("A-1", "update", '<p name="a">2</p>')
                  + managed_object("A-3", "create"))
 CONFLICT = document(managed_object("A-2", "create"))
 
-# What is run on the file.
+# The commands that are run on the file.
 COMMANDS = {
     "check": ["check", "{}"],
     "check of several": ["check", "{}", "{delta}", "{}", "--jobs", "3"],
@@ -63,7 +63,7 @@ def arguments_in(folder, name):
 
 class MemoryFaultTest(CommandCase):
     def run_with_fault(self, name, number, variable, **options):
-        """Answers whether it came to the fault."""
+        """Returns true if the fault happened."""
         with tempfile.TemporaryDirectory() as folder:
             mark = os.path.join(folder, "mark")
             write_files(folder)
@@ -71,29 +71,29 @@ class MemoryFaultTest(CommandCase):
                 os.environ, LD_PRELOAD=FAILING_MEMORY, TARN_FAULT_FILE=mark,
                 **{variable: str(number)}, **options))
             happened = os.path.exists(mark)
-            told = result.stderr.decode()
+            reported = result.stderr.decode()
             where = f"{name}, {variable}={number} {options}: {result}"
             with open(os.path.join(folder, "document.xml"), encoding="utf-8") as file:
                 text = file.read()
             if not happened:
                 self.results[name] = (result.returncode, text)
             elif result.returncode == FILE_ERROR:
-                self.assertIn("not enough memory", told + result.stdout.decode(), where)
-            # Nothing that takes memory comes behind the replacing.
+                self.assertIn("not enough memory", reported + result.stdout.decode(), where)
+            # Nothing allocates memory after the replacement.
             if result.returncode == FILE_ERROR:
                 self.assertEqual(text, SOURCE, where)
             if happened and result.returncode != FILE_ERROR:
                 self.first_survived = min(self.first_survived, number)
             self.outcomes[name].add((result.returncode, text, where))
-            if name == "check of several" and told != NO_MEMORY and "TARN_FAIL_LASTING" not in options:
-                # What fails once leaves the others their results.
+            if name == "check of several" and reported != NO_MEMORY and "TARN_FAIL_LASTING" not in options:
+                # When one fails, the others get their results.
                 self.assertGreaterEqual(result.stdout.decode().count(": ok"), 2, where)
             left = set(os.listdir(folder)) - {"mark", "made.xml.gz", "packed.xml.gz"}
             self.assertEqual(left, set(FILES), where)
             return happened
 
     def trace(self, name, **options):
-        """Each call of operator new that counts, by its size and place."""
+        """Returns each counted call of operator new, by its size and offset in the library."""
         with tempfile.TemporaryDirectory() as folder:
             path = os.path.join(folder, "trace")
             write_files(folder)
@@ -103,7 +103,7 @@ class MemoryFaultTest(CommandCase):
                 return file.read().splitlines()
 
     def shared_calls(self, **options):
-        """By command, how many calls it begins with that an earlier one in COMMANDS begins with, too.
+        """Returns for each command the number of its first calls that an earlier one in COMMANDS has, too.
 
         They set the command line up, which is nine calls of ten. A run that ends among them cannot
         know which command it would have come to.
@@ -118,7 +118,7 @@ class MemoryFaultTest(CommandCase):
         return shared
 
     def fail_command(self, name, variable, numbers, options):
-        """Answers how many faults there were."""
+        """Returns the number of faults."""
         faults = 0
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
             for _ in range(MOST_FAULTS // BATCH):
@@ -143,11 +143,11 @@ class MemoryFaultTest(CommandCase):
                 status, text = self.results[name]
                 for code, found, where in self.outcomes[name]:
                     self.assertIn(code, (status, FILE_ERROR), where)
-                    # The file is whole, either one.
+                    # The file is complete, the old or the new one.
                     self.assertIn(found, (SOURCE, text), where)
         # Otherwise nothing was tried.
         self.assertGreater(faults, 0)
-        # What is left out ends the run: nothing of one command alone comes behind it.
+        # Calls that are left out end the run: none of one command alone follows.
         self.assertGreater(self.first_survived, max(shared.values(), default=0))
 
     def test_every_allocation_on_the_heap_may_fail(self):

@@ -1,4 +1,4 @@
-"""What the tests of the command share. The command is the test script's argument."""
+"""Code that the tests of the command share. The command is the argument of the test script."""
 
 import os
 import subprocess
@@ -20,13 +20,13 @@ def tarn(*arguments, **options):
 
 
 def has_zlib(command):
-    """Whether the command, a native program, reads and writes compressed files."""
+    """Returns true if the command, a native program, reads and writes compressed files."""
     return b"libz.so" in subprocess.run(["ldd", command], stdout=subprocess.PIPE,
                                         check=False).stdout
 
 
 def document(body, header="<header/>", kind="plan"):
-    """A document whose cmData holds a header and `body`, as the printer writes none."""
+    """A document whose cmData holds a header and `body`, in another form than the printed one."""
     return (f'<tarn xmlns="tarn21.xsd" version="2.1"><cmData type="{kind}">{header}{body}'
             "</cmData></tarn>")
 

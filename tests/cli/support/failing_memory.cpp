@@ -1,9 +1,9 @@
-// Loaded before a program: lets one of its allocations fail, the one of the number in TARN_FAIL_NEW
-// (operator new), TARN_FAIL_MALLOC (malloc() and its kin, by others), TARN_FAIL_MAP (mmap) or
-// TARN_FAIL_THREAD (the start of a thread), from 1; with TARN_FAIL_LASTING those that follow it,
-// too. They count from the program's first call of setlocale(), with which its main() begins, or
-// with TARN_FAIL_EARLY from its start. With TARN_FAULT_FILE that file is made when it has come to
-// that.
+// Preloaded into a program: lets one of its allocations fail, selected by a number from 1 on in
+// TARN_FAIL_NEW (operator new), TARN_FAIL_MALLOC (malloc() and its kin, called by others),
+// TARN_FAIL_MAP (mmap) or TARN_FAIL_THREAD (the start of a thread). With TARN_FAIL_LASTING all
+// later ones fail, too. The count starts at the program's first call of setlocale(), the first one
+// in its main(), or with TARN_FAIL_EARLY at its start. When the fault happens, the file
+// TARN_FAULT_FILE is created.
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -21,7 +21,7 @@ namespace {
 
 std::atomic<bool> armed{false};
 
-// Whether faults count already.
+// True once the count has started.
 bool isArmed() {
   static const bool early = std::getenv("TARN_FAIL_EARLY") != nullptr;
   return early || armed;
@@ -34,7 +34,7 @@ class Fault {
     if (text) left_ = std::atol(text);
   }
 
-  // True for the one call, and for those behind it when the fault is a lasting one.
+  // True for the selected call and, if the fault is lasting, for all after it.
   bool happens() {
     if (!isArmed()) return false;
     if (isLasting_ && hasHappened_) return true;
@@ -52,20 +52,20 @@ class Fault {
   bool isLasting_ = std::getenv("TARN_FAIL_LASTING") != nullptr;
 };
 
-// Where the trace goes, or null.
+// The file of the trace, or null.
 std::FILE* traceFile() {
   static const char* const path = std::getenv("TARN_TRACE_FILE");
   static std::FILE* const file = path ? std::fopen(path, "w") : nullptr;
   return file;
 }
 
-// A place in a library is told from its start, which is another one in each run.
+// Writes the offset of the caller in its library, whose address differs from run to run.
 void trace(std::size_t size, const void* caller) {
   if (!isArmed() || !traceFile()) return;
   Dl_info info{};
   if (dladdr(caller, &info) == 0) return;
-  const auto place = static_cast<const char*>(caller) - static_cast<const char*>(info.dli_fbase);
-  std::fprintf(traceFile(), "%zu %tx %s\n", size, place, info.dli_fname);
+  const auto offset = static_cast<const char*>(caller) - static_cast<const char*>(info.dli_fbase);
+  std::fprintf(traceFile(), "%zu %tx %s\n", size, offset, info.dli_fname);
 }
 
 Fault& newFault() {
@@ -96,7 +96,7 @@ Fault& mapFault() {
 
 }  // namespace
 
-// What the C library's own functions are called beside those that are replaced below.
+// Other names of the C library's functions that are replaced below.
 extern "C" void* __libc_malloc(std::size_t size);
 extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
 extern "C" void* __libc_realloc(void* memory, std::size_t size);

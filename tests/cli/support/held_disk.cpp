@@ -1,6 +1,6 @@
-// Loaded before a program: the first flush of a file to the disk makes the file that TARN_HELD_FILE
-// names and waits until it is gone, so that a test can do what it wants to meanwhile. With
-// TARN_NO_PAUSE no pause of the program takes any time.
+// Preloaded into a program: its first flush of a file to the disk creates the file TARN_HELD_FILE
+// and waits until that is removed, so that a test can make changes meanwhile. With TARN_NO_PAUSE
+// pauses of the program take no time.
 
 #include <dlfcn.h>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-// Random sources and deltas, merged by the library and by one of plain trees in standard
+// Random sources and deltas, merged by the library and by a reference model in standard
 // containers. The results are compared element by element.
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 #include "support/HeapDocument.hpp"
 #include "support/consistency.hpp"
 #include "support/documents.hpp"
-#include "support/plainMerge.hpp"
+#include "support/referenceMerge.hpp"
 
 namespace {
 
@@ -25,7 +25,7 @@ using libtarn::editor::TarnMerge;
 using tarn_test::CapturedLog;
 using tarn_test::HeapDocument;
 using tarn_test::loaded;
-using tarn_test::PlainElement;
+using tarn_test::ReferenceElement;
 
 // Random documents
 
@@ -33,16 +33,16 @@ class Generator {
  public:
   explicit Generator(unsigned seed) : random_(seed) {}
 
-  PlainElement source() {
-    PlainElement root = document(pick(8) == 0 ? 60 : 5);
+  ReferenceElement source() {
+    ReferenceElement root = document(pick(8) == 0 ? 60 : 5);
     const unsigned count = pick(12);
     for (unsigned made = 0; made < count;) made += addObject(root, randomName(), "") ? 1 : 0;
     return root;
   }
 
   // Most deltas fit the source; about one object in `conflictOdds` does not.
-  PlainElement delta(PlainElement& source, unsigned conflictOdds) {
-    PlainElement root = document(4);
+  ReferenceElement delta(ReferenceElement& source, unsigned conflictOdds) {
+    ReferenceElement root = document(4);
     for (unsigned count = pick(8); count > 0; --count) {
       const std::string* const name = randomName();
       bool isThere = has(*source.firstChild("cmData"), "managedObject", "distName", name);
@@ -79,42 +79,42 @@ class Generator {
     }
   }
 
-  static PlainElement element(const char* tag, std::string value = "") {
-    return PlainElement{tag, std::move(value), {}, {}};
+  static ReferenceElement element(const char* tag, std::string value = "") {
+    return ReferenceElement{tag, std::move(value), {}, {}};
   }
 
-  static bool has(const PlainElement& owner, const char* tag, const char* key,
+  static bool has(const ReferenceElement& owner, const char* tag, const char* key,
                   const std::string* name) {
     return std::any_of(owner.children.begin(), owner.children.end(), [&](const auto& child) {
       return child.tag == tag && child.attributeOr(key) == (name ? *name : "");
     });
   }
 
-  PlainElement document(unsigned mostLogs) {
-    PlainElement cmData = element("cmData");
+  ReferenceElement document(unsigned mostLogs) {
+    ReferenceElement cmData = element("cmData");
     cmData.setAttribute("type", "plan");
     if (pick(6) != 0) {
-      PlainElement header = element("header");
+      ReferenceElement header = element("header");
       for (unsigned count = pick(mostLogs); count > 0; --count) {
-        PlainElement log = element("log", text());
+        ReferenceElement log = element("log", text());
         log.setAttribute("action", "a" + std::to_string(pick(100)));
         log.setAttribute("dateTime", "d");
         header.children.push_back(log);
       }
       cmData.children.push_back(header);
     }
-    PlainElement root = element("tarn");
+    ReferenceElement root = element("tarn");
     root.setAttribute("xmlns", "tarn21.xsd");
     root.setAttribute("version", "2.1");
     root.children.push_back(cmData);
     return root;
   }
 
-  // False when there is one of that name.
-  bool addObject(PlainElement& root, const std::string* name, const std::string& operation) {
-    PlainElement& cmData = *root.firstChild("cmData");
+  // Returns false when there is one with that name.
+  bool addObject(ReferenceElement& root, const std::string* name, const std::string& operation) {
+    ReferenceElement& cmData = *root.firstChild("cmData");
     if (has(cmData, "managedObject", "distName", name)) return false;
-    PlainElement object = element("managedObject");
+    ReferenceElement object = element("managedObject");
     object.setAttribute("class", "C" + std::to_string(pick(3)));
     if (pick(2) == 0) object.setAttribute("version", "1");
     if (name) object.setAttribute("distName", *name);
@@ -124,10 +124,10 @@ class Generator {
     return true;
   }
 
-  void addChild(PlainElement& object) {
+  void addChild(ReferenceElement& object) {
     static const std::vector<std::string> names{"", "a", "b", "c"};
     static const std::vector<const char*> tags{"p", "list", "extension"};
-    PlainElement child = element(tags[pick(3)]);
+    ReferenceElement child = element(tags[pick(3)]);
     const std::string* const name = pick(9) == 0 ? nullptr : &names[pick(4)];
     if (child.tag != "extension" && has(object, child.tag.c_str(), "name", name)) return;
     if (name) child.setAttribute("name", *name);
@@ -149,8 +149,8 @@ class Generator {
     return std::vector<std::string>{"", "1", "two", "a & b", "longer than the others"}[pick(5)];
   }
 
-  std::vector<PlainElement> parameters() {
-    std::vector<PlainElement> made;
+  std::vector<ReferenceElement> parameters() {
+    std::vector<ReferenceElement> made;
     for (unsigned i = pick(3); i > 0; --i) {
       made.push_back(element("p", text()));
       made.back().setAttribute("name", "n" + std::to_string(i));
@@ -161,23 +161,23 @@ class Generator {
   std::mt19937 random_;
 };
 
-// The texts above hold one character that XML has another spelling for.
-std::string render(const PlainElement& element) {
+// The texts above hold one character that needs a reference.
+std::string render(const ReferenceElement& element) {
   std::string text = "<" + element.tag;
   for (const auto& [name, value] : element.attributes) text += " " + name + "='" + value + "'";
   text += '>';
   for (const char each : element.value) text += each == '&' ? "&amp;" : std::string(1, each);
-  for (const PlainElement& child : element.children) text += render(child);
+  for (const ReferenceElement& child : element.children) text += render(child);
   return text + "</" + element.tag + ">";
 }
 
-// The library beside the plain merge
+// The library beside the reference model
 
-// The tree as the model has it, and the indexes in step with it.
-void expectSame(const LibTarnDocument& document, const PlainElement& model) {
-  const PlainElement plain =
-      tarn_test::toPlain(*document.getItsTarnDomDocument()->getRootElement());
-  ASSERT_TRUE(plain == model) << render(plain) << "\nand not\n" << render(model);
+// The tree is that of the model, and the indexes agree with it.
+void expectSame(const LibTarnDocument& document, const ReferenceElement& model) {
+  const ReferenceElement copied =
+      tarn_test::toReferenceTree(*document.getItsTarnDomDocument()->getRootElement());
+  ASSERT_TRUE(copied == model) << render(copied) << "\nand not\n" << render(model);
   ASSERT_EQ(tarn_test::brokenDocument(document), "");
 }
 
@@ -190,16 +190,16 @@ struct Counts {
 void mergeDocuments(unsigned seed, unsigned conflictOdds, Counts& counts) {
   CapturedLog log;
   Generator generator(seed);
-  PlainElement sourceModel = generator.source();
+  ReferenceElement sourceModel = generator.source();
   const auto source = loaded(render(sourceModel));
   TarnMerge tarnMerge(*source);
   for (int round = 0; round < 4; ++round) {
-    PlainElement deltaModel = generator.delta(sourceModel, conflictOdds);
+    ReferenceElement deltaModel = generator.delta(sourceModel, conflictOdds);
     const std::string before = source->getItsTarnDomDocument()->printDocument();
     auto delta = std::make_unique<HeapDocument>(render(deltaModel));
     log.clear();
     const bool done = tarnMerge.mergeDocument(delta->get());
-    ASSERT_EQ(done, tarn_test::mergePlain(sourceModel, deltaModel)) << render(deltaModel);
+    ASSERT_EQ(done, tarn_test::referenceMerge(sourceModel, deltaModel)) << render(deltaModel);
     ASSERT_EQ(log.messages("ERROR").size(), done ? 0U : 1U);
     ASSERT_NO_FATAL_FAILURE(expectSame(delta->get(), deltaModel));
     delta.reset();
@@ -211,36 +211,36 @@ void mergeDocuments(unsigned seed, unsigned conflictOdds, Counts& counts) {
   }
 }
 
-TEST(RandomMergeTest, DocumentsMergeAsThePlainModelSays) {
+TEST(RandomMergeTest, DocumentsMergeAsTheReferenceModelSays) {
   Counts counts;
   for (unsigned seed = 0; seed < 1500; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     ASSERT_NO_FATAL_FAILURE(mergeDocuments(seed, seed % 2 == 0 ? 1000 : 8, counts));
   }
-  // The deltas are such that both outcomes are tried.
+  // The deltas cause both outcomes.
   EXPECT_GT(counts.merged, 2000U);
   EXPECT_GT(counts.refused, 500U);
 }
 
-TEST(RandomMergeTest, SingleObjectsMergeAsThePlainModelSays) {
+TEST(RandomMergeTest, SingleObjectsMergeAsTheReferenceModelSays) {
   for (unsigned seed = 0; seed < 1500; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     CapturedLog log;
     Generator generator(seed);
-    PlainElement sourceModel = generator.source();
+    ReferenceElement sourceModel = generator.source();
     const auto source = loaded(render(sourceModel));
-    PlainElement deltaModel = generator.delta(sourceModel, 3);
+    ReferenceElement deltaModel = generator.delta(sourceModel, 3);
     auto delta = std::make_unique<HeapDocument>(render(deltaModel));
     log.clear();
     TarnMerge tarnMerge(*source);
-    PlainElement& cmData = *sourceModel.firstChild("cmData");
-    for (const PlainElement& object : deltaModel.firstChild("cmData")->children) {
+    ReferenceElement& cmData = *sourceModel.firstChild("cmData");
+    for (const ReferenceElement& object : deltaModel.firstChild("cmData")->children) {
       if (object.tag != "managedObject") continue;
       const std::string name = object.attributeOr("distName");
       LibTarnManagedObject* const element =
           delta->get().getLibTarnCmData()->getLibTarnManagedObject(name.c_str());
       ASSERT_EQ(tarnMerge.mergeManagedObject(*element),
-                tarn_test::mergePlainObject(cmData, object));
+                tarn_test::referenceMergeObject(cmData, object));
     }
     ASSERT_TRUE(log.lines().empty());
     ASSERT_NO_FATAL_FAILURE(expectSame(delta->get(), deltaModel));

@@ -36,7 +36,7 @@ std::string dumpOf(const LibTarnDocument& document) {
   return tarn_test::dump(*document.getItsTarnDomDocument());
 }
 
-// The managed objects of a dump, without what stands around them.
+// The managed objects of a dump, without the rest of it.
 std::string objectsOf(const LibTarnDocument& document) {
   const std::string all = dumpOf(document);
   const std::size_t begin = all.find("managedObject");
@@ -51,7 +51,7 @@ LibTarnManagedObject& objectIn(const LibTarnDocument& document, const char* name
   return *found;
 }
 
-// What the source is after the merge of a delta that goes right, which is gone by then.
+// The source after the merge of a delta that fits. The delta is destroyed before.
 std::string merged(const std::string& source, const std::string& delta) {
   const auto document = loaded(source);
   {
@@ -154,7 +154,7 @@ TEST(TarnMergeTest, NothingIsAppliedBeforeALaterConflictIsFound) {
                  "A 'managedObject' element with 'distName=A-3' already exists");
 }
 
-TEST(TarnMergeTest, FirstConflictInTheOrderOfNamesIsTold) {
+TEST(TarnMergeTest, FirstConflictInTheOrderOfNamesIsReported) {
   expectConflict(documentText(objectText("B-1", "")),
                  documentText(objectText("B-1", "create") + objectText("A-2", "delete")),
                  "There is no 'managedObject' element with 'distName=A-2' to delete");
@@ -183,7 +183,7 @@ TEST(TarnMergeTest, DocumentIsNotMergedIntoItself) {
   }
 }
 
-TEST(TarnMergeTest, MissingCmDataOfADocumentMergedIntoItselfIsTold) {
+TEST(TarnMergeTest, MissingCmDataOfADocumentMergedIntoItselfIsReported) {
   LibTarnDocument document;
   CapturedLog log;
   EXPECT_FALSE(TarnMerge(document).mergeDocument(document));
@@ -350,7 +350,7 @@ TEST(TarnMergeTest, UpdateReplacesExtensionsWhole) {
             "extension(name=e){p(name=x)\"2\"}}");
 }
 
-TEST(TarnMergeTest, AllExtensionsOfANameGiveWayToTheDeltasOne) {
+TEST(TarnMergeTest, TheDeltasExtensionReplacesAllOfItsName) {
   EXPECT_EQ(mergedObject("<extension name='e'/><extension name='f'/><extension name='e'><p/>"
                          "</extension><extension name='e'/>",
                          "<extension name='e'><p name='x'/></extension>"),
@@ -440,7 +440,7 @@ TEST(TarnMergeTest, MergeWithoutAHeaderOnEitherSideSkipsTheLogs) {
 
 // Single objects
 
-TEST(TarnMergeTest, SingleObjectIsAppliedOrRefusedWithoutAWord) {
+TEST(TarnMergeTest, SingleObjectIsAppliedOrRefusedWithoutALogLine) {
   const struct {
     const char* name;
     const char* operation;
@@ -455,7 +455,7 @@ TEST(TarnMergeTest, SingleObjectIsAppliedOrRefusedWithoutAWord) {
       {"B-1", "create", true,
        "managedObject(class=C distName=A-1 version=1) "
        "managedObject(class=C distName=B-1 version=1 operation=create){p(name=x)\"1\"}"},
-      // The copy is made of an object that still has what the delta says.
+      // The copied object still has the values of the delta.
       {"B-1", "auto", true,
        "managedObject(class=C distName=A-1 version=1) "
        "managedObject(class=C distName=B-1 version=1 operation=auto){p(name=x)\"1\"}"},
@@ -518,7 +518,7 @@ TEST(TarnMergeTest, ObjectMadeByTheSourcesFactoryIsCopied) {
 
 // Cost
 
-// Blocks that a merge of `delta` takes with so many objects in the source.
+// Number of blocks that a merge of `delta` takes with that number of objects in the source.
 std::size_t blocksOfMerge(int sourceObjects, LibTarnDocument& delta) {
   std::string text;
   for (int i = 0; i < sourceObjects; ++i) text += objectText("S-" + std::to_string(i), "");
@@ -570,7 +570,7 @@ TEST(TarnMergeTest, StepsAreThereForHosts) {
   EXPECT_EQ(log.messages("ERROR").size(), 1U);
   merge.doOperationCreate(&objectIn(*delta, "A-2"));
   merge.doOperationDelete("A-1");
-  // The name says which object goes.
+  // The name selects the object to delete.
   const auto remover = loaded(documentText(objectText("A-3", "delete")));
   merge.doOperationCreate(&objectIn(*remover, "A-3"));
   merge.doOperationCreate(made(*source, "A-4"));
@@ -604,7 +604,8 @@ TEST(TarnMergeTest, SourceIsRefusedAsItsOwnDelta) {
   EXPECT_EQ(brokenDocument(*source), "");
 }
 
-// The copy of an abbreviated element is a whole one, which may break a rule that it did not.
+// The copy of an abbreviated element has the full tag, and may break a rule that the original did
+// not.
 TEST(TarnMergeTest, CopiesHaveTheTagsOfTheirClasses) {
   const auto source = loaded(documentText(""));
   LibTarnDocument delta;
@@ -631,9 +632,8 @@ TEST(TarnMergeDeathTest, StepsNeedSourceAndDelta) {
 
 // Faults that the delta's load does not find
 
-// Elements that stand where the model has none are looked at by no load and no validation, but by a
-// copy.
-TEST(TarnMergeTest, CopyFindsFaultsOfElementsThatStandWhereTheModelHasNone) {
+// Neither load nor validation look at elements where the model has none, but a copy does.
+TEST(TarnMergeTest, CopyFindsFaultsOfElementsWhereTheModelHasNone) {
   const struct {
     std::string body;
     const char* message;

@@ -39,7 +39,7 @@ TEST(DiagnosticTest, MalformedTextGivesMessageAndByteOffset) {
       {"<tarn", "expected >", 5},
       {"<tarn><foo/></tarn>", "unknown TARN object", 10},
       {"\xEF\xBB\xBF<foo/>", "unknown TARN object", 7},
-      // References are expanded in place; the offset stays one of the text as it was.
+      // References are expanded in place; the offset is that in the unchanged text.
       {"<tarn a='&lt;&lt;&lt;'><p>&#10;&#10;</p><foo/></tarn>", "unknown TARN object", 44},
   };
   for (const auto& c : cases) {
@@ -55,7 +55,7 @@ TEST(DiagnosticTest, MalformedTextGivesMessageAndByteOffset) {
   }
 }
 
-TEST(DiagnosticTest, VectorWithoutZeroFailsAtItsEnd) {
+TEST(DiagnosticTest, VectorWithoutATerminatingNulFailsAtItsEnd) {
   CapturedLog log;
   LibTarnDocument document;
   EXPECT_EQ(document.parse(std::vector<char>(GOOD, GOOD + std::strlen(GOOD)), false), 1);
@@ -80,7 +80,7 @@ TEST(DiagnosticTest, NextParseReplacesIt) {
   EXPECT_EQ(document.parse("<tarn", false), 1);
   EXPECT_EQ(document.parse(GOOD, true), 0);
   expectDiagnostic(document, 0, "", 0);
-  // The second text is another one than the first, and the offset is in it.
+  // The offset is that in the second text.
   EXPECT_EQ(document.parse("  <", false), 1);
   expectDiagnostic(document, 1, "expected element name", 3);
 }
@@ -113,7 +113,7 @@ TEST(DiagnosticTest, ValidateChecksTheDocumentAsItIsNow) {
   expectDiagnostic(document, 0, "", 0);
 }
 
-// What counts are the objects that the index holds, whatever a host did to the tree.
+// The objects of the index count, whatever a host did to the tree.
 TEST(DiagnosticTest, ValidateVisitsTheIndexedObjectsInTheOrderOfTheirNames) {
   CapturedLog log;
   LibTarnDocument document;

@@ -74,7 +74,8 @@ TEST(DistinguishedNameValidatorTest, SegmentRangesAreInclusive) {
   EXPECT_TRUE(validator.isSegmentValid(name, 0, 3));
   EXPECT_TRUE(validator.isSegmentValid(name, 5, 8));
   EXPECT_FALSE(validator.isSegmentValid(name, 2, 3));
-  // The last "-" is looked for one character beyond the range, and back to the start of the text.
+  // The search for the last "-" starts one character after the range and goes back to the start of
+  // the text.
   EXPECT_TRUE(validator.isSegmentValid(name, 0, 1));
   EXPECT_FALSE(validator.isSegmentValid(name, 0, 0));
   EXPECT_FALSE(validator.isSegmentValid("AB-1/CD", 5, 6));
@@ -93,7 +94,7 @@ TEST(DistinguishedNameValidatorTest, VeryLongNamesAreJudged) {
   EXPECT_FALSE(validator.isValid(std::string(1000000, 'a').c_str()));
 }
 
-// The rule again, from the words: split at "/", split each piece at its last "-".
+// A second implementation of the rule: splits at "/", and each segment at its last "-".
 bool model(const std::string& name) {
   if (name.find("ZNT-1/") != std::string::npos) return true;
   std::vector<std::string> segments(1);
@@ -114,7 +115,7 @@ bool model(const std::string& name) {
   return true;
 }
 
-TEST(DistinguishedNameValidatorTest, RandomNamesAreJudgedAsByThePlainRule) {
+TEST(DistinguishedNameValidatorTest, RandomNamesAreJudgedAsByASecondImplementation) {
   const std::string alphabet = "01aZ--//_ ";
   const DistinguishedNameValidator validator;
   std::mt19937 random(1);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
@@ -54,7 +55,7 @@ class DocumentTest : public ::testing::Test {
     cmData_ = dynamic_cast<LibTarnCmDataImp*>(document_.getLibTarnCmData());
     log_.clear();
   }
-  // With what validation asks of the root.
+  // With the attributes that validation demands of the root.
   void parseValid(const std::string& body) {
     ASSERT_EQ(document_.parse(rootText(body).c_str(), true), 0);
     cmData_ = dynamic_cast<LibTarnCmDataImp*>(document_.getLibTarnCmData());
@@ -115,7 +116,7 @@ TEST_F(DocumentTest, ParsingLogsItsSteps) {
              "Validation failed: 'bad' is not a valid value of 'tarn > ' attribute 'xmlns'");
 }
 
-TEST_F(DocumentTest, SinkThatThrowsChangesNothing) {
+TEST_F(DocumentTest, ThrowingLogCallbackChangesNothing) {
   log_.throwFromPrint();
   EXPECT_EQ(document_.parse("<tarn/>", false), 0);
   EXPECT_EQ(document_.parse("<", false), 1);
@@ -131,7 +132,7 @@ TEST_F(DocumentTest, DuplicateNameBreaksARuleWithoutValidationToo) {
   EXPECT_EQ(log_.messages("ERROR"),
             Names{"Validation failed: The 'cmData' element already contains a 'managedObject' "
                   "element with 'distName=B-1'"});
-  // What came before it is indexed.
+  // Objects before it are indexed.
   EXPECT_EQ(namesOf(document_.getLibTarnCmData()->getLibTarnManagedObjects()),
             (Names{"A-1", "B-1"}));
 }
@@ -217,7 +218,7 @@ TEST_F(DocumentTest, OwnPartsOfAHostAreUsed) {
   EXPECT_EQ(log_.messages("ERROR"), Names{"Validation failed: Invalid distinguished name: 'A-1'"});
 }
 
-TEST_F(DocumentTest, PartsThatAHostDoesNotBringAreTheDocumentsOwn) {
+TEST_F(DocumentTest, DocumentMakesThePartsThatAHostDoesNotPass) {
   LibTarnDocument document(new TarnDomDocument(nullptr, nullptr));
   EXPECT_EQ(document.getFactory().createLibTarnManagedObject("C", "no name", nullptr), nullptr);
   EXPECT_EQ(document.parse("<tarn xmlns='tarn21.xsd' version=''><cmData type='plan'><header/>"
@@ -232,6 +233,43 @@ TEST_F(DocumentTest, PartsThatAHostDoesNotBringAreTheDocumentsOwn) {
 }
 
 // cmData
+
+std::unique_ptr<char[]> arrayOf(const std::string& text) {
+  std::unique_ptr<char[]> array(new char[text.size() + 1]);
+  std::copy_n(text.c_str(), text.size() + 1, array.get());
+  return array;
+}
+
+TEST(TextOfDocumentTest, VectorGoesWhenAnArrayTakesItsPlace) {
+  const std::string text = rootText("<cmData type=\"plan\"/>" + std::string(1 << 20, ' '));
+  LibTarnDocument document;
+  TarnDomDocument& dom = *document.getItsTarnDomDocument();
+  std::vector<char> vector(text.c_str(), text.c_str() + text.size() + 1);
+  dom.parse(vector);
+  const std::size_t withVector = dom.getMemorySize();
+  ASSERT_EQ(dom.parse(arrayOf(text)), 0);
+  EXPECT_LT(dom.getMemorySize(), withVector / 2);
+}
+
+TEST(TextOfDocumentTest, ParseOfAVectorHandsBackTheEarlierVectorButNoArray) {
+  const std::string first = rootText("<cmData type=\"plan\"/>");
+  const std::string second = rootText("<cmData type=\"actual\"/>");
+  LibTarnDocument document;
+  TarnDomDocument& dom = *document.getItsTarnDomDocument();
+  std::vector<char> vector(first.c_str(), first.c_str() + first.size() + 1);
+  dom.parse(vector);
+  EXPECT_TRUE(vector.empty());
+  vector.assign(second.c_str(), second.c_str() + second.size() + 1);
+  const char* const characters = vector.data();
+  dom.parse(vector);
+  EXPECT_EQ(vector.size(), first.size() + 1);
+  dom.keepText();
+  ASSERT_EQ(dom.parse(arrayOf(first)), 0);
+  vector.assign(second.c_str(), second.c_str() + second.size() + 1);
+  dom.parse(vector);
+  EXPECT_TRUE(vector.empty());
+  EXPECT_STREQ(characters + second.size(), "") << "a kept text stays where it was";
+}
 
 TEST_F(DocumentTest, TypeIsReadAtRebuildAndKeptInStep) {
   auto* const fresh = dynamic_cast<LibTarnCmDataImp*>(factory().allocateTarnCmDataNode());
@@ -305,7 +343,7 @@ TEST_F(DocumentTest, NewHeaderReplacesTheFirstAndComesLast) {
   EXPECT_EQ(cmData_->getLibTarnHeader(), &header);
 }
 
-TEST_F(DocumentTest, RenamingKeepsTheIndexInStep) {
+TEST_F(DocumentTest, RenamingUpdatesTheIndex) {
   parse(
       "<cmData type='plan'><managedObject distName='A-1'/><managedObject distName='B-1'/>"
       "</cmData>");
@@ -408,7 +446,7 @@ TEST_F(DocumentTest, ObjectsThatTookOneNameGetItInTheOrderInWhichTheyTookIt) {
     EXPECT_EQ(takers.back()->setDistName("B-1"), 0);
   }
   EXPECT_EQ(cmData_->getManagedObjectNumber(), 1U);
-  // One that goes on to another name wants this one no more.
+  // An object that got another name no longer claims this one.
   EXPECT_EQ(takers[7]->setDistName("D-1"), 0);
   takers.erase(takers.begin() + 7);
   for (LibTarnManagedObject* const taker : takers) {
@@ -427,10 +465,10 @@ TEST_F(DocumentTest, NameThatOnlyOneChildHasIsNoDuplicate) {
   LibTarnManagedObject* const holder = cmData_->getLibTarnManagedObject("B-1");
   EXPECT_EQ(cmData_->getLibTarnManagedObject("A-1")->setDistName("B-1"), 0);
   EXPECT_EQ(document_.validate(), 2);
-  // The index is not told.
+  // The index is not updated.
   holder->removeThisElement();
   EXPECT_EQ(document_.validate(), 0);
-  // Two that the index does not have are two.
+  // Two objects that are not in the index count as two.
   LibTarnManagedObject& added = object("C-1");
   cmData_->addLibTarnManagedObject(added);
   EXPECT_EQ(added.setDistName("B-1"), 0);
@@ -473,7 +511,7 @@ TEST_F(DocumentTest, CopiedCmDataIsIndexedByItsRebuild) {
              "LibTarnCmDataImp::clone(IDomDocument* document) shouldn't be called!");
 }
 
-TEST_F(DocumentTest, NameThatGoesOnBehindATagIsUnknown) {
+TEST_F(DocumentTest, NameThatContinuesAfterATagIsUnknown) {
   for (const char* const tag :
        {"tarn", "cmData", "header", "log", "managedObject", "p", "list", "item", "extension"}) {
     const std::string name = std::string(tag) + "X";
@@ -531,12 +569,12 @@ TEST_F(DocumentTest, PartsOfAnObjectAreCopiedAndRemovedByThemselves) {
             "managedObject(distName=A-1){list(name=m) extension(name=e){p(name=c)}}");
 }
 
-// A host may put elements of the model below an element that is none.
-TEST_F(DocumentTest, CopyOfAPlainElementHasCopiesOfItsElementsOfTheModel) {
-  auto* const plain = dynamic_cast<libDomXml::DomElement*>(
+// A host may put typed elements below an untyped one.
+TEST_F(DocumentTest, CopyOfAnUntypedElementHasCopiesOfItsElementsOfTheModel) {
+  auto* const untyped = dynamic_cast<libDomXml::DomElement*>(
       document_.getItsTarnDomDocument()->createDomElement("box", nullptr));
-  plain->addChild(dynamic_cast<TarnDomElement*>(factory().createScalar("x", "1")));
-  const auto* const copy = dynamic_cast<libDomXml::DomElement*>(plain->clone());
+  untyped->addChild(dynamic_cast<TarnDomElement*>(factory().createScalar("x", "1")));
+  const auto* const copy = dynamic_cast<libDomXml::DomElement*>(untyped->clone());
   EXPECT_EQ(tarn_test::dump(*copy), "box{p(name=x)\"1\"}");
   EXPECT_NE(dynamic_cast<ScalarImp*>(copy->getFirstChild("p")), nullptr);
 }

@@ -51,7 +51,7 @@ TEST_F(EnumeratedAttributeTextTest, OtherTextsAreRefusedWithElementAndAttribute)
   }
 }
 
-TEST_F(EnumeratedAttributeTextTest, AbsentAttributeIsToldWithElementAndAttribute) {
+TEST_F(EnumeratedAttributeTextTest, AbsentAttributeIsReportedWithElementAndAttribute) {
   EXPECT_EQ(messageOfInitialize<exceptions::NoSuchAttributeException>(),
             "The 'cmData' element has no attribute 'type'");
 }

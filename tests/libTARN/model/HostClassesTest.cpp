@@ -18,8 +18,8 @@
 #include "libtarn/model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
 #include "support/SmallStack.hpp"
 
-// Indexes, node classes and name validators of the host's are asked for everything that the
-// documented order asks them for, whatever the library does faster with its own.
+// The library calls the functions of a host's indexes, node classes and name validators in the
+// documented order, also where it is faster with its own classes.
 
 namespace {
 
@@ -39,7 +39,7 @@ std::string object(const std::string& distName, const std::string& content = "")
 
 // Indexes
 
-/// The library's index, but for add(), which notes what it is asked for and can refuse a name.
+/// The library's index with another add(), which records its calls and can refuse a name.
 class PickyScalarIndex : public TarnMapIndex<Scalar, ScalarNameExtractor> {
  public:
   PickyScalarIndex(libDomXml::IMemoryPool& pool, Calls& calls)
@@ -83,7 +83,7 @@ class PickyObjectIndex : public LibraryObjectIndex {
   Calls& calls_;
 };
 
-/// Offers to take all objects at once.
+/// Overrides addAll(), which gets all objects at once.
 class BulkObjectIndex : public PickyObjectIndex {
  public:
   using PickyObjectIndex::PickyObjectIndex;
@@ -173,12 +173,12 @@ TEST_F(HostIndexTest, AddAllIsOfferedAllObjectsInDocumentOrder) {
   EXPECT_EQ(factory.bulk.back().asked, "0:A-2 1:A-1 ");
   EXPECT_EQ(factory.calls, (Calls{"p x"}));
   EXPECT_EQ(loaded.getLibTarnCmData()->getManagedObjectNumber(), 2U);
-  // What it does not take is added one after the other.
+  // Objects that it does not take are added one after the other.
   ASSERT_EQ(parse(object("A-2") + object("A-0")), 0);
   EXPECT_EQ(factory.calls, (Calls{"object A-2", "object A-0"}));
 }
 
-// An index whose answer to add() counts for nothing where the names are asked for first.
+// Where the name is looked up first, the result of add() is ignored.
 TEST_F(HostIndexTest, EditsAskForTheNameFirstAndAddWhateverTheIndexAnswers) {
   ASSERT_EQ(parse(object("A-1", "<p name='x'/>")), 0);
   auto& factoryOf = loaded.getFactory();
@@ -208,7 +208,7 @@ TEST_F(HostIndexTest, EditsAskForTheNameFirstAndAddWhateverTheIndexAnswers) {
 
 Calls* nodeCalls = nullptr;
 
-/// An object with another name than its attribute says, which notes what it is asked for.
+/// An object whose name differs from its attribute, and which records its calls.
 class HostObject : public LibTarnManagedObjectImp {
  public:
   using LibTarnManagedObjectImp::LibTarnManagedObjectImp;
@@ -267,7 +267,7 @@ TEST_F(HostNodeTest, ParseIndexesByTheNameThatTheObjectGives) {
   const LibTarnCmData& data = *renamed.getLibTarnCmData();
   EXPECT_TRUE(data.hasLibTarnManagedObject("A-7"));
   EXPECT_FALSE(data.hasLibTarnManagedObject("A-1"));
-  // The name that is there twice is the one that the object gives.
+  // The duplicate name is the one that the object returns.
   EXPECT_EQ(renamed.parse(document(object("A-1") + object("A-7")).c_str(), false), 2);
 }
 
@@ -307,9 +307,9 @@ TEST_F(HostNodeTest, CopiesOfAClassWithoutItsOwnDoNotRecurse) {
   EXPECT_EQ(depth, DEPTH);
 }
 
-// Plain elements
+// Untyped elements
 
-class PlainHostElement : public libDomXml::DomElement {
+class UntypedHostElement : public libDomXml::DomElement {
  public:
   using DomElement::DomElement;
 };
@@ -356,10 +356,10 @@ TEST(HostElementTest, CopiesOfAClassWithoutACloneOfItsOwnDoNotRecurse) {
   constexpr int DEPTH = 100000;
   libDomXml::DomDocument document(false);
   libDomXml::DomDocument other(false);
-  auto* const top = makeIn<PlainHostElement>(document, "e");
+  auto* const top = makeIn<UntypedHostElement>(document, "e");
   libDomXml::DomElement* last = top;
   for (int i = 1; i < DEPTH; ++i) {
-    auto* const child = makeIn<PlainHostElement>(document, "e");
+    auto* const child = makeIn<UntypedHostElement>(document, "e");
     last->append_node(child);
     last = child;
   }
@@ -408,7 +408,7 @@ TEST_F(HostNamesTest, ValidatorIsAskedOncePerObjectInTheOrderOfNames) {
   EXPECT_EQ(names.asked, Calls{});
 }
 
-TEST_F(HostNamesTest, ValidatorIsNotAskedAboutATextThatTurnsOutMalformed) {
+TEST_F(HostNamesTest, ValidatorIsNotCalledForAMalformedText) {
   EXPECT_EQ(loaded.parse((text + "<").c_str(), true), 1);
   EXPECT_EQ(loaded.parse(document(HEADER + object("A-1") + object("A-1")).c_str(), true), 2);
   EXPECT_EQ(names.asked, Calls{});
@@ -446,8 +446,8 @@ std::string messageOf(const std::function<void()>& copy) {
   return "nothing was thrown";
 }
 
-// The duplicate comes by a nested item: what is within it is looked at by nobody before.
-TEST(CopiedItemTest, DuplicateIsToldWithoutAPlaceHoweverTheItemIsCopied) {
+// The duplicate is in a nested item, which nothing looks at before the copy.
+TEST(CopiedItemTest, DuplicateIsReportedWithoutAPathHoweverTheItemIsCopied) {
   const std::string list =
       "<list name='l'><item><p name='x'/><item><p name='c'/><p name='c'/></item></item></list>";
   LibTarnDocument source;

@@ -1,4 +1,4 @@
-// Document text is untrusted: whatever it holds, the document stays usable.
+// Text of a document is not trusted: the document stays usable whatever the text holds.
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ using tarn_test::CapturedLog;
 using tarn_test::printed;
 using tarn_test::vectorOf;
 
-// Reads all that can be reached, through the model and through the tree.
+// Reads everything that can be reached through the model and through the tree.
 std::string touchEverything(LibTarnDocument& document) {
   std::string all = tarn_test::dump(*document.getItsTarnDomDocument());
   all += tarn_test::dump(*document.getItsTarnDomDocument()->getRootElement());
@@ -64,7 +64,7 @@ struct Refusal {
   std::ptrdiff_t offset;
 };
 
-TEST(HostileTextTest, TypedDocumentRefusesWithPosition) {
+TEST(HostileTextTest, TypedDocumentRefusesWithPlace) {
   const Refusal cases[] = {
       {"<foo/>", "unknown TARN object", 4},
       {"<tarn><foo x=''/></tarn>", "unknown TARN object", 10},
@@ -117,7 +117,7 @@ TEST(HostileTextTest, BeginningsOfTagsSelectTheirClass) {
   EXPECT_NE(dynamic_cast<const LibTarnHeader*>(cmData->getFirstChildElement("h")), nullptr);
   EXPECT_NE(dynamic_cast<const Structure*>(cmData->getFirstChildElement("i")), nullptr);
   EXPECT_NE(dynamic_cast<const LibTarnExtension*>(cmData->getFirstChildElement("e")), nullptr);
-  // A copy has the class's own tag.
+  // A copy has the tag of its class.
   const auto* const copy =
       dynamic_cast<const LibTarnManagedObject*>(manag)->clone(document.getFactory());
   EXPECT_STREQ(copy->getTagName(), "managedObject");
@@ -156,7 +156,7 @@ TEST(HostileTextTest, ValueWithoutAnEndIsNotTaken) {
   EXPECT_EQ(tarn_test::brokenDocument(document), "");
 }
 
-// The parser's calls are one thing, those of a host another.
+// Nodes for the parser differ from nodes for a host.
 TEST(HostileTextTest, HostGetsTheDeclarationAtAnyTime) {
   CapturedLog log;
   LibTarnDocument document;
@@ -215,7 +215,7 @@ TEST(HostileTextTest, MissingKeysCountAsTheEmptyText) {
   touchEverything(document);
 }
 
-TEST(HostileTextTest, DuplicatesOfMissingKeysAreToldWithTheEmptyText) {
+TEST(HostileTextTest, DuplicatesOfMissingKeysAreReportedWithTheEmptyText) {
   const struct {
     const char* body;
     const char* message;
@@ -261,7 +261,7 @@ TEST(HostileTextTest, VectorWithoutTerminatorIsMalformedAndChangesNothing) {
   EXPECT_EQ(document.parse(std::vector<char>{'\0'}, false), 0);
 }
 
-TEST(HostileTextTest, TextEndsAtItsFirstZero) {
+TEST(HostileTextTest, TextEndsAtItsFirstNul) {
   LibTarnDocument document;
   EXPECT_EQ(document.parse(std::vector<char>{'<', 't', '/', '>', '\0', 'x', '\0'}, false), 0);
 }
@@ -281,11 +281,11 @@ TEST(HostileTextTest, ElementsOfEarlierParsesStayReadable) {
   ASSERT_EQ(document.parse(vectorOf("<p/>"), false), 0);
   EXPECT_STREQ(object->getClass(), "C");
   EXPECT_STREQ(object->getScalarParameter("x")->getValue(), "1");
-  // Root and declaration keep what no later text has replaced.
+  // Root and declaration keep values that no later text has replaced.
   EXPECT_EQ(printed(document), "<?xml version=\"1.1\"?>\n<tarn version=\"9\"></tarn>\n");
 }
 
-TEST(HostileTextTest, RootAndDeclarationOutliveATextThatGoesBackToItsOwner) {
+TEST(HostileTextTest, RootAndDeclarationOutliveATextThatIsReturnedToItsOwner) {
   LibTarnDocument document;
   TarnDomDocument& dom = *document.getItsTarnDomDocument();
   std::vector<char> text = vectorOf("<?xml a='b'?><tarn c='d'>v<cmData type='plan'/></tarn>");
@@ -306,7 +306,7 @@ TEST(HostileTextTest, RootAndDeclarationOutliveATextThatGoesBackToItsOwner) {
   EXPECT_EQ(printed(document), "<?xml a=\"b\"?>\n<tarn e=\"f\"></tarn>\n");
 }
 
-// Bytes that the pool takes for one parse after another.
+// Bytes that the pool takes for a series of parses.
 std::size_t poolGrowth(TarnDomDocument& dom, const std::function<void()>& parse, int count) {
   const std::size_t before = dom.pool_size();
   for (int i = 0; i < count; ++i) parse();
@@ -328,16 +328,16 @@ TEST(HostileTextTest, TextsOfDeclarationAndRootAreCopiedOnceHoweverManyParsesFol
                     dom, [&] { document.parse(next, false); }, 10),
                 3 * LONG);
       EXPECT_EQ(tarn_test::brokenDocument(document), "");
-      libDomXml::DomDocument& plain = dom;
+      libDomXml::DomDocument& base = dom;
       const boost::shared_ptr<libDomXml::IStripper> none;
       EXPECT_LT(poolGrowth(
-                    dom, [&] { plain.parse(next, none); }, 10),
+                    dom, [&] { base.parse(next, none); }, 10),
                 LONG);
     }
   }
 }
 
-TEST(HostileTextTest, WorstTextTakesTheMemoryThatIsSaid) {
+TEST(HostileTextTest, WorstTextTakesTheDocumentedMemory) {
   constexpr std::size_t MULTIPLE = sizeof(void*) > 4 ? 87 : 50;
   for (const char* const element : {"<c>", "<m>", "<c/>", "<m/>"}) {
     CapturedLog log;
@@ -362,7 +362,7 @@ TEST(HostileTextTest, ParsesOfTheDomLayerAreTypedToo) {
   EXPECT_EQ(printed(document), "<?xml x=\"1\"?>\n<tarn></tarn>\n");
 }
 
-// A host's own reading of a text, which may refuse it.
+// A host class that overrides rapidParse() and may refuse a text.
 struct Refusing : TarnDomDocument {
   Refusing() : TarnDomDocument(nullptr, nullptr) {}
   int rapidParse(char* text) override { return refuses ? 1 : TarnDomDocument::rapidParse(text); }
@@ -375,14 +375,14 @@ TEST(HostileTextTest, RefusedTextLeavesNothingOverTheTextBefore) {
     SCOPED_TRACE(isCopied);
     auto* const dom = new Refusing;
     LibTarnDocument document(dom);
-    libDomXml::DomDocument& plain = *dom;
-    EXPECT_EQ(plain.parse("<?xml a='b'?><tarn x='y'>v<cmData type='plan'/></tarn><p>w</p>", none),
+    libDomXml::DomDocument& base = *dom;
+    EXPECT_EQ(base.parse("<?xml a='b'?><tarn x='y'>v<cmData type='plan'/></tarn><p>w</p>", none),
               0);
     dom->refuses = true;
     std::unique_ptr<char[]> text(new char[1]{'\0'});
-    EXPECT_EQ(isCopied ? plain.parse("<tarn/>", none) : plain.parse(std::move(text)), 1);
+    EXPECT_EQ(isCopied ? base.parse("<tarn/>", none) : base.parse(std::move(text)), 1);
     EXPECT_EQ(document.getLibTarnCmData(), nullptr);
-    EXPECT_EQ(plain.getFirstChild("p"), nullptr);
+    EXPECT_EQ(base.getFirstChild("p"), nullptr);
     EXPECT_EQ(tarn_test::brokenDocument(document), "");
     EXPECT_EQ(printed(document), "<?xml a=\"b\"?>\n<tarn x=\"y\"></tarn>\n");
   }
@@ -440,7 +440,7 @@ TEST(HostileTextTest, ElementsAddedBeforeTheFirstParseStayAndArePartOfIt) {
   EXPECT_EQ(document.getLibTarnCmData(), nullptr);
 }
 
-TEST(HostileTextTest, TextMayBeTheDocumentsOwn) {
+TEST(HostileTextTest, TextMayBeInTheDocument) {
   LibTarnDocument document;
   ASSERT_EQ(document.parse("<tarn><cmData type='plan'><managedObject><p>&lt;tarn version='3'/></p>"
                            "</managedObject></cmData></tarn>",
@@ -500,7 +500,7 @@ TEST(HostileTextTest, FiveThousandLevelsPrintIndentedOnASmallStack) {
 
 // Random bytes
 
-TEST(HostileTextTest, RandomPiecesNeverHurt) {
+TEST(HostileTextTest, RandomPiecesNeverBreakADocument) {
   const std::vector<std::string> pieces = {
       "<tarn>",
       "</tarn>",

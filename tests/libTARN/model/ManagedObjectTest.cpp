@@ -33,7 +33,7 @@ using Operation = LibTarnManagedObject::Operation;
 
 class ManagedObjectTest : public ::testing::Test {
  protected:
-  // A parsed object that is in no document's cmData, or in this one's when it is the first.
+  // A parsed object: in the cmData of this document if it is the first, otherwise in none.
   LibTarnManagedObjectImp& parsed(const std::string& text) {
     documents_.push_back(std::make_unique<LibTarnDocument>());
     LibTarnDocument& document = *documents_.back();
@@ -153,7 +153,7 @@ TEST_F(ManagedObjectTest, ExtensionKeepsItsParametersUnique) {
   EXPECT_FALSE(extension.hasParameter("x"));
 }
 
-TEST_F(ManagedObjectTest, ContainerTellsMissesAndDuplicates) {
+TEST_F(ManagedObjectTest, ContainerReportsMissesAndDuplicates) {
   auto& extension = dynamic_cast<LibTarnExtensionImp&>(*factory().createLibTarnExtension("e"));
   const UniqueContainer<LibTarnExtensionImp, ScalarImp, std::string> container("name");
   const auto message = [](const auto& call) -> std::string {
@@ -174,7 +174,7 @@ TEST_F(ManagedObjectTest, ContainerTellsMissesAndDuplicates) {
             "The 'extension' element already contains a 'p' element with 'name=x'");
 }
 
-// Children are told apart by their identifiers; the attribute's name is only told.
+// Identifiers distinguish children; the name of the attribute is only for the message.
 TEST_F(ManagedObjectTest, ContainerOfAnotherAttributeComparesIdentifiersToo) {
   auto& extension = dynamic_cast<LibTarnExtensionImp&>(*factory().createLibTarnExtension("e"));
   const UniqueContainer<LibTarnExtensionImp, ScalarImp, std::string> container("id");
@@ -184,7 +184,7 @@ TEST_F(ManagedObjectTest, ContainerOfAnotherAttributeComparesIdentifiersToo) {
                exceptions::DuplicateElementException);
 }
 
-// The names are longer than what a string holds without memory of its own.
+// The names are longer than what std::string holds without an allocation.
 TEST_F(ManagedObjectTest, LookUpOfAnExtensionThatIsNotThereAllocatesNothing) {
   LibTarnManagedObjectImp& object = own();
   auto& extension = dynamic_cast<LibTarnExtensionImp&>(*factory().createLibTarnExtension("e"));
@@ -201,7 +201,7 @@ TEST_F(ManagedObjectTest, LookUpOfAnExtensionThatIsNotThereAllocatesNothing) {
   EXPECT_EQ(tarn_test::heapAllocations(), before);
 }
 
-TEST_F(ManagedObjectTest, HasOperationTellsAutoFromNone) {
+TEST_F(ManagedObjectTest, HasOperationDistinguishesAutoFromNone) {
   LibTarnManagedObject& object = own();
   EXPECT_FALSE(object.hasOperation());
   object.setOperation(Operation::AUTO);
@@ -212,7 +212,7 @@ TEST_F(ManagedObjectTest, HasOperationTellsAutoFromNone) {
   EXPECT_TRUE(deleted.hasOperation());
 }
 
-TEST_F(ManagedObjectTest, OperationIsKeptInStepWithItsAttribute) {
+TEST_F(ManagedObjectTest, OperationFollowsItsAttribute) {
   LibTarnManagedObjectImp& object = own();
   EXPECT_TRUE(object.getOperation() == Operation::AUTO);
   object.setOperation(Operation::UPDATE);
@@ -256,7 +256,7 @@ TEST_F(ManagedObjectTest, ItemKeepsItsComponentsByName) {
   EXPECT_EQ(item.getComponent("c"), nullptr);
 }
 
-TEST_F(ManagedObjectTest, ItemOutsideAListTellsDuplicatesWithoutItsParents) {
+TEST_F(ManagedObjectTest, ItemOutsideAListReportsDuplicatesWithoutItsParents) {
   auto& item = dynamic_cast<StructureImp&>(*factory().createStructure());
   item.addChild(&dynamic_cast<ScalarImp&>(scalar("x")));
   item.addChild(&dynamic_cast<ScalarImp&>(scalar("x")));
@@ -269,7 +269,7 @@ TEST_F(ManagedObjectTest, ItemOutsideAListTellsDuplicatesWithoutItsParents) {
   }
 }
 
-TEST_F(ManagedObjectTest, ScalarTellsNameAndValue) {
+TEST_F(ManagedObjectTest, ScalarReturnsNameAndValue) {
   EXPECT_EQ(scalar("").getName(), nullptr);
   EXPECT_EQ(scalar("").getId(), "");
   EXPECT_EQ(scalar("n").getId(), "n");
@@ -281,7 +281,7 @@ TEST_F(ManagedObjectTest, ScalarTellsNameAndValue) {
   EXPECT_STREQ(value.getValue(), "abc");
 }
 
-TEST_F(ManagedObjectTest, ElementsTellTheirNeighbours) {
+TEST_F(ManagedObjectTest, ElementsReturnTheirNeighbours) {
   LibTarnManagedObjectImp& object = parsed(
       "<managedObject><p name='x'/><list/><p name='y'><log/></p><extension/></managedObject>");
   const IElement* const first = object.getFirstChildElement(nullptr);
@@ -544,7 +544,7 @@ TEST_F(ManagedObjectTest, PoolOfAHostServesAFactory) {
   EXPECT_EQ(tarn_test::dump(*source.clone(factoryOverPool)), tarn_test::dump(source));
 }
 
-// More than one array holds once it changes.
+// More parameters than an array holds after a change.
 TEST_F(ManagedObjectTest, ManyParsedParametersAreRemovedOneByOne) {
   constexpr int COUNT = 150;
   std::string text = "<managedObject>";

@@ -1,4 +1,5 @@
-// Random edits on a document, compared after every step with a plain model of standard containers.
+// Random edits on a document, compared after every step with a reference model in standard
+// containers.
 
 #include <gtest/gtest.h>
 
@@ -204,7 +205,7 @@ class RandomEdit {
   Model model_;
 };
 
-TEST(RandomEditTest, DocumentAgreesWithAPlainModelAfterEveryStep) {
+TEST(RandomEditTest, DocumentAgreesWithAReferenceModelAfterEveryStep) {
   for (unsigned seed = 0; seed < 40; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     tarn_test::CapturedLog log;

@@ -1,4 +1,4 @@
-// Where an element stands in the text that it was parsed from.
+// The place of an element in the text that it was parsed from.
 
 #include <gtest/gtest.h>
 

@@ -31,7 +31,7 @@ class DumpElementTest : public ::testing::Test {
     return out;
   }
 
-  // Whether `element` is printed as whole lines of the document, of which it is each once.
+  // Expects that `element` is printed as lines that the printed document has exactly once.
   void expectLinesOfDocument(const IElement& element, const std::string& firstLine) {
     const std::string text = dumped(element);
     EXPECT_EQ(text.substr(0, text.find('\n')), firstLine);

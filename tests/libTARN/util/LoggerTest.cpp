@@ -43,7 +43,7 @@ TEST(LoggerLineTest, LinesComeInTheOrderOfTheStatements) {
   EXPECT_EQ(log.messages("INFO"), (std::vector<std::string>{"1", "3"}));
 }
 
-TEST(LoggerLineTest, SinkThatThrowsGetsTheLineAndDisturbsNobody) {
+TEST(LoggerLineTest, ThrowingLogCallbackGetsTheLineAndChangesNothing) {
   CapturedLog log;
   log.throwFromPrint();
   EXPECT_NO_THROW(Logger(Logger::Level::INFO, "l", "f") << "text");

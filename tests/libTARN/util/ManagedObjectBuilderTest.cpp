@@ -85,7 +85,7 @@ TEST_F(ManagedObjectBuilderTest, ObjectStaysOutOfTheDocument) {
   EXPECT_EQ(document_.getLibTarnCmData()->getManagedObjectNumber(), 2U);
 }
 
-// What a document takes: its text, and blocks for what was made of it.
+// The memory of a document: its text, and the blocks of its pool.
 TEST_F(ManagedObjectBuilderTest, MemorySizeGrowsWithTheDocument) {
   LibTarnDocument document;
   const std::size_t empty = document.getMemorySize();

@@ -37,7 +37,7 @@ TEST(TextPositionTest, LineFeedEndsTheLineThatItIsOn) {
   expectPlace("a\rb", 2, 1, 3);
 }
 
-TEST(TextPositionTest, OffsetBehindTheEndIsTheEnd) {
+TEST(TextPositionTest, OffsetAfterTheEndIsTheEnd) {
   expectPlace("", 5, 1, 1);
   expectPlace("a\nbc", 4, 2, 3);
   expectPlace("a\nbc", 1000, 2, 3);

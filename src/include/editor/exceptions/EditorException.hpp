@@ -9,11 +9,11 @@ namespace libtarn {
 namespace editor {
 namespace exceptions {
 
-/// A conflict between a delta and its source. what() is the whole message. Never leaves
-/// TarnMerge::mergeDocument().
+/// A conflict between a delta and its source. what() is the whole message.
+/// TarnMerge::mergeDocument() catches it.
 class TARN_API EditorException : public std::runtime_error {
  public:
-  /// `message` is what() as it stands.
+  /// `message` becomes what() unchanged.
   explicit EditorException(const std::string& message);
   ~EditorException() override;
 };

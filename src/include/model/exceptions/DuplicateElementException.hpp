@@ -12,14 +12,15 @@ class DistinguishedName;
 
 namespace exceptions {
 
-/// A second child under a key that is unique.
+/// Reports a second child under a unique key.
 class TARN_API DuplicateElementException : public ModelException {
  public:
-  /// `message` is what() as it stands.
+  /// `message` becomes what() unchanged.
   explicit DuplicateElementException(const std::string& message);
   ~DuplicateElementException() override;
 
-  /// Instantiated for keys of type DistinguishedName, std::string and const char*.
+  /// Returns an exception for the key `key` of a child `childTag`; `parent` is the parent's tag or
+  /// path. Instantiated for keys of type DistinguishedName, std::string and const char*.
   template <class T>
   static DuplicateElementException instance(const char* childTag, const char* parent,
                                             const char* keyAttribute, const T& key);

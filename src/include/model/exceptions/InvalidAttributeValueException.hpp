@@ -9,17 +9,17 @@ namespace libtarn {
 namespace model {
 namespace exceptions {
 
-/// An attribute with a text that it may not have.
+/// Reports an attribute with a text that it must not have.
 class TARN_API InvalidAttributeValueException : public ModelException {
  public:
-  /// `message` is what() as it stands.
+  /// `message` becomes what() unchanged.
   explicit InvalidAttributeValueException(const std::string& message);
   ~InvalidAttributeValueException() override;
 
-  /// `element`: its tag or path.
+  /// Returns an exception for that attribute and value; `element` is a tag or a path.
   static InvalidAttributeValueException instance(const char* element, const char* attribute,
                                                  const char* value);
-  /// Throws what instance() makes.
+  /// Throws the exception that instance() returns.
   [[noreturn]] static void throwException(const char* element, const char* attribute,
                                           const char* value);
 };

@@ -10,14 +10,15 @@ namespace libtarn {
 namespace model {
 namespace exceptions {
 
-/// Too few or too many children of one kind.
+/// Reports too few or too many children of one kind.
 class TARN_API InvalidChildCountException : public ModelException {
  public:
-  /// `message` is what() as it stands.
+  /// `message` becomes what() unchanged.
   explicit InvalidChildCountException(const std::string& message);
   ~InvalidChildCountException() override;
 
-  /// `element`: its path; `min` to `max`, inclusive, would do.
+  /// Returns an exception for `count` children where `min` to `max`, inclusive, are valid;
+  /// `element` is a path.
   static InvalidChildCountException instance(const char* childTag, const char* element,
                                              std::size_t min, std::size_t max, std::size_t count);
 };

@@ -7,7 +7,7 @@ namespace libtarn {
 namespace model {
 namespace exceptions {
 
-/// A distinguished name that the document's validator rejects.
+/// Reports a distinguished name that the document's validator rejects.
 class TARN_API InvalidDistinguishedNameException : public ModelException {
  public:
   /// `distName` may be null; the message then names none.

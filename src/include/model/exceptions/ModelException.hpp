@@ -9,10 +9,11 @@ namespace libtarn {
 namespace model {
 namespace exceptions {
 
-/// A fault in the data of a document. what() is the whole message; nothing else is carried.
+/// Reports a fault in the data of a document. what() is the whole message; the exception carries
+/// nothing else.
 class TARN_API ModelException : public std::runtime_error {
  public:
-  /// `message` is what() as it stands.
+  /// `message` becomes what() unchanged.
   explicit ModelException(const std::string& message);
   ~ModelException() override;
 };

@@ -9,14 +9,14 @@ namespace libtarn {
 namespace model {
 namespace exceptions {
 
-/// An element that must have a text and has none.
+/// Reports an element without the text that it must have.
 class TARN_API NoElementValueException : public ModelException {
  public:
-  /// `message` is what() as it stands.
+  /// `message` becomes what() unchanged.
   explicit NoElementValueException(const std::string& message);
   ~NoElementValueException() override;
 
-  /// `element`: its path.
+  /// Returns an exception for `element`, a path.
   static NoElementValueException instance(const char* element);
 };
 

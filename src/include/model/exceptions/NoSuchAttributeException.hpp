@@ -9,16 +9,16 @@ namespace libtarn {
 namespace model {
 namespace exceptions {
 
-/// An attribute that must be there and is absent.
+/// Reports the absence of a required attribute.
 class TARN_API NoSuchAttributeException : public ModelException {
  public:
-  /// `message` is what() as it stands.
+  /// `message` becomes what() unchanged.
   explicit NoSuchAttributeException(const std::string& message);
   ~NoSuchAttributeException() override;
 
-  /// `element`: its tag or path.
+  /// Returns an exception for that attribute; `element` is a tag or a path.
   static NoSuchAttributeException instance(const char* element, const char* attribute);
-  /// Throws what instance() makes.
+  /// Throws the exception that instance() returns.
   [[noreturn]] static void throwException(const char* element, const char* attribute);
 };
 

@@ -9,14 +9,15 @@ namespace libtarn {
 namespace model {
 namespace exceptions {
 
-/// A named child that is not there.
+/// Reports that a named child does not exist.
 class TARN_API NoSuchElementException : public ModelException {
  public:
-  /// `message` is what() as it stands.
+  /// `message` becomes what() unchanged.
   explicit NoSuchElementException(const std::string& message);
   ~NoSuchElementException() override;
 
-  /// Instantiated for keys of type std::string.
+  /// Returns an exception for the key `key` of a child `childTag`. Instantiated for keys of type
+  /// std::string.
   template <class T>
   static NoSuchElementException instance(const char* childTag, const char* keyAttribute,
                                          const T& key);

@@ -15,12 +15,18 @@ namespace indexation {
 template <class T>
 class ITarnUniqueAndNonUniqueMultiIndex;
 
-/// Makes the indexes of a document's elements. What it makes must live as long as the document.
+/// Makes the indexes of the elements of one document. An index must live as long as its element is
+/// used; a document never deletes one.
 class TARN_API ITarnIndexFactory {
  public:
-  /// A new, empty index for the `p`, the lists and the objects of one element; never null.
+  /// Returns a new, empty index for the parameters (`p`) of one object or item. Null is an
+  /// assertion in the element that asks for it.
   virtual ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const = 0;
+  /// Returns a new, empty index for the lists of one object. Null is an assertion in the element
+  /// that asks for it.
   virtual ITarnUniqueIndex<List>* createUniqueIndexForList() const = 0;
+  /// Returns a new, empty index for the objects of one cmData. Null is an assertion in the element
+  /// that asks for it.
   virtual ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>*
   createUniqueAndNonUniqueMultiIndex() const = 0;
 

@@ -10,7 +10,7 @@ class List;
 
 namespace indexation {
 
-/// The key of an index: the name of a list, "" when it has none. The text is the element's own.
+/// Returns the key of a list: its name, "" when it has none. The text is the element's own.
 struct TARN_API ListNameExtractor {
   const char* operator()(const List* element) const;
 };

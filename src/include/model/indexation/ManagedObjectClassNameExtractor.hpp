@@ -10,7 +10,7 @@ class LibTarnManagedObject;
 
 namespace indexation {
 
-/// The key of an index: the class of a managed object, "" when it has none. The text is the
+/// Returns the shared key of a managed object: its class, "" when it has none. The text is the
 /// element's own.
 struct TARN_API ManagedObjectClassNameExtractor {
   const char* operator()(const LibTarnManagedObject* element) const;

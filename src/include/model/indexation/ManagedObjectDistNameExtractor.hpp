@@ -10,8 +10,8 @@ class LibTarnManagedObject;
 
 namespace indexation {
 
-/// The key of an index: the distinguished name of a managed object, "" when it has none. The text
-/// is the element's own.
+/// Returns the unique key of a managed object: its distinguished name, "" when it has none. The
+/// text is the element's own.
 struct TARN_API ManagedObjectDistNameExtractor {
   const char* operator()(const LibTarnManagedObject* element) const;
 };

@@ -10,7 +10,7 @@ class Scalar;
 
 namespace indexation {
 
-/// The key of an index: the name of a scalar, "" when it has none. The text is the element's own.
+/// Returns the key of a scalar: its name, "" when it has none. The text is the element's own.
 struct TARN_API ScalarNameExtractor {
   const char* operator()(const Scalar* element) const;
 };

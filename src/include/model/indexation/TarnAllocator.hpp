@@ -11,22 +11,21 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
-/// A standard allocator over a document's pool. Memory given back goes to the pool's
-/// deallocateMemory(), which keeps it. Allocators over one pool are equal.
+/// A standard allocator over a document's pool. Allocators over one pool are equal.
 template <class T>
 class TARN_API TarnAllocator {
  public:
-  /// What is allocated.
+  /// Type of the objects.
   using value_type = T;
 
-  /// From `pool`, which must outlive what is allocated.
+  /// Allocates from `pool`, which must outlive what is allocated.
   explicit TarnAllocator(libDomXml::IMemoryPool* pool) : pool_(pool) {}
-  /// For another type, from the same pool.
+  /// An allocator for another type, from the same pool.
   template <class Other>
   TarnAllocator(const TarnAllocator<Other>& other) : pool_(other.getPool()) {}  // NOLINT: rebinds
 
-  /// Room for `count` objects. Throws std::bad_alloc when their size does not fit an unsigned int
-  /// or the pool has no memory.
+  /// Returns room for `count` objects. Throws std::bad_alloc when their size does not fit an
+  /// unsigned int or the pool is out of memory.
   T* allocate(std::size_t count) {
     static_assert(alignof(T) <= alignof(void*), "a pool aligns to the size of a pointer");
     if (count > std::numeric_limits<unsigned int>::max() / sizeof(T)) throw std::bad_alloc();
@@ -35,10 +34,10 @@ class TARN_API TarnAllocator {
     return static_cast<T*>(memory);
   }
 
-  /// Does nothing: memory goes back with the pool.
+  /// Reports the memory to the pool's deallocateMemory(). A document's pool keeps it.
   void deallocate(T* memory, std::size_t /*count*/) { pool_->deallocateMemory(memory); }
 
-  /// The pool.
+  /// Returns the pool.
   libDomXml::IMemoryPool* getPool() const { return pool_; }
 
  private:

@@ -17,152 +17,168 @@ class Scalar;
 
 namespace indexation {
 
-/// A piece of a collection: entries that lie one behind the other in memory, and the piece that
-/// follows, null for the last one.
+/// A piece of a collection: entries that are adjacent in memory, and the next piece.
 template <class Entry>
 struct EntryRun {
-  /// The first entry, the end behind the last one, and the next piece.
+  /// First entry.
   const Entry* begin;
+  /// End, one past the last entry.
   const Entry* end;
+  /// Next piece, or null for the last one.
   const EntryRun* next;
 };
 
-/// What a walk follows when entries are added to an index or removed from it meanwhile. The
-/// library's own indexes have one for each order.
+/// A sequence of entries that may change while iterators are in it. Each order of the library's own
+/// indexes is one.
 template <class Entry>
-struct EntrySource {
-  /// How often entries were added or removed.
+struct EntrySequence {
+  /// Number of changes so far: entries added or removed.
   std::uint32_t changes = 0;
 };
 
-/// Where an entry stands: itself and its piece, both null behind the last one.
+/// Position of an entry in a sequence, or of its end.
 template <class Entry>
-struct EntryPlace {
-  /// The parts.
+struct EntryPosition {
+  /// The entry, or null at the end.
   const Entry* entry = nullptr;
+  /// The piece that holds the entry, or null at the end.
   const EntryRun<Entry>* run = nullptr;
-  /// Whether it has the key that was asked for.
+  /// True if the entry has exactly the key that was looked up.
   bool hasKey = false;
-  /// What tells of changes from then on.
-  const EntrySource<Entry>* source = nullptr;
+  /// The sequence, for iterators that are to find their entry again after a change. Null: none.
+  const EntrySequence<Entry>* sequence = nullptr;
 };
 
-/// The first entry whose key is not before that of `entry`, in the index that `source` is of.
+/// Returns the position of the first entry of `sequence` whose key is not before that of `entry`.
 template <class Entry>
-EntryPlace<Entry> placeOf(const EntrySource<Entry>& source, const Entry& entry);
+EntryPosition<Entry> lowerBound(const EntrySequence<Entry>& sequence, const Entry& entry);
 
 /// A parameter in an index: its name and the element.
 template <class T>
 using ParameterEntry = std::pair<const char*, T*>;
 
-/// A managed object in an index: its key text, the element, and the number of its insertion.
+/// A managed object in an index.
 struct ManagedObjectEntry {
-  /// The parts; the key lives as long as the element keeps its name.
+  /// Key text, which lives as long as the element keeps its name.
   const char* key;
+  /// The element.
   LibTarnManagedObject* object;
+  /// Number of the insertion: orders entries with equal keys.
   std::size_t serial;
 };
 
 template <>
-TARN_API EntryPlace<ParameterEntry<Scalar>> placeOf(
-    const EntrySource<ParameterEntry<Scalar>>& source, const ParameterEntry<Scalar>& entry);
+TARN_API EntryPosition<ParameterEntry<Scalar>> lowerBound(
+    const EntrySequence<ParameterEntry<Scalar>>& sequence, const ParameterEntry<Scalar>& entry);
 template <>
-TARN_API EntryPlace<ParameterEntry<List>> placeOf(const EntrySource<ParameterEntry<List>>& source,
-                                                  const ParameterEntry<List>& entry);
+TARN_API EntryPosition<ParameterEntry<List>> lowerBound(
+    const EntrySequence<ParameterEntry<List>>& sequence, const ParameterEntry<List>& entry);
 template <>
-TARN_API EntryPlace<ManagedObjectEntry> placeOf(const EntrySource<ManagedObjectEntry>& source,
-                                                const ManagedObjectEntry& entry);
+TARN_API EntryPosition<ManagedObjectEntry> lowerBound(
+    const EntrySequence<ManagedObjectEntry>& sequence, const ManagedObjectEntry& entry);
 
-/// What a step through a collection gives: the entry itself ...
+/// What an iterator over a collection returns for an entry: the entry itself.
 template <class Entry>
 struct CollectionItem {
-  /// What a step gives, and how it is made of an entry.
+  /// Type that an iterator returns.
   using type = const Entry&;
+  /// Returns what an iterator returns for `entry`.
   static type of(const Entry& entry) { return entry; }
 };
 
-/// ... but for a managed object the element.
+/// What an iterator over managed objects returns for an entry: the element.
 template <>
 struct CollectionItem<ManagedObjectEntry> {
-  /// What a step gives, and how it is made of an entry.
+  /// Type that an iterator returns.
   using type = LibTarnManagedObject*;
+  /// Returns what an iterator returns for `entry`.
   static type of(const ManagedObjectEntry& entry) { return entry.object; }
 };
 
-/// Where a range of a collection ends: only with the collection, ...
+/// End of a range of parameters: always the end of the sequence.
 template <class Entry>
 struct RangeEnd {
-  /// Whether `entry` is the first one behind the range, which is found anew in `source`.
+  /// Returns true if `entry` is the first one after the range.
   static bool isAt(const Entry* /*entry*/) { return false; }
-  static void find(const EntrySource<Entry>& /*source*/) {}
+  /// Looks the end up again, after a change of `sequence`.
+  static void find(const EntrySequence<Entry>& /*sequence*/) {}
 };
 
-/// ... or, for managed objects of one class, before the first entry that is not before `bound`.
+/// End of a range of managed objects: the end of the sequence, or the first entry that is not
+/// before `bound`.
 template <>
 struct RangeEnd<ManagedObjectEntry> {
-  /// As above.
-  bool isAt(const ManagedObjectEntry* entry) const { return bound.key && entry == behind; }
-  void find(const EntrySource<ManagedObjectEntry>& source) {
-    if (bound.key) behind = placeOf(source, bound).entry;
+  /// Returns true if `entry` is the first one after the range.
+  bool isAt(const ManagedObjectEntry* entry) const { return bound.key && entry == pastEnd; }
+  /// Looks the end up again, after a change of `sequence`.
+  void find(const EntrySequence<ManagedObjectEntry>& sequence) {
+    if (bound.key) pastEnd = lowerBound(sequence, bound).entry;
   }
 
-  /// Without a key there is none. `behind` is null at the end of the collection.
+  /// Key before which the range ends; without a key, the range ends with the sequence.
   ManagedObjectEntry bound{};
-  const ManagedObjectEntry* behind = nullptr;
+  /// First entry after the range; null at the end of the sequence.
+  const ManagedObjectEntry* pastEnd = nullptr;
 };
 
 /// The entries of an index in order, or a range of them. Works in a range-for.
 ///
-/// A value that borrows the index; it and its iterators are good as long as the index. Entries may
-/// be added and removed during a walk, also the one that the walk is at: the walk goes on with what
-/// follows it. It meets added entries that stand further on, but for those that were added to a
-/// class during a walk through that class. A range-for over parameters gives references to entries,
-/// which are good until the index changes.
+/// A value that borrows the index; it and its iterators are valid as long as the index. Entries may
+/// be added and removed while iterators are in the collection, also the current entry of an
+/// iterator: the iterator then continues with the next one. It also reaches entries that were added
+/// after its position, except those added to a class during an iteration over that class. A
+/// range-for over parameters yields references to entries, which are valid until the index changes.
 ///
-/// A host that writes an index of its own makes a collection from an EntryRun; the index must then
-/// not change during a walk.
+/// A host that writes its own index makes a collection of an EntryRun. That index must not change
+/// during an iteration.
 template <class Entry>
 class TARN_API TarnCollection {
  public:
-  /// A forward iterator over the entries.
+  /// Forward iterator over the entries.
   class iterator {
    public:
-    /// As the standard library asks.
+    /// Tag that the standard library asks for.
     using iterator_category = std::forward_iterator_tag;
+    /// Type that a dereference returns.
     using reference = typename CollectionItem<Entry>::type;
+    /// Type of an item.
     using value_type = std::decay_t<reference>;
+    /// Type that the standard library asks for.
     using difference_type = std::ptrdiff_t;
+    /// Type that operator->() returns.
     using pointer = const Entry*;
 
-    /// Behind the last entry of every collection.
+    /// The end of every collection.
     iterator() = default;
-    /// `current` lies in `run` or is its end.
+    /// Starts at `current`, an entry or the end of `run`.
     iterator(const Entry* current, const EntryRun<Entry>* run) : current_(current), run_(run) {
       leaveFinishedRuns();
     }
-    /// At `place`, which has a source, in a range up to `end`.
-    iterator(const EntryPlace<Entry>& place, const RangeEnd<Entry>& end) : end_(end) {
-      moveTo(place);
-      arrive();
+    /// Starts at `position`, which has a sequence, in a range up to `end`.
+    iterator(const EntryPosition<Entry>& position, const RangeEnd<Entry>& end) : end_(end) {
+      moveTo(position);
+      stopAtEnd();
     }
 
-    /// The item, and the entry behind it.
+    /// Returns the item.
     reference operator*() const { return CollectionItem<Entry>::of(*operator->()); }
+    /// Returns the entry of the item.
     pointer operator->() const {
       catchUp();
-      if (isAhead_) settle();
+      if (hasAdvanced_) settle();
       return current_;
     }
 
-    /// To the next item.
+    /// Advances to the next item.
     iterator& operator++() {
       catchUp();
-      if (!isAhead_) {
+      if (!hasAdvanced_) {
         ++current_;
         leaveFinishedRuns();
       }
-      if (source_) arrive();
+      if (sequence_) stopAtEnd();
       return *this;
+      /// Advances to the next item. Returns the position before.
     }
     iterator operator++(int) {
       const iterator before = *this;
@@ -170,8 +186,9 @@ class TARN_API TarnCollection {
       return before;
     }
 
-    /// Whether both are at the same entry, or at the end.
+    /// Returns true if both are at the same entry, or both at the end.
     bool operator==(const iterator& other) const { return current() == other.current(); }
+    /// Returns true if the two are at different entries.
     bool operator!=(const iterator& other) const { return !(*this == other); }
 
    private:
@@ -180,37 +197,38 @@ class TARN_API TarnCollection {
       return current_;
     }
 
-    // Finds the entry again, or what follows it when it is gone: then the next step has been made.
+    // After a change, finds the entry again. When it was removed, finds the next entry: the
+    // iterator has then advanced already.
     void catchUp() const {
-      if (!source_ || source_->changes == seenChanges_) return;
-      const EntryPlace<Entry> place = placeOf(*source_, entry_);
-      isAhead_ = !place.hasKey;
-      moveTo(place);
+      if (!sequence_ || sequence_->changes == seenChanges_) return;
+      const EntryPosition<Entry> position = lowerBound(*sequence_, entry_);
+      hasAdvanced_ = !position.hasKey;
+      moveTo(position);
     }
 
-    void moveTo(const EntryPlace<Entry>& place) const {
-      current_ = place.entry;
-      run_ = place.run;
-      source_ = place.source;
-      seenChanges_ = source_->changes;
-      end_.find(*source_);
+    void moveTo(const EntryPosition<Entry>& position) const {
+      current_ = position.entry;
+      run_ = position.run;
+      sequence_ = position.sequence;
+      seenChanges_ = sequence_->changes;
+      end_.find(*sequence_);
       if (end_.isAt(current_)) current_ = nullptr;
     }
 
-    // What has come to the end stays there.
-    void arrive() {
+    // An iterator that has reached the end stays there, whatever is added.
+    void stopAtEnd() {
       if (end_.isAt(current_)) current_ = nullptr;
-      if (!current_) source_ = nullptr;
+      if (!current_) sequence_ = nullptr;
       settle();
     }
 
-    // The walk is now at the entry that it shows.
+    // Makes the entry that the iterator returns its current one.
     void settle() const {
-      isAhead_ = false;
+      hasAdvanced_ = false;
       if (current_) entry_ = *current_;
     }
 
-    // An end that is passed, not only one that is met: a run may have become shorter meanwhile.
+    // The end may have been passed, not only reached: a run may have become shorter.
     void leaveFinishedRuns() {
       while (run_ && current_ >= run_->end) {
         run_ = run_->next;
@@ -220,27 +238,30 @@ class TARN_API TarnCollection {
 
     mutable const Entry* current_ = nullptr;
     mutable const EntryRun<Entry>* run_ = nullptr;
-    mutable const EntrySource<Entry>* source_ = nullptr;  // null when nothing is followed
+    mutable const EntrySequence<Entry>* sequence_ = nullptr;  // null: changes are not followed
     mutable std::uint32_t seenChanges_ = 0;
-    mutable bool isAhead_ = false;  // of the entry that the walk was at, which is gone
-    mutable Entry entry_{};         // that the walk is at
+    mutable bool hasAdvanced_ = false;  // the current entry was removed
+    mutable Entry entry_{};             // the current entry
     mutable RangeEnd<Entry> end_;
   };
-  /// Items cannot be changed.
+  /// Collections are read-only.
   using const_iterator = iterator;
 
-  /// No entries.
+  /// An empty collection.
   TarnCollection() = default;
+  /// The items from `begin` up to `end`.
   TarnCollection(iterator begin, iterator end) : begin_(begin), end_(end) {}
-  /// All entries of `run` and of those that follow it.
+  /// All entries of `run` and of the runs after it.
   explicit TarnCollection(const EntryRun<Entry>& run) : begin_(run.begin, &run) {}
-  /// The entries from `first` on, which has a source, up to `end`.
-  explicit TarnCollection(const EntryPlace<Entry>& first, const RangeEnd<Entry>& end = {})
+  /// The entries from `first`, which has a sequence, up to `end`.
+  explicit TarnCollection(const EntryPosition<Entry>& first, const RangeEnd<Entry>& end = {})
       : begin_(first, end) {}
 
-  /// The range of the items.
+  /// Returns an iterator at the first item.
   iterator begin() const { return begin_; }
+  /// Returns the end of the items.
   iterator end() const { return end_; }
+  /// Returns true if there are no items.
   bool empty() const { return begin_ == end_; }
 
  private:
@@ -248,10 +269,11 @@ class TARN_API TarnCollection {
   iterator end_;
 };
 
-/// Parameters by name: `first` is the name, `second` the element.
+/// Scalar parameters by name: `first` is the name, `second` the element.
 using ScalarCollection = TarnCollection<ParameterEntry<Scalar>>;
+/// List parameters by name: `first` is the name, `second` the element.
 using ListCollection = TarnCollection<ParameterEntry<List>>;
-/// Managed objects.
+/// Managed objects by distinguished name or by class.
 using ManagedObjectCollection = TarnCollection<ManagedObjectEntry>;
 
 }  // namespace indexation

@@ -8,15 +8,17 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
-/// Makes indexes in a pool. Each operation gives null when the pool has no memory for the index.
+/// Makes the library's own indexes, in a pool.
 class TARN_API TarnIndexFactory : public ITarnIndexFactory {
  public:
-  /// Makes indexes in `pool`, which must outlive it.
+  /// Makes indexes in `pool`, which must outlive them.
   explicit TarnIndexFactory(libDomXml::IMemoryPool& pool) : pool_(pool) {}
 
-  /// A new, empty index in the pool, or null.
+  /// Returns a new, empty index in the pool, or null when the pool is out of memory.
   ITarnUniqueIndex<Scalar>* createUniqueScalarNameTarnIndex() const override;
+  /// Returns a new, empty index in the pool, or null when the pool is out of memory.
   ITarnUniqueIndex<List>* createUniqueIndexForList() const override;
+  /// Returns a new, empty index in the pool, or null when the pool is out of memory.
   ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>* createUniqueAndNonUniqueMultiIndex()
       const override;
 

@@ -15,13 +15,14 @@ struct NamedEntries;
 
 /// An ordered index of elements by name, all of it in a pool.
 ///
-/// Look-up, add and remove cost O(log n); adding in the order of the names costs one comparison
-/// each. Entries that were taken over unsorted are sorted when they are first asked for. Nothing is
-/// taken from the pool before the first add. When the pool has no memory the operation throws
+/// Look-up, add and remove cost O(log n). Adding in name order costs one comparison each. Entries
+/// that fill() took unsorted are sorted when one is first looked up or changed. Nothing is
+/// allocated before the first add. When the pool is out of memory, an operation throws
 /// std::bad_alloc and changes nothing. Instantiated for Scalar and List.
 template <class T, class Extractor>
 class TARN_API TarnMapIndex : public ITarnUniqueIndex<T> {
  public:
+  /// An empty index in `pool`, which must outlive it.
   explicit TarnMapIndex(libDomXml::IMemoryPool& pool) : pool_(&pool) {}
 
   bool add(T* element) override;
@@ -31,18 +32,19 @@ class TARN_API TarnMapIndex : public ITarnUniqueIndex<T> {
   TarnCollection<ParameterEntry<T>> getCollection() const override;
   std::size_t size() const override;
 
-  /// Adds `count` entries of distinct names, all at once; `sorted` when they are in order. False,
-  /// with nothing changed, when the index was given any before, or for more than 2^31 - 1.
+  /// Adds `count` entries of distinct names at once; `sorted` says whether they are in order.
+  /// Returns false, with nothing changed, when entries were added before, or for more than 2^31 -
+  /// 1.
   bool fill(const ParameterEntry<T>* entries, std::size_t count, bool sorted);
-  /// Removes all entries. No walk may be in the collection.
+  /// Removes all entries. No iterator may be in the collection.
   void clear() { entries_ = nullptr; }
-  /// All entries in whatever order is cheapest. The walk must not outlive a change.
+  /// Returns all entries in the cheapest order. Iterators are valid until the index changes.
   TarnCollection<ParameterEntry<T>> getUnordered() const;
 
  private:
   using Entry = ParameterEntry<T>;
 
-  // The entries in order; null before the first one.
+  // Returns the entries, sorted; null before the first one.
   NamedEntries<T>* ordered() const;
 
   libDomXml::IMemoryPool* pool_;

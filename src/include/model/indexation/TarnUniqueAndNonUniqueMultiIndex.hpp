@@ -21,15 +21,15 @@ struct SharedKeyOrder;
 
 /// An ordered index of managed objects with two views, by name and by class, all of it in a pool.
 ///
-/// Objects are found by name in a hash table. Each of the two views is built when an order is first
-/// asked for, in O(n log n), and kept in step from then on; until then add and remove cost O(1),
-/// and O(log n) from then on. Names that crowd the hash table only make the index use the view by
-/// name in its place. When the pool has no memory the operation throws std::bad_alloc and changes
-/// nothing.
+/// Objects are found by name in a hash table. Each view is built when its order is first asked for,
+/// in O(n log n), and kept up to date from then on. Add and remove cost O(1) while there is no
+/// view, O(log n) with one. When names crowd the hash table, the index replaces it by the view by
+/// name. When the pool is out of memory, an operation throws std::bad_alloc and changes nothing.
 /// Instantiated for LibTarnManagedObject.
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 class TARN_API TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUniqueMultiIndex<T> {
  public:
+  /// An empty index in `pool`, which must outlive it.
   explicit TarnUniqueAndNonUniqueMultiIndex(libDomXml::IMemoryPool& pool) : pool_(&pool) {}
 
   bool add(T* element) override;
@@ -41,10 +41,11 @@ class TARN_API TarnUniqueAndNonUniqueMultiIndex : public ITarnUniqueAndNonUnique
   void clear() override;
   void prepareAdd(const char* key) override;
 
-  /// Calls `visit` for every element, in whatever order is cheapest. It must not change the index.
+  /// Calls `visit` for every element, in the cheapest order. `visit` must not change the index.
   void forEach(const std::function<void(T*)>& visit) const;
-  /// Adds `count` objects all at once, in this order, without a look at them. False, with nothing
-  /// changed, when two have the same name, names crowd the table, or the index is not empty.
+  /// Adds `count` objects at once, in this order, and reads nothing of the elements. Returns false,
+  /// with nothing changed, when two have the same name, names crowd the table, or the index is not
+  /// empty.
   bool fill(const HashedObject* objects, std::size_t count);
 
  private:

@@ -29,23 +29,26 @@ namespace validation {
 
 struct Violation;
 
-/// Checks a document against the rules of the format, in one walk from the root. Stops at the first
-/// violation by throwing a ModelException whose message holds the element's path; with a collector
-/// it records the violations instead and goes on.
+/// Validates a document against the rules of the format, in one walk from the root. Throws a
+/// ModelException for the first violation, whose message holds the element's path. With a collector
+/// it records the violations instead and continues.
 ///
 /// The elements drive the walk: TarnDomElement::accept() puts the element on the path, lets the
 /// validator visit it, then its children. Holds pointers into the document while the walk runs.
-/// Allocates for messages and for a path deeper than before, not for each element. One thread.
+/// Allocates for messages and for a path deeper than before, not for each element. Used by one
+/// thread at a time.
 class TARN_API Validator {
  public:
-  /// All violations.
+  /// Stands for no limit.
   static constexpr std::size_t NO_LIMIT = SIZE_MAX;
 
-  /// With a `collector`, which stays the caller's, the rules throw nothing: violations are appended
-  /// to it in the order of the walk, the first `limit` of them and only while the texts of those
-  /// before hold fewer than `byteLimit` bytes; the others are counted. A message and a path hold
-  /// the names from the root down, so that without a `byteLimit` a document of n bytes can take n *
-  /// n. With one, the texts take `byteLimit` and one violation more at most.
+  /// With a `collector`, which stays the caller's, no violation is thrown: violations are appended
+  /// to it in the order of the walk. Only the first `limit` are, and only while the texts of those
+  /// before hold fewer than `byteLimit` bytes; the others are counted.
+  ///
+  /// A message and a path hold the names from the root down: without a `byteLimit`, a document of n
+  /// bytes can take n * n bytes. With one, the texts take at most `byteLimit` bytes and one
+  /// violation more.
   explicit Validator(std::vector<Violation>* collector = nullptr, std::size_t limit = NO_LIMIT,
                      std::size_t byteLimit = NO_LIMIT)
       : collector_(collector), limit_(limit), byteLimit_(byteLimit) {
@@ -53,43 +56,52 @@ class TARN_API Validator {
   }
   virtual ~Validator();
 
-  /// Violations that a collecting validator has found, with those beyond its limits.
+  /// Returns the number of violations that a collecting validator has found, also beyond its
+  /// limits.
   std::size_t getViolationCount() const { return violationCount_; }
 
-  /// Puts an element on the path; `id` may be null. A null tag throws std::invalid_argument.
+  /// Puts an element on the path; `id` may be null. Throws std::invalid_argument for a null tag.
   void appendToPath(const char* tagName, const char* id);
-  /// Takes the last element off the path. Throws std::logic_error when there is none.
+  /// Removes the last element from the path. Throws std::logic_error when there is none.
   void popPath();
-  /// "TAG:ID > " for each element from the root down, ":ID" only where there is one.
+  /// Returns "TAG:ID > " for each element from the root down, ":ID" only for those with an id.
   std::string getPath() const;
 
-  /// The attribute must be there and, when `expected` is not null, equal it.
+  /// Requires the attribute and, when `expected` is not null, that it equals `expected`.
   void validateAttribute(const libDomXml::IDomElement& element, const char* name,
                          const char* expected) const;
-  /// The element must have a text.
+  /// Requires that the element has a text.
   void validateValue(const libDomXml::IDomElement& element) const;
-  /// "distName" must be there and a valid name.
+  /// Requires the attribute "distName", with a valid name.
   void validateDistinguishedName(const LibTarnManagedObjectImp& object);
-  /// A list holds plain values or structures, not both.
+  /// Requires that a list does not hold both plain values and structures.
   void validateChildrenType(const ListImp& list);
-  /// From `minCount` to `maxCount` children of that class. Instantiated for LibTarnCmDataImp and
-  /// LibTarnHeaderImp. Counts to `maxCount` + 1 at most.
+  /// Requires `minCount` to `maxCount` children of that class. Counts to `maxCount` + 1 at most.
+  /// Instantiated for LibTarnCmDataImp and LibTarnHeaderImp.
   template <class Child>
   void validateChildCount(const IElement& element, std::size_t minCount,
                           std::size_t maxCount) const;
-  /// At least one child of that class. Instantiated for LibTarnManagedObjectImp.
+  /// Requires at least one child of that class. Instantiated for LibTarnManagedObjectImp.
   template <class Child>
   void validateAtLeastOneChild(const IElement& element) const;
 
-  /// The rules for one element of each kind, its children not included.
+  /// Asks the rules of the root: its attributes and the number of bodies.
   void visit(const LibTarnDocumentInternal& root);
+  /// Asks the rules of a body: the number of headers and, for a plan, of objects.
   void visit(const LibTarnCmDataImp& cmData);
+  /// A header has no rules of its own.
   void visit(const LibTarnHeaderImp& header);
+  /// Asks the rules of a log entry: its attributes.
   void visit(const LogImp& log);
+  /// Asks the rules of an object: its class and its distinguished name.
   void visit(const LibTarnManagedObjectImp& object);
+  /// An extension has no rules of its own; its parameters must have names.
   void visit(const LibTarnExtensionImp& extension);
+  /// Asks the rules of a `p`: its name, unless it is a plain value.
   void visit(const ScalarImp& scalar);
+  /// Asks the rules of a list: its name, and that it does not hold both plain values and items.
   void visit(const ListImp& list);
+  /// An item has no rules of its own; its components must have names.
   void visit(const StructureImp& structure);
 
  private:
@@ -112,11 +124,11 @@ class TARN_API Validator {
 
   bool nameRequired_ = false;  // whether the `p` visited next must have a name
   std::vector<PathEntry> pathStack_;
-  std::vector<Violation>* collector_;  // null: throw
+  std::vector<Violation>* collector_;  // null: violations are thrown
   std::size_t limit_;
   std::size_t byteLimit_;
   mutable std::size_t violationCount_ = 0;
-  mutable std::size_t byteCount_ = 0;  // of what was collected
+  mutable std::size_t byteCount_ = 0;  // of the collected texts
 };
 
 }  // namespace validation

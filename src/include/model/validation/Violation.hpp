@@ -10,7 +10,7 @@ namespace validation {
 struct Violation {
   /// The text that the exception for this violation has.
   std::string message;
-  /// The element that breaks the rule, as Validator::getPath() gives it.
+  /// The element that breaks the rule, in the form of Validator::getPath().
   std::string path;
 };
 

@@ -1,8 +1,8 @@
 // Included by other headers; not for hosts.
 //
-// Constants have names that hosts and their platforms define as macros. Between this header and
-// hostMacrosOn.hpp those macros do not exist; afterwards they are what they were. Without a guard:
-// each header of the library that declares such a constant includes both.
+// Hosts and their platforms define macros with the names of constants. This header undefines those
+// macros until hostMacrosOn.hpp, which restores them. It has no include guard: each header of the
+// library that declares such a constant includes both.
 
 #pragma push_macro("DEBUG")
 #undef DEBUG

@@ -2,29 +2,32 @@
 
 // A B+-tree of entries in a pool.
 //
-// Entries stand in leaves, in order, one behind the other, and the leaves are linked, so that a
-// walk through all entries is a walk through arrays. Inner nodes hold, for each child but the
-// first, the entry that was the child's first when the child was made: everything in the child is
-// not less than it, everything in the children before it is less. Copies of entries that have since
-// been removed may stand there; their key texts stay readable as long as the pool.
+// Structure. Leaves hold the entries in order, adjacent in memory, and are linked: a walk through
+// all entries is a walk through arrays. An inner node holds its children and, for each child but
+// the first, a separator: the first entry of that child when it was made. Everything in the child
+// is not less than the separator; everything in the children before it is less. A separator may be
+// the copy of an entry that has since been removed; key texts stay readable as long as the pool.
 //
-// Leaf:   | run: begin, end, next leaf | previous leaf | capacity | entry, entry, ...        |
-//         the entries may also lie elsewhere
-// Inner:  | count | children [fanout] | first entries of the children [fanout]               |
+//   Leaf:   | run: begin, end, next leaf | previous leaf | capacity | entry, entry, ...        |
+//           the entries may also lie elsewhere
+//   Inner:  | count | children [fanout] | first entries of the children [fanout]               |
 //
-// The only leaf of a small tree grows by doubling. A full leaf is split in halves, or, when the new
-// entry comes behind all others, left full and followed by a new one: entries that come in order
-// cost one comparison each and fill their leaves. An array of entries in order becomes a tree
-// without a comparison: its leaves are pieces of the array. Nothing is balanced on removal; a leaf
-// that becomes empty is taken out and used again for the next new one, and so is an inner node
-// without children. So an entry that was erased can be added again without memory: what the way to
-// its place lost, and nothing else, may have to be put back. Add, find and erase cost O(log n)
-// comparisons. A leaf that a larger one replaces is abandoned, since the pool takes nothing back.
+// Adding. The only leaf of a small tree grows by doubling; the pool takes nothing back, so the
+// smaller one is abandoned. A full leaf is split in halves. When the new entry is after all others,
+// the full leaf is left as it is and a new one follows: entries that come in order cost one
+// comparison each and fill their leaves. A sorted array becomes a tree without a comparison: its
+// leaves are pieces of the array.
 //
-// Height: a level is added when the root is full, for which its children have been split many
-// times, each split after about fanout / 2 new nodes below it. Taking no more than fanout / 4 for
-// granted, max_height inner levels stand for 8^17 leaves, all of them still in the pool: 2^51
-// leaves of 1 KiB exceed every address space.
+// Removing. Nothing is balanced. A leaf without entries, or an inner node without children, is
+// unlinked and kept as a spare for the next new one. So an entry that was erased can be added again
+// without memory: adding needs at most the nodes that erasing has freed.
+//
+// Cost. Add, find and erase take O(log n) comparisons.
+//
+// Height. A level is added when the root is full. Its children have then been split many times,
+// each split after about fanout / 2 new nodes below it. Even with only fanout / 4 of them,
+// max_height inner levels stand for 8^17 leaves, all still in the pool: 2^51 leaves of 1 KiB exceed
+// every address space.
 
 #include <algorithm>
 #include <array>
@@ -39,9 +42,9 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
-/// `Order::compare(const Entry&, const Entry&)` is negative, zero or positive. No two entries of
-/// the tree compare equal. add() has the strong guarantee: when the pool has no memory,
-/// std::bad_alloc is thrown and nothing has changed.
+/// A set of entries in order. `Order::compare(const Entry&, const Entry&)` returns a negative
+/// number, zero or a positive number; no two entries of the tree compare equal. When the pool is
+/// out of memory, add() throws std::bad_alloc and changes nothing.
 template <class Entry, class Order>
 class EntryTree {
  public:
@@ -58,7 +61,7 @@ class EntryTree {
     return TarnCollection<Entry>(*first_);
   }
 
-  /// The entry equal to `key`, or null.
+  /// Returns the entry equal to `key`, or null.
   const Entry* find(const Entry& key) const {
     if (!root_) return nullptr;
     const Leaf* const leaf = descend(key, nullptr);
@@ -66,8 +69,8 @@ class EntryTree {
     return position != leaf->end && Order::compare(*position, key) == 0 ? position : nullptr;
   }
 
-  /// The first entry that is not less than `key`.
-  EntryPlace<Entry> lowerBound(const Entry& key) const {
+  /// Returns the position of the first entry that is not less than `key`.
+  EntryPosition<Entry> lowerBound(const Entry& key) const {
     if (!root_) return {};
     const EntryRun<Entry>* run = descend(key, nullptr);
     const Entry* entry = lowerBound(static_cast<const Leaf*>(run), key);
@@ -78,13 +81,13 @@ class EntryTree {
     return {entry, run, entry && Order::compare(*entry, key) == 0};
   }
 
-  /// The first entry.
-  EntryPlace<Entry> first() const {
+  /// Returns the position of the first entry.
+  EntryPosition<Entry> first() const {
     if (size_ == 0) return {};
     return {first_->begin, first_, true};
   }
 
-  /// False, with nothing changed, when an equal entry is there.
+  /// Adds an entry. Returns false, with nothing changed, when there is an equal one.
   bool add(const Entry& entry) {
     if (!root_) return addFirst(entry);
     Path path;
@@ -104,8 +107,8 @@ class EntryTree {
     return true;
   }
 
-  /// Takes `count` entries that are in order, no two of them equal, where they lie; the tree must
-  /// be empty. The array then belongs to the tree.
+  /// Takes over `count` sorted, distinct entries where they lie. The tree must be empty. The array
+  /// then belongs to it.
   void takeSorted(Entry* entries, std::size_t count) {
     for (; count > leaf_capacity; count -= leaf_capacity) {
       appendLeaf(leafOver(entries, leaf_capacity));
@@ -114,10 +117,11 @@ class EntryTree {
     if (count > 0) appendLeaf(root_ ? leafWith(entries, count) : leafOver(entries, count));
   }
 
-  /// Takes from the pool what the next add() may need.
+  /// Allocates what the next add() may need.
   void prepareAdd() { prepareSpares(height_ + 1); }
 
-  /// False when no equal entry is there. Needs no memory, and neither does adding it again.
+  /// Removes the entry equal to `key`. Returns false when there is none. Needs no memory, and
+  /// neither does adding the same entry again.
   bool erase(const Entry& key) {
     if (!root_) return false;
     Path path;
@@ -181,7 +185,8 @@ class EntryTree {
     });
   }
 
-  // The leaf where `key` is or would be; the way there goes into `path` when one is given.
+  // Returns the leaf where `key` is or would be. Writes the steps down to it into `path`, unless
+  // null.
   Leaf* descend(const Entry& key, Path* path) const {
     void* node = root_;
     for (std::size_t level = height_; level > 0; --level) {
@@ -198,7 +203,7 @@ class EntryTree {
 
   // Nodes
 
-  // A spare one may be larger than asked for.
+  // Returns a leaf of at least `capacity`: a spare one may be larger.
   Leaf* newLeaf(std::size_t capacity) {
     if (!spareLeaves_) return leafFromPool(capacity);
     Leaf* const leaf = spareLeaves_;
@@ -228,7 +233,7 @@ class EntryTree {
     return leaf;
   }
 
-  // All leaves of a tree that has inner nodes are of one size.
+  // All leaves of a tree with inner nodes have the same capacity.
   void addSpare(Leaf* leaf) {
     leaf->next = spareLeaves_;
     spareLeaves_ = leaf;
@@ -244,7 +249,7 @@ class EntryTree {
 
   Inner* innerFromPool() { return new (allocator_.allocate(sizeof(Inner))) Inner; }
 
-  // A leaf, and so many inner nodes.
+  // Ensures that there are a spare leaf and `inners` spare inner nodes.
   void prepareSpares(std::size_t inners) {
     if (!spareLeaves_) addSpare(leafFromPool(leaf_capacity));
     for (const Inner* inner = spareInners_; inner && inners > 0; inner = nextSpare(inner)) --inners;
@@ -258,7 +263,7 @@ class EntryTree {
     spareInners_ = inner;
   }
 
-  // Only a leaf that is the whole tree is smaller than the others.
+  // Full capacity: only a leaf that is the whole tree is smaller.
   Leaf* leafWith(const Entry* entries, std::size_t count) {
     Leaf* const leaf = newLeaf(leaf_capacity);
     leaf->end = std::copy(entries, entries + count, leaf->entries());
@@ -308,7 +313,7 @@ class EntryTree {
     return larger;
   }
 
-  // The nodes that a split needs are taken from the pool before anything is changed.
+  // Allocates the nodes that the split needs before it changes anything.
   void split(Leaf* leaf, std::size_t index, const Entry& entry, const Path& path) {
     prepareSpares(neededFor(path));
     Leaf* const right = newLeaf(leaf_capacity);
@@ -316,20 +321,20 @@ class EntryTree {
     hangIn(right, path);
   }
 
-  // How many levels from the leaves on up have no room, on the way to the leaf at the path's end.
+  // Returns the number of full levels, counted from the leaves up, on the path.
   std::size_t fullLevels(const Path& path) const {
     std::size_t levels = 0;
     while (levels < height_ && path[levels].node->count == fanout) ++levels;
     return levels;
   }
 
-  // The inner nodes that it takes to hang one more leaf in behind that one.
+  // Returns the number of inner nodes that inserting a leaf after the one at the path's end needs.
   std::size_t neededFor(const Path& path) const {
     const std::size_t full = fullLevels(path);
     return full == height_ ? full + 1 : full;
   }
 
-  // The spare nodes are there.
+  // Inserts `right` into the inner nodes, after the leaf at the path's end. The spare nodes exist.
   void hangIn(Leaf* right, const Path& path) {
     const std::size_t full = fullLevels(path);
     void* child = right;
@@ -351,7 +356,7 @@ class EntryTree {
     ++height_;
   }
 
-  // Behind all others.
+  // Appends a leaf after all others.
   void appendLeaf(Leaf* leaf) {
     if (root_) {
       const Path path = pathToLast();
@@ -404,8 +409,8 @@ class EntryTree {
     return const_cast<Leaf*>(static_cast<const Leaf*>(leaf->next));
   }
 
-  // Adds `child` behind the child at `step` and moves what is too much into the empty `right`.
-  // Returns the first entry of `right`.
+  // Adds `child` after the child at `step` and moves the excess into the empty `right`. Returns the
+  // first entry of `right`.
   static Entry splitInner(const Step& step, Inner* right, void* child, const Entry& first) {
     Inner* const left = step.node;
     const std::size_t index = step.index + 1;
@@ -414,7 +419,7 @@ class EntryTree {
     std::copy(left->children + kept, left->children + fanout, right->children);
     std::copy(left->firsts + kept, left->firsts + fanout, right->firsts);
     left->count = kept;
-    // At the border the new child goes to the right, unless it would become the first there.
+    // A child at the boundary goes to the right, unless it would be the first one there.
     if (index > kept || kept == fanout) {
       insertInto(right, index - kept, child, first);
     } else {
@@ -441,7 +446,7 @@ class EntryTree {
     shrink();
   }
 
-  // Takes out the child at the path's end, and every inner node that has no child left then.
+  // Removes the child at the path's end, and every inner node that then has no child.
   void removeChild(const Path& path) {
     for (std::size_t level = 0; level < height_; ++level) {
       Inner* const inner = path[level].node;

@@ -9,8 +9,8 @@ class LibTarnManagedObject;
 
 namespace indexation {
 
-/// A managed object on its way into an index: its distinguished name, the element, and textHash()
-/// of the name. The name lives as long as the element keeps it.
+/// A managed object that is about to be indexed: its distinguished name, the element, and
+/// textHash() of the name. The name lives as long as the element keeps it.
 struct HashedObject {
   const char* key;
   LibTarnManagedObject* object;

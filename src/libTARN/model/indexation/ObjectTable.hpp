@@ -2,17 +2,16 @@
 
 // A hash table of managed objects by name, in a pool.
 //
-// The entries stand in chunks, each twice as large as the one before, and are found by number, so
-// that no entry ever moves; the place of a removed one is used again. The slots hold hash and
-// number, by open addressing with linear probing. Removal moves slots back instead of leaving
-// marks, so that the table does not age. When the slots grow, the hashes that they hold do for
-// placing them anew, without a look at the names.
+// Entries lie in chunks, each twice as large as the one before, and are found by number, so that no
+// entry ever moves. The number of a removed entry is used again. The slots hold hash and number:
+// open addressing with linear probing. Removal moves slots back instead of leaving marks, so that
+// the table does not degrade. To grow, the table needs only the hashes in the slots, not the names.
 //
-// The names come from documents, and whoever writes one knows the hash: they can make as many names
-// of one hash as they like, and names that fill the slots in a row. So no walk along the slots is
-// longer than MOST_PROBES. An insertion that would place an entry further from the slot of its hash
-// says that the table is crowded, and the index gives it up for a tree. A search ends at that
-// distance, since no entry is further away: growing and removing bring entries only closer.
+// The names come from documents, and an author who knows the hash can make as many names of one
+// hash, or names for a row of slots, as they like. So no probe sequence is longer than MOST_PROBES.
+// An insertion that would need a longer one reports that the table is crowded, and the index
+// replaces the table by a tree. A search ends at that distance, since no entry is further away:
+// growing and removing only bring entries closer.
 
 #include <array>
 #include <cstddef>
@@ -28,8 +27,8 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
-/// Entries are added under keys that must not change while they are in the table. When the pool has
-/// no memory, std::bad_alloc is thrown and nothing has changed.
+/// A table of entries by key. Keys must not change while they are in the table. When the pool is
+/// out of memory, an operation throws std::bad_alloc and changes nothing.
 class ObjectTable {
  public:
   enum class Added { YES, DUPLICATE, CROWDED };
@@ -38,17 +37,17 @@ class ObjectTable {
 
   std::size_t size() const { return size_; }
 
-  /// Nothing is added but for YES.
+  /// Adds an entry; adds nothing unless it returns YES.
   Added add(const ManagedObjectEntry& entry) {
     if (!slots_) {
       makeSlots(FIRST_CAPACITY);
     } else if (size_ >= mostEntries(capacity())) {
       growSlots();
     }
-    return place(entry, hashOf(entry.key));
+    return insert(entry, hashOf(entry.key));
   }
 
-  /// Takes from the pool what the next add() may need.
+  /// Allocates what the next add() may need.
   void prepareAdd() {
     if (!slots_) {
       makeSlots(FIRST_CAPACITY);
@@ -58,7 +57,8 @@ class ObjectTable {
     if (free_ == 0) chunkOf(used_ + 1);
   }
 
-  /// Whether the add() of an entry of that key, which is not there, would say CROWDED.
+  /// Returns true if add() would return CROWDED for an entry of that key, which is not in the
+  /// table.
   bool isCrowdedFor(const char* key) const {
     if (!slots_) return false;
     const std::uint32_t hash = hashOf(key);
@@ -72,29 +72,29 @@ class ObjectTable {
     return false;
   }
 
-  /// Adds `count` entries, with serials from `serial` on, to a table that is empty. False when two
-  /// are of one key, or when they crowd it; the table is of no use then.
+  /// Adds `count` entries to an empty table, with serials from `serial` on. Returns false when two
+  /// have the same key, or when they crowd the table, which must then be dropped.
   bool addAll(const HashedObject* objects, std::size_t count, std::size_t serial) {
     std::size_t slots = FIRST_CAPACITY;
     while (mostEntries(slots) < count) slots *= 2;
     makeSlots(slots);
     for (std::size_t i = 0; i < count; ++i) {
-      // The slots are all over the memory: it is asked for them ahead.
+      // The slots are scattered in memory: they are prefetched.
       if (i + AHEAD < count) __builtin_prefetch(&slots_[objects[i + AHEAD].hash & mask_], 1);
       const HashedObject& object = objects[i];
-      if (place({object.key, object.object, serial + i}, object.hash) != Added::YES) return false;
+      if (insert({object.key, object.object, serial + i}, object.hash) != Added::YES) return false;
     }
     return true;
   }
 
-  /// The entry of that key, or null. Good until it is removed.
+  /// Returns the entry of that key, or null. Valid until it is removed.
   const ManagedObjectEntry* find(const char* key) const {
     if (!slots_) return nullptr;
     const std::size_t position = positionOf(key);
     return position == NOWHERE ? nullptr : &entryAt(slots_[position].number);
   }
 
-  /// False when there is no entry of that key.
+  /// Removes the entry of that key. Returns false when there is none.
   bool erase(const char* key) {
     if (!slots_) return false;
     const std::size_t position = positionOf(key);
@@ -132,7 +132,7 @@ class ObjectTable {
     std::uint32_t number;  // of the entry, from 1; 0 for an empty slot
   };
 
-  Added place(const ManagedObjectEntry& entry, std::uint32_t hash) {
+  Added insert(const ManagedObjectEntry& entry, std::uint32_t hash) {
     std::size_t position = hash & mask_;
     std::size_t probes = 0;
     std::size_t sameHashes = 0;
@@ -141,7 +141,7 @@ class ObjectTable {
       if (slots_[position].hash == hash) ++sameHashes;
       if (++probes > MOST_PROBES || sameHashes > MOST_SAME_HASHES) return Added::CROWDED;
     }
-    const std::uint32_t number = placeFor(entry);
+    const std::uint32_t number = store(entry);
     slots_[position] = {hash, number};
     ++size_;
     return Added::YES;
@@ -155,7 +155,7 @@ class ObjectTable {
     return slot.hash == hash && std::strcmp(entryAt(slot.number).key, key) == 0;
   }
 
-  // The slot of the key, or NOWHERE.
+  // Returns the slot of the key, or NOWHERE.
   std::size_t positionOf(const char* key) const {
     const std::uint32_t hash = hashOf(key);
     std::size_t position = hash & mask_;
@@ -167,7 +167,7 @@ class ObjectTable {
     return NOWHERE;
   }
 
-  // How many entries are too many for so many slots.
+  // Returns the number of entries at which a table of `slots` slots grows.
   static std::size_t mostEntries(std::size_t slots) { return slots / 3 * 2; }
 
   void makeSlots(std::size_t newCapacity) {
@@ -177,9 +177,9 @@ class ObjectTable {
     mask_ = newCapacity - 1;
   }
 
-  // From an empty slot on, so that no row of slots is begun in its middle: then each entry finds a
-  // place that is no further from the slot of its hash than before, since those that stood before
-  // it have found theirs.
+  // Doubles the slots and inserts their contents again. Starts after an empty slot, so that each
+  // row of slots is inserted from its beginning. Every entry then lands no further from the slot of
+  // its hash than before: the entries that were ahead of it in its row are inserted first.
   void growSlots() {
     const Slot* const old = slots_;
     const std::size_t oldCapacity = capacity();
@@ -195,9 +195,9 @@ class ObjectTable {
     }
   }
 
-  // Moves back what was placed behind its own position because of the slot that goes. What stands
-  // too far behind the gap belongs behind it. How often an entry can be moved back is bounded by
-  // the probes that placed it.
+  // Empties the slot `gap`: moves an entry whose probes passed it into the gap, then fills the gap
+  // that this leaves. The probes of an entry more than MOST_PROBES after a gap cannot have passed
+  // it.
   void closeGap(std::size_t gap) {
     std::size_t next = (gap + 1) & mask_;
     while (slots_[next].number != 0 && ((next - gap) & mask_) <= MOST_PROBES) {
@@ -213,37 +213,37 @@ class ObjectTable {
 
   // Entries
 
-  struct Place {
+  struct Cell {
     std::size_t chunk;
     std::size_t index;
   };
 
   // Chunk n holds FIRST_CHUNK * 2^n entries.
-  static Place placeOf(std::uint32_t number) {
+  static Cell cellOf(std::uint32_t number) {
     const std::uint64_t shifted = std::uint64_t{number} - 1 + FIRST_CHUNK;
     const auto chunk = static_cast<std::size_t>(63 - __builtin_clzll(shifted / FIRST_CHUNK));
     return {chunk, static_cast<std::size_t>(shifted - (std::uint64_t{FIRST_CHUNK} << chunk))};
   }
 
   ManagedObjectEntry& entryAt(std::uint32_t number) const {
-    const Place place = placeOf(number);
-    return chunks_[place.chunk][place.index];
+    const Cell cell = cellOf(number);
+    return chunks_[cell.chunk][cell.index];
   }
 
-  std::uint32_t placeFor(const ManagedObjectEntry& entry) {
+  std::uint32_t store(const ManagedObjectEntry& entry) {
     if (free_ != 0) {
       const auto number = static_cast<std::uint32_t>(free_);
       free_ = entryAt(number).serial;
       entryAt(number) = entry;
       return number;
     }
-    chunkOf(used_ + 1)[placeOf(used_ + 1).index] = entry;
+    chunkOf(used_ + 1)[cellOf(used_ + 1).index] = entry;
     return ++used_;
   }
 
-  // The chunk of that number, made when it is not there.
+  // Returns the chunk of that number; allocates it when it is missing.
   ManagedObjectEntry* chunkOf(std::uint32_t number) {
-    const std::size_t chunk = placeOf(number).chunk;
+    const std::size_t chunk = cellOf(number).chunk;
     if (!chunks_[chunk]) {
       chunks_[chunk] =
           TarnAllocator<ManagedObjectEntry>(allocator_).allocate(std::size_t{FIRST_CHUNK} << chunk);
@@ -255,8 +255,8 @@ class ObjectTable {
   Slot* slots_ = nullptr;
   std::size_t mask_ = 0;
   std::size_t size_ = 0;
-  std::uint32_t used_ = 0;  // entries ever placed; the largest number
-  std::size_t free_ = 0;    // number of a place to use again, which holds the next one; 0: none
+  std::uint32_t used_ = 0;  // entries ever stored; the largest number
+  std::size_t free_ = 0;    // number to use again, whose entry holds the next one; 0: none
   std::array<ManagedObjectEntry*, MOST_CHUNKS> chunks_{};
 };
 

@@ -8,14 +8,14 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
-/// No two entries of one key.
+/// Order of entries by key; keys are unique.
 struct UniqueKeyOrder {
   static int compare(const ManagedObjectEntry& a, const ManagedObjectEntry& b) {
     return CharComparePredicate::compare(a.key, b.key);
   }
 };
 
-/// Equal keys in the order of insertion.
+/// Order of entries by key; equal keys in the order of insertion.
 struct SharedKeyOrder {
   static int compare(const ManagedObjectEntry& a, const ManagedObjectEntry& b) {
     const int order = CharComparePredicate::compare(a.key, b.key);
@@ -24,18 +24,18 @@ struct SharedKeyOrder {
   }
 };
 
-/// Managed objects in one order, which walks can follow while it changes.
-class FollowedView : public EntrySource<ManagedObjectEntry> {
+/// Managed objects in one order. Its iterators find their entry again after a change.
+class FollowedView : public EntrySequence<ManagedObjectEntry> {
  public:
-  /// The first entry that is not before `key`.
-  virtual EntryPlace<ManagedObjectEntry> place(const ManagedObjectEntry& key) const = 0;
+  /// Returns the position of the first entry that is not before `key`.
+  virtual EntryPosition<ManagedObjectEntry> lowerBound(const ManagedObjectEntry& key) const = 0;
 
  protected:
   ~FollowedView() = default;
 };
 
-/// An EntryTree that counts its changes. When the pool has no memory, std::bad_alloc is thrown and
-/// nothing has changed.
+/// An EntryTree that counts its changes. When the pool is out of memory, an operation throws
+/// std::bad_alloc and changes nothing.
 template <class Order>
 class ObjectView final : public FollowedView {
  public:
@@ -66,7 +66,7 @@ class ObjectView final : public FollowedView {
 
   const Entry* find(const Entry& key) const { return tree_.find(key); }
 
-  EntryPlace<Entry> place(const Entry& key) const override {
+  EntryPosition<Entry> lowerBound(const Entry& key) const override {
     return followed(tree_.lowerBound(key));
   }
 
@@ -74,13 +74,13 @@ class ObjectView final : public FollowedView {
     return ManagedObjectCollection(followed(tree_.first()));
   }
 
-  /// The entries, for a walk during which nothing changes.
+  /// Returns the entries; iterators are valid until the view changes.
   ManagedObjectCollection unfollowed() const { return tree_.collection(); }
 
  private:
-  EntryPlace<Entry> followed(EntryPlace<Entry> place) const {
-    place.source = this;
-    return place;
+  EntryPosition<Entry> followed(EntryPosition<Entry> position) const {
+    position.sequence = this;
+    return position;
   }
 
   EntryTree<Entry, Order> tree_;

@@ -21,24 +21,25 @@ struct NameOrder {
   bool operator()(const Entry& a, const Entry& b) const { return compare(a, b) < 0; }
 };
 
-// Entries that an array holds; more go into a tree once they change.
+// Most entries that an array holds; an index with more becomes a tree when it changes.
 constexpr std::size_t LARGEST_ARRAY = 64;
 constexpr std::size_t FIRST_CAPACITY = 4;
 
 }  // namespace
 
-// A base, so that it stands where the alignment of the others would leave room.
+// A base class, so that it fills the padding after the change count.
 struct ArraySize {
   std::uint32_t capacity : 31;
   std::uint32_t sorted : 1;
 };
 
-// One array, which is all that most elements need, or a tree. An array that was too small is left
-// to the walks that are in it: its run has no entries and leads to that of the larger one.
+// The entries of one index: an array, which is enough for most elements, or a tree. An array that
+// became too small stays for the iterators that are in it: its run is empty, and the next run is
+// the larger array.
 //
 //   | changes | capacity, sorted | run: begin, end, next | tree | entry, entry, ... |
 template <class T>
-struct NamedEntries : EntrySource<ParameterEntry<T>>, ArraySize, EntryRun<ParameterEntry<T>> {
+struct NamedEntries : EntrySequence<ParameterEntry<T>>, ArraySize, EntryRun<ParameterEntry<T>> {
   using Entry = ParameterEntry<T>;
   using Order = NameOrder<Entry>;
   using Tree = EntryTree<Entry, Order>;
@@ -60,7 +61,7 @@ struct NamedEntries : EntrySource<ParameterEntry<T>>, ArraySize, EntryRun<Parame
   std::size_t count() const { return static_cast<std::size_t>(this->end - this->begin); }
   bool isFull() const { return count() == capacity; }
 
-  // Where the entry is or would be; told at once for one that comes behind all others.
+  // Returns the index where the entry is or would be; at once for an entry after all others.
   std::size_t indexFor(const Entry& key) {
     const Order before;
     if (count() == 0 || before(this->end[-1], key)) return count();
@@ -93,7 +94,7 @@ struct NamedEntries : EntrySource<ParameterEntry<T>>, ArraySize, EntryRun<Parame
     return made;
   }
 
-  // Where the entries of this array are now.
+  // Returns the array that replaced this one, or this one.
   const NamedEntries& latest() const {
     const NamedEntries* entries = this;
     while (entries->next) entries = static_cast<const NamedEntries*>(entries->next);
@@ -112,12 +113,12 @@ struct NamedEntries : EntrySource<ParameterEntry<T>>, ArraySize, EntryRun<Parame
     return TarnCollection<Entry>(followed({this->begin, this}));
   }
 
-  // The walk must not outlive a change.
+  // Iterators are valid until the index changes.
   TarnCollection<Entry> unordered() const {
     return tree ? tree->collection() : TarnCollection<Entry>(*this);
   }
 
-  EntryPlace<Entry> place(const Entry& key) {
+  EntryPosition<Entry> lowerBound(const Entry& key) {
     if (tree) return followed(tree->lowerBound(key));
     sort();
     const std::size_t index = indexFor(key);
@@ -125,12 +126,12 @@ struct NamedEntries : EntrySource<ParameterEntry<T>>, ArraySize, EntryRun<Parame
     return followed({this->begin + index, this, isAt(index, key)});
   }
 
-  EntryPlace<Entry> followed(EntryPlace<Entry> place) const {
-    place.source = this;
-    return place;
+  EntryPosition<Entry> followed(EntryPosition<Entry> position) const {
+    position.sequence = this;
+    return position;
   }
 
-  // The array becomes leaves of the tree.
+  // The pieces of the array become leaves of the tree.
   void turnIntoTree(libDomXml::IMemoryPool* pool) {
     auto* const made = new (TarnAllocator<Tree>(pool).allocate(1)) Tree(pool);
     made->takeSorted(array(), count());
@@ -150,30 +151,30 @@ struct NamedEntries : EntrySource<ParameterEntry<T>>, ArraySize, EntryRun<Parame
     return erased;
   }
 
-  Tree* tree = nullptr;  // instead of the array
+  Tree* tree = nullptr;  // replaces the array, unless null
 };
 
 namespace {
 
 template <class T>
-EntryPlace<ParameterEntry<T>> placeInArrayOrTree(const EntrySource<ParameterEntry<T>>& source,
-                                                 const ParameterEntry<T>& entry) {
-  const auto& entries = static_cast<const NamedEntries<T>&>(source).latest();
-  return const_cast<NamedEntries<T>&>(entries).place(entry);
+EntryPosition<ParameterEntry<T>> lowerBoundIn(const EntrySequence<ParameterEntry<T>>& sequence,
+                                              const ParameterEntry<T>& entry) {
+  const auto& entries = static_cast<const NamedEntries<T>&>(sequence).latest();
+  return const_cast<NamedEntries<T>&>(entries).lowerBound(entry);
 }
 
 }  // namespace
 
 template <>
-EntryPlace<ParameterEntry<Scalar>> placeOf(const EntrySource<ParameterEntry<Scalar>>& source,
-                                           const ParameterEntry<Scalar>& entry) {
-  return placeInArrayOrTree(source, entry);
+EntryPosition<ParameterEntry<Scalar>> lowerBound(
+    const EntrySequence<ParameterEntry<Scalar>>& sequence, const ParameterEntry<Scalar>& entry) {
+  return lowerBoundIn(sequence, entry);
 }
 
 template <>
-EntryPlace<ParameterEntry<List>> placeOf(const EntrySource<ParameterEntry<List>>& source,
-                                         const ParameterEntry<List>& entry) {
-  return placeInArrayOrTree(source, entry);
+EntryPosition<ParameterEntry<List>> lowerBound(const EntrySequence<ParameterEntry<List>>& sequence,
+                                               const ParameterEntry<List>& entry) {
+  return lowerBoundIn(sequence, entry);
 }
 
 template <class T, class Extractor>

@@ -13,14 +13,14 @@ namespace model {
 namespace indexation {
 
 template <>
-EntryPlace<ManagedObjectEntry> placeOf(const EntrySource<ManagedObjectEntry>& source,
-                                       const ManagedObjectEntry& entry) {
-  return static_cast<const FollowedView&>(source).place(entry);
+EntryPosition<ManagedObjectEntry> lowerBound(const EntrySequence<ManagedObjectEntry>& sequence,
+                                             const ManagedObjectEntry& entry) {
+  return static_cast<const FollowedView&>(sequence).lowerBound(entry);
 }
 
 namespace {
 
-// A view of `count` entries that `forEach` gives, in the order of the view.
+// Returns a view of the `count` entries that `forEach` passes on, sorted.
 template <class View, class Order, class ForEach>
 View* makeView(libDomXml::IMemoryPool* pool, std::size_t count, ForEach forEach) {
   auto* const view = new (TarnAllocator<View>(pool).allocate(1)) View(pool);
@@ -29,7 +29,7 @@ View* makeView(libDomXml::IMemoryPool* pool, std::size_t count, ForEach forEach)
   KeyedEntry<ManagedObjectEntry>* end = keyed;
   forEach([&end](const ManagedObjectEntry& entry) { *end++ = {0, entry}; });
   KeySorter<ManagedObjectEntry, Order>::sort(keyed, end);
-  // The entries move together, to the start of the same memory.
+  // Moves the entries together, to the start of the same memory.
   auto* const entries = reinterpret_cast<ManagedObjectEntry*>(keyed);
   for (std::size_t i = 0; i < count; ++i) {
     const ManagedObjectEntry entry = keyed[i].entry;
@@ -148,10 +148,10 @@ ManagedObjectCollection
 TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::getNonUniqueCollection(
     const char* key) const {
   if (size_ == 0) return {};
-  const EntryPlace<ManagedObjectEntry> first = sharedView().place({key, nullptr, 0});
+  const EntryPosition<ManagedObjectEntry> first = sharedView().lowerBound({key, nullptr, 0});
   if (!first.entry) return {};
-  // With the key of an entry, which lives as long as the index. What comes into the class from now
-  // on is behind the end: a walk that gives objects another place among those of the class ends.
+  // `end` has the key of an entry, which lives as long as the index. Objects that enter the class
+  // from now on are after the end, so that a loop which renames objects of the class ends.
   RangeEnd<ManagedObjectEntry> end;
   end.bound = {first.entry->key, nullptr, nextSerial_};
   return CharComparePredicate::compare(first.entry->key, key) == 0
@@ -172,7 +172,7 @@ std::size_t TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtrac
 
 template <class T, class UniqueExtractor, class NonUniqueExtractor>
 void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::clear() {
-  // Walks that are in the views end.
+  // Ends iterators that are in the views.
   if (uniqueView_) uniqueView_->clear();
   if (sharedView_) sharedView_->clear();
   table_ = nullptr;
@@ -211,7 +211,7 @@ TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::shared
       };
       if (table_) return table_->forEach(takeByClass);
       const ManagedObjectCollection collection = uniqueView_->unfollowed();
-      // The entries, whereas a range-for gives the objects.
+      // Iterates over entries; a range-for would yield objects.
       for (auto entry = collection.begin(); entry != collection.end(); ++entry) {
         takeByClass(*entry.operator->());
       }
@@ -224,7 +224,7 @@ template <class T, class UniqueExtractor, class NonUniqueExtractor>
 void TarnUniqueAndNonUniqueMultiIndex<T, UniqueExtractor, NonUniqueExtractor>::eraseFromSharedView(
     const ManagedObjectEntry& entry) {
   if (sharedView_->erase({NonUniqueExtractor()(entry.object), nullptr, entry.serial})) return;
-  // The class was changed behind the index: it stands under its earlier key.
+  // The class was changed without the index: the entry is under the earlier class.
   const ManagedObjectCollection collection = sharedView_->unfollowed();
   auto stale = collection.begin();
   while (stale != collection.end() && stale->serial != entry.serial) ++stale;

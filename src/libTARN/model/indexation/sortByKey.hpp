@@ -1,12 +1,12 @@
 #pragma once
 
-// Sorting of many entries by texts that begin alike, as distinguished names do.
+// Sorts many entries by texts with common beginnings, as distinguished names have.
 //
-// A comparison of two texts looks at both, somewhere in memory, and mostly at the same beginning
-// again. So what all texts have in common is skipped, the machine word behind it is put beside each
-// entry, and the entries are sorted by these; those that are equal in them are sorted in the same
-// way by what follows. After a few such steps the texts themselves are compared, so that no text,
-// however long, makes it go on for long: O(n log n) comparisons at most.
+// A comparison of two texts reads both, somewhere in memory, and mostly the same beginning again.
+// So this sort skips what all texts have in common, writes the next machine word of each text
+// beside its entry, and sorts by these words. Entries with equal words are sorted in the same way
+// by what follows. After a few such steps the texts themselves are compared, so that long texts
+// cannot slow it down: O(n log n) comparisons at most.
 
 #include <algorithm>
 #include <cstddef>
@@ -16,7 +16,7 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
-/// An entry, which has a `key`, and some bytes of it, the first one highest.
+/// An entry, which has a `key`, and a word of that key, first byte highest.
 template <class Entry>
 struct KeyedEntry {
   std::uintptr_t word;
@@ -28,15 +28,15 @@ class KeySorter {
  public:
   using Keyed = KeyedEntry<Entry>;
 
-  /// Sorts by `Order::compare(const Entry&, const Entry&)`, which compares keys byte by byte and
-  /// decides between equal ones by something else.
+  /// Sorts by `Order::compare(const Entry&, const Entry&)`. It compares keys byte by byte, and
+  /// equal keys by something else.
   static void sort(Keyed* begin, Keyed* end) { sortFrom(begin, end, 0, STEPS); }
 
  private:
   static constexpr int STEPS = 3;
   static constexpr std::ptrdiff_t FEW = 8;
 
-  // All keys are alike in the bytes before `start`.
+  // Sorts entries whose keys are equal in the bytes before `start`.
   static void sortFrom(Keyed* begin, Keyed* end, std::size_t start, int steps) {
     if (end - begin < FEW || steps == 0) return sortByOrder(begin, end);
     start = commonPrefix(begin, end, start);
@@ -68,7 +68,7 @@ class KeySorter {
     return common;
   }
 
-  // Zeros stand for what is behind the end of the text.
+  // Returns the next bytes of `text` as a word, filled up with zeros after its end.
   static std::uintptr_t wordAt(const char* text) {
     std::uintptr_t word = 0;
     for (std::size_t i = 0; i < sizeof(word); ++i) {

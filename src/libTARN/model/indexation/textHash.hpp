@@ -8,9 +8,10 @@ namespace libtarn {
 namespace model {
 namespace indexation {
 
-/// A hash of a text of `size` bytes, for tables in memory only: it depends on the byte order.
+/// Returns a hash of a text of `size` bytes, for tables in memory only: it depends on the byte
+/// order.
 ///
-/// Anyone can make texts of equal hashes, so that whoever uses it must bear them.
+/// Anyone can construct texts with equal hashes; callers must stay fast then.
 inline std::uint32_t textHash(const char* text, std::size_t size) {
   constexpr std::uint64_t PRIME = 0x9E3779B97F4A7C15U;  // 2^64 divided by the golden ratio
   std::uint64_t hash = size * PRIME;

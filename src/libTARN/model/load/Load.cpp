@@ -37,7 +37,7 @@ namespace {
 using Node = rapidxml::xml_node<char>;
 using Attribute = rapidxml::xml_attribute<char>;
 
-// The parser makes a node of the library's class for every tag of the model: the tag decides.
+// The parser makes a node of the library's class for every tag of the model, so the tag is enough.
 template <class Imp>
 Imp* parsedAs(Node* node) {
   constexpr std::string_view TAG = Imp::TAG_NAME;
@@ -52,7 +52,7 @@ bool hasName(const Attribute& attribute, const char (&name)[Size]) {
   return attribute.name_size() == Size - 1 && std::memcmp(attribute.name(), name, Size - 1) == 0;
 }
 
-// Without data when the attribute is absent.
+// Returns a view without data when the attribute is absent.
 std::string_view nameOf(const Node& element) {
   const Attribute* attribute = element.first_attribute();
   while (attribute && !hasName(*attribute, NAME_ATTRIBUTE)) attribute = attribute->next_attribute();
@@ -60,10 +60,10 @@ std::string_view nameOf(const Node& element) {
                    : std::string_view();
 }
 
-// Absent names count as the empty text.
+// An absent name counts as the empty text.
 std::string_view keyOf(std::string_view name) { return name.data() ? name : std::string_view(""); }
 
-// So that all nodes and indexes that a parse makes are the library's own.
+// Returns true if all nodes and indexes that a parse makes are the library's own.
 bool makesLibraryClasses(TarnDomDocument& document) {
   return isExactly<TarnDomDocument>(document) &&
          isExactly<indexation::TarnIndexFactory>(*document.getFactory().getIndexFactory());
@@ -83,7 +83,7 @@ bool fill(Index& index, ParsedNames<Element>& names) {
 
 }  // namespace
 
-/// Those that index and rules ask for, found in one pass; without data when absent.
+/// The attributes that indexes and rules need, found in one pass; without data when absent.
 struct Load::ObjectAttributes {
   explicit ObjectAttributes(const Node& object) {
     for (const Attribute* each = object.first_attribute(); each; each = each->next_attribute()) {
@@ -102,7 +102,7 @@ struct Load::ObjectAttributes {
   bool hasOperation = false;
 
  private:
-  // The first one of a name counts.
+  // Of several attributes of one name the first one counts.
   static void take(const Attribute& attribute, std::string_view& text) {
     if (!text.data()) text = std::string_view(attribute.value(), attribute.value_size());
   }
@@ -118,7 +118,7 @@ Load::~Load() { document_.load_ = nullptr; }
 
 Load::Verdict Load::run(std::vector<char>& text) {
   document_.takeText(text);
-  return run(document_.buffer_.data());
+  return run(document_.text_.data());
 }
 
 Load::Verdict Load::run(char* text) {
@@ -144,7 +144,7 @@ void Load::parse(char* text) {
   isParsed_ = true;
 }
 
-// Objects and headers elsewhere are in no index, and no rule is about them.
+// Objects and headers elsewhere are in no index and have no rules.
 void Load::element_complete(Node* element) {
   if (!indexes_) return;
   const char first = *element->name();
@@ -159,7 +159,7 @@ void Load::element_complete(Node* element) {
   }
 }
 
-// Bodies are not nested, so that the children of one come in a row.
+// Bodies are not nested, so the children of one body come one after the other.
 Load::Body* Load::bodyOf(Node* parent) {
   if (!bodies_.empty() && parent == bodies_.back().cmData) return &bodies_.back();
   auto* const cmData = parsedAs<LibTarnCmDataImp>(parent);
@@ -168,20 +168,21 @@ Load::Body* Load::bodyOf(Node* parent) {
   return &bodies_.back();
 }
 
-// The object is noted before its indexes are filled, so that they are emptied wherever that ends.
+// Notes the object before its indexes are filled, so that cleanUp() empties them wherever that
+// ends.
 void Load::complete(LibTarnManagedObjectImp& object, Body& body) {
   if (!body.isIndexed) return;
   const ObjectAttributes attributes(object);
   const std::string_view key = keyOf(attributes.distName);
   objects_.push_back({key.data(), &object, indexation::textHash(key.data(), key.size())});
   ++body.end;
-  body.isIndexed = !hasZeroByte_ && index(object, attributes);
+  body.isIndexed = !hasNul_ && index(object, attributes);
   require(body.isIndexed);
-  if (isValid_) check(object, attributes);
-  if (mode_ == Mode::ONLY_CHECK) drop(object, body);
+  if (isValid_) validate(object, attributes);
+  if (mode_ == Mode::VALIDATE_ONLY) drop(object, body);
 }
 
-// Indexes. False: something is there twice, or is not known to be there once.
+// Indexing. False: a name is duplicate, or not known to be unique.
 
 bool Load::index(LibTarnManagedObjectImp& object, const ObjectAttributes& attributes) {
   if (attributes.hasOperation) {
@@ -239,13 +240,13 @@ bool Load::index(StructureImp& item, std::string_view listName) {
 
 // Rules; those of parameters and lists are asked where these are indexed.
 
-void Load::check(const LibTarnManagedObjectImp& object, const ObjectAttributes& attributes) {
+void Load::validate(const LibTarnManagedObjectImp& object, const ObjectAttributes& attributes) {
   const char* const distName = attributes.distName.data();
   require(rules::objectHasClass(attributes.className.data()) && rules::objectHasName(distName) &&
           rules::objectHasValidName(*object.getDistNameValidator(), distName));
 }
 
-// The object was the first to be made of all that is in it. Its name stays in the text.
+// The object was allocated before everything in it. Its name stays in the text.
 void Load::drop(LibTarnManagedObjectImp& object, Body& body) {
   if (!isValid_) throw Stopped();
   body.cmData->remove_node(&object);
@@ -255,14 +256,14 @@ void Load::drop(LibTarnManagedObjectImp& object, Body& body) {
 // The end of the parse
 
 void Load::finish() {
-  const bool logs = mode_ != Mode::ONLY_CHECK;
+  const bool logs = mode_ != Mode::VALIDATE_ONLY;
   using util::Logger;
   if (logs) Logger(Logger::Level::DEBUG, TARN_LOG_LOCATION, "parse") << "Parsing done";
   // A document that a host has not given to a LibTarnDocument has no root.
   auto* cmData = document_.root_ ? firstTypedChild<LibTarnCmDataImp>(*document_.root_) : nullptr;
   for (; cmData; cmData = nextTypedSibling(*cmData)) {
-    // Bodies come in the order in which they stand below the root. Those without headers and
-    // objects are not noted, nor is one that the host has made.
+    // Bodies are in the order in which they are below the root. A body without headers and objects
+    // is not noted, nor is one that the host has made.
     const bool isNoted = finished_ < bodies_.size() && bodies_[finished_].cmData == cmData;
     Body unnoted{cmData, 0, 0, 0, true};
     finish(isNoted ? bodies_[finished_] : unnoted);
@@ -280,42 +281,43 @@ void Load::finish(Body& body) {
           rules::planHasObjects(isPlan, body.begin != body.end));
   if (adopt(body)) return;
   require(false);
-  if (mode_ == Mode::ONLY_CHECK) throw Stopped();
-  takeBack(body);
+  if (mode_ == Mode::VALIDATE_ONLY) throw Stopped();
+  clearIndexes(body);
   body.cmData->rebuildIndexers();
 }
 
-// Brings into effect what has been filled. False when the body is to be indexed in document order.
+// Makes the filled object index the body's. Returns false when the body must be indexed in document
+// order.
 bool Load::adopt(Body& body) {
-  if (!indexes_ || !body.isIndexed || hasZeroByte_) return false;
+  if (!indexes_ || !body.isIndexed || hasNul_) return false;
   if (body.begin == body.end) return !body.cmData->getFirstChild(LibTarnManagedObject::TAG_NAME);
   return Internals::objectIndex(*body.cmData).fill(&objects_[body.begin], body.end - body.begin);
 }
 
-// Ways out that lead to no loaded document
+// Ends of a load without a loaded document
 
 void Load::cleanUp() {
   document_.load_ = nullptr;
-  if (mode_ == Mode::ONLY_CHECK) return;
-  for (; finished_ < bodies_.size(); ++finished_) takeBack(bodies_[finished_]);
-  // Declaration and root stay, and the parser may not have ended their texts yet.
+  if (mode_ == Mode::VALIDATE_ONLY) return;
+  for (; finished_ < bodies_.size(); ++finished_) clearIndexes(bodies_[finished_]);
+  // Declaration and root stay, and the parser may not have terminated their texts yet.
   if (!isParsed_) document_.moveTextsIntoPool();
 }
 
-void Load::takeBack(Body& body) {
+void Load::clearIndexes(Body& body) {
   for (std::size_t i = body.begin; i < body.end; ++i) {
     auto& object = static_cast<LibTarnManagedObjectImp&>(*objects_[i].object);
     Internals::operation(object).setKept({});
     Internals::scalarIndex(object).clear();
     Internals::listIndex(object).clear();
     for (Node* node = object.first_node(); node; node = node->next_sibling()) {
-      if (auto* const list = parsedAs<ListImp>(node)) takeBack(*list);
+      if (auto* const list = parsedAs<ListImp>(node)) clearIndexes(*list);
     }
   }
   body.end = body.begin;
 }
 
-void Load::takeBack(ListImp& list) {
+void Load::clearIndexes(ListImp& list) {
   for (Node* node = list.first_node(); node; node = node->next_sibling()) {
     if (auto* const item = parsedAs<StructureImp>(node)) Internals::componentIndex(*item).clear();
   }

@@ -2,10 +2,10 @@
 
 // The names of the parameters of one element after the other, put in order.
 //
-// Objects of one class mostly have the same parameters in the same order. So the sequence of names
-// that came last with a class is remembered, and how it is sorted. As long as the names that come
-// are those of the sequence, each entry is written where it belongs, and neither sorted nor
-// compared with another one.
+// Objects of one class usually have the same parameters in the same order. So the sequence of names
+// that came last with a class is remembered, together with its sorted order. As long as the next
+// names are those of the sequence, each entry is written to its sorted position at once, without
+// sorting or comparing entries.
 
 #include <algorithm>
 #include <cstddef>
@@ -22,42 +22,42 @@
 namespace libtarn {
 namespace model {
 
-/// Whether names are sorted and distinct, distinct in another order, or possibly duplicate.
+/// Order of names: sorted and distinct, distinct in another order, or possibly duplicate.
 enum class NameOrder { SORTED, DISTINCT, UNKNOWN };
 
-/// Elements of one kind that have just been parsed, with their names. The text that they were
-/// parsed from holds no zero byte and outlives this.
+/// The names of elements of one kind that have just been parsed. No name holds a NUL, and the
+/// parsed text outlives this object.
 template <class Element>
 class ParsedNames {
  public:
   using Entry = indexation::ParameterEntry<Element>;
 
-  /// Forgets the elements and begins the sequence of another one. `kind` is a text that elements
-  /// with the same sequence of names mostly share, such as a class.
+  /// Drops the elements and starts with those of another parent. `kind` is a text that parents with
+  /// the same names usually share, such as a class.
   void start(std::string_view kind) {
     count_ = 0;
     const std::size_t ends = kind.empty() ? 0 : letter(kind.front()) + 7 * letter(kind.back());
-    place_ = (5 * kind.size() + ends) % SEQUENCES;
+    sequenceIndex_ = (5 * kind.size() + ends) % SEQUENCES;
     follows_ = !sequences_.empty();
     if (follows_) {
-      known_ = &sequences_[place_];
+      known_ = &sequences_[sequenceIndex_];
     } else {
       names_.clear();
       others_.clear();
     }
   }
 
-  /// `name` ends with a zero byte and points into the text.
+  /// Adds an element; `name` is NUL-terminated and points into the text.
   void add(std::string_view name, Element* element) {
     if (follows_ && count_ < known_->count && isSameName(name, known_->names[count_])) {
-      inPlace_[known_->places[count_]] = {name.data(), element};
+      ordered_[known_->positions[count_]] = {name.data(), element};
     } else {
       addToOthers(name, element);
     }
     ++count_;
   }
 
-  /// Orders the entries; called once, when all elements have been added.
+  /// Puts the entries in order; called once, after all elements have been added.
   NameOrder order() {
     if (follows_ && count_ == known_->count) return orderOfKnown();
     if (follows_) stopFollowing();
@@ -68,52 +68,54 @@ class ParsedNames {
     return differ ? NameOrder::DISTINCT : NameOrder::UNKNOWN;
   }
 
-  /// The entries, once order() has been called and until the next start().
-  const Entry* entries() const { return follows_ ? inPlace_ : others_.data(); }
+  /// Returns the entries; valid after order() and until the next start().
+  const Entry* entries() const { return follows_ ? ordered_ : others_.data(); }
+  /// Returns the number of entries.
   std::size_t size() const { return count_; }
 
  private:
   static constexpr std::size_t FEW = 32;
   static constexpr std::size_t SEQUENCES = 32;
-  // Names that crowd are made by those who want to slow a load down.
+  // A longer probe sequence comes only from names made to slow a load down.
   static constexpr std::size_t MOST_PROBES = 64;
 
   static std::size_t letter(char c) { return static_cast<unsigned char>(c); }
 
-  // Names are so short that a call takes longer.
+  // Compares here: names are so short that a call takes longer.
   static bool isSameName(std::string_view a, std::string_view b) {
     using Word = std::uint64_t;
     if (a.size() != b.size()) return false;
     if (a.size() < sizeof(Word)) return std::equal(a.begin(), a.end(), b.begin());
-    const auto differ = [&a, &b](std::size_t place) {
+    const auto differ = [&a, &b](std::size_t offset) {
       Word first = 0;
       Word second = 0;
-      std::memcpy(&first, a.data() + place, sizeof(first));
-      std::memcpy(&second, b.data() + place, sizeof(second));
+      std::memcpy(&first, a.data() + offset, sizeof(first));
+      std::memcpy(&second, b.data() + offset, sizeof(second));
       return first ^ second;
     };
     const std::size_t last = a.size() - sizeof(Word);
     Word difference = differ(last);
-    for (std::size_t place = 0; place < last; place += sizeof(Word)) difference |= differ(place);
+    for (std::size_t offset = 0; offset < last; offset += sizeof(Word))
+      difference |= differ(offset);
     return difference == 0;
   }
 
-  // A sequence of names, and for each its place among them in the order of names: once they have
-  // been sorted, and the one it came at until then.
+  // A sequence of names, and the position of each: in sorted order once sort() has returned true,
+  // until then in the order of arrival.
   struct Sequence {
     std::size_t count = 0;
     std::string_view names[FEW];
-    std::uint8_t places[FEW];
+    std::uint8_t positions[FEW];
     bool isSorted = false;
 
     void remember(const std::string_view* others, std::size_t othersCount) {
       count = othersCount;
       std::copy_n(others, count, names);
-      std::iota(places, places + count, std::uint8_t{0});
+      std::iota(positions, positions + count, std::uint8_t{0});
       isSorted = false;
     }
 
-    // False, and nothing changed, when two are the same.
+    // Returns false, with nothing changed, when two names are equal.
     bool sort() {
       std::uint8_t sorted[FEW];
       std::uint8_t* const end = sorted + count;
@@ -121,7 +123,7 @@ class ParsedNames {
       std::sort(sorted, end, [this](auto a, auto b) { return names[a] < names[b]; });
       const auto same = [this](auto a, auto b) { return names[a] == names[b]; };
       if (std::adjacent_find(sorted, end, same) != end) return false;
-      for (std::size_t i = 0; i < count; ++i) places[sorted[i]] = static_cast<std::uint8_t>(i);
+      for (std::size_t i = 0; i < count; ++i) positions[sorted[i]] = static_cast<std::uint8_t>(i);
       isSorted = true;
       return true;
     }
@@ -132,18 +134,18 @@ class ParsedNames {
     std::uint32_t number;  // of the entry, from 1; 0 for an empty slot
   };
 
-  // Documents that have no object with two names need no room for sequences.
+  // Allocated on first use: many documents have no element with two names.
   void remember() {
     if (sequences_.empty()) sequences_.resize(SEQUENCES);
-    sequences_[place_].remember(names_.data(), count_);
+    sequences_[sequenceIndex_].remember(names_.data(), count_);
   }
 
   NameOrder orderOfKnown() {
     if (known_->isSorted) return NameOrder::SORTED;
-    Entry came[FEW];
-    std::copy_n(inPlace_, count_, came);
+    Entry arrived[FEW];
+    std::copy_n(ordered_, count_, arrived);
     if (!known_->sort()) return NameOrder::UNKNOWN;
-    for (std::size_t i = 0; i < count_; ++i) inPlace_[known_->places[i]] = came[i];
+    for (std::size_t i = 0; i < count_; ++i) ordered_[known_->positions[i]] = arrived[i];
     return NameOrder::SORTED;
   }
 
@@ -153,15 +155,16 @@ class ParsedNames {
     others_.push_back({name.data(), element});
   }
 
-  // What came so far goes back to the order it came in.
+  // Puts the entries so far back into the order of their arrival.
   void stopFollowing() {
     follows_ = false;
     names_.assign(known_->names, known_->names + count_);
     others_.resize(count_);
-    for (std::size_t i = 0; i < count_; ++i) others_[i] = inPlace_[known_->places[i]];
+    for (std::size_t i = 0; i < count_; ++i) others_[i] = ordered_[known_->positions[i]];
   }
 
-  // Names of different digests are different. Made of the ends of a name, where most differ.
+  // Returns a digest, made of the ends of a name, where most names differ. Names with different
+  // digests are different.
   static std::uint32_t digestOf(std::string_view name) {
     constexpr std::uint64_t PRIME = 0x9E3779B97F4A7C15U;
     std::uint64_t first = 0;
@@ -189,7 +192,7 @@ class ParsedNames {
     return std::adjacent_find(names_.begin(), names_.end(), std::greater_equal<>()) == names_.end();
   }
 
-  // False also when it is too hard to tell.
+  // Returns false also when it would take too long to decide.
   bool namesDiffer() {
     std::size_t capacity = 8;
     while (capacity < 2 * count_) capacity *= 2;
@@ -209,13 +212,13 @@ class ParsedNames {
     return true;
   }
 
-  // While the names are those of `known_`, the entries are in `inPlace_`, else with the names in
-  // the order that they came in.
+  // True while the names are those of `known_`; the entries are then in `ordered_`, otherwise in
+  // `others_`, in the order of their arrival.
   bool follows_ = false;
   std::size_t count_ = 0;
-  std::size_t place_ = 0;  // of the kind's sequence
+  std::size_t sequenceIndex_ = 0;  // in `sequences_`, for this kind
   Sequence* known_ = nullptr;
-  Entry inPlace_[FEW];
+  Entry ordered_[FEW];
   std::vector<std::string_view> names_;
   std::vector<Entry> others_;
   std::vector<Sequence> sequences_;

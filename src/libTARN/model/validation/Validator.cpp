@@ -52,7 +52,7 @@ std::string Validator::getPath() const {
 
 // The rules
 
-// Makes the exception, and so the message, only when somebody gets it.
+// Calls `makeException`, and so builds the message, only when the violation is recorded or thrown.
 template <class MakeException>
 void Validator::report(MakeException makeException) const {
 #ifdef TARN_NO_COLLECTOR

@@ -1,5 +1,5 @@
-// A check without a path, messages and order. The walk of a Validator takes the objects in the
-// order of names, and so goes all over the memory; this one takes them as they lie there.
+// Validation without path, messages and order. The walk of a Validator takes the objects in name
+// order, which jumps all over the memory; this one takes them in the order in which they lie there.
 
 #include "keepsRules.hpp"
 
@@ -29,7 +29,7 @@ bool isNamed(const ScalarImp& parameter) {
          rules::parameterHasName(parameter.getLiteralAttribute(NAME_ATTRIBUTE));
 }
 
-// The `p` children.
+// Validates the `p` children.
 bool areParametersNamed(const Node& element) {
   for (Node* node = element.first_node(); node; node = node->next_sibling()) {
     const auto* const parameter = typedAs<ScalarImp>(node);
@@ -95,16 +95,16 @@ bool isManagedObject(const Node& node) {
   return std::string_view(node.name(), node.name_size()) == LibTarnManagedObject::TAG_NAME;
 }
 
-// A host may have unlinked objects, or changed their tags, without telling the index: the walk of a
-// Validator visits those, too.
-bool doIndexedElsewhereKeepRules(const LibTarnCmDataImp& cmData) {
-  bool doAll = true;
+// A host may have unlinked objects, or changed their tags, without the index: a Validator visits
+// those as well.
+bool doUnlinkedObjectsKeepRules(const LibTarnCmDataImp& cmData) {
+  bool allDo = true;
   Internals::objectIndex(cmData).forEach([&](const LibTarnManagedObject* indexed) {
     const auto& object = implementation<LibTarnManagedObjectImp>(*indexed);
     const bool isVisited = object.parent() == &cmData && isManagedObject(object);
-    if (doAll && !isVisited) doAll = isValidObject(object);
+    if (allDo && !isVisited) allDo = isValidObject(object);
   });
-  return doAll;
+  return allDo;
 }
 
 bool isValidBody(const LibTarnCmDataImp& cmData) {
@@ -122,7 +122,7 @@ bool isValidBody(const LibTarnCmDataImp& cmData) {
   }
   const bool isPlan = cmData.getType() == LibTarnCmData::Type::PLAN;
   return rules::bodyHasOneHeader(headers) && rules::planHasObjects(isPlan, hasObject) &&
-         doIndexedElsewhereKeepRules(cmData);
+         doUnlinkedObjectsKeepRules(cmData);
 }
 
 }  // namespace

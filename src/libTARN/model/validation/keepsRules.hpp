@@ -9,11 +9,13 @@ class LibTarnHeaderImp;
 
 namespace validation {
 
-/// Whether the element and all below it are known to keep the rules of the format. False as well
-/// for nodes, indexes and name validators of the host's, whose functions are for the walk of a
-/// Validator to call. That walk also finds the violation to report.
+/// Returns true if the document is known to keep the rules of the format. False as well for a
+/// host's nodes, indexes and name validators, whose functions a Validator must call. A Validator
+/// also finds the violation to report.
 bool keepsRules(const LibTarnDocumentInternal& root);
+/// Returns true if the header and all below it are known to keep the rules of the format.
 bool keepsRules(const LibTarnHeaderImp& header);
+/// Returns true if the extension and all below it are known to keep the rules of the format.
 bool keepsRules(const LibTarnExtensionImp& extension);
 
 }  // namespace validation

@@ -1,11 +1,11 @@
 #pragma once
 
-// The rules that validation asks for, one predicate each.
+// The rules of the format, one predicate each.
 //
-// The Validator asks them of every element and reports what is broken. A load asks them of what it
-// has just read: when all of them are kept, no walk with the Validator is needed. The predicates
-// take plain facts, since the two come by them in different ways. docs/format.md has a row for
-// each, under its name.
+// The Validator asks them for every element and reports violations. A load asks them for what it
+// has just read: when all of them are kept, no walk with a Validator is needed. The two get their
+// facts in different ways, so the predicates take texts, counts and flags. docs/format.md has a row
+// for each, under its name.
 
 #include <cstddef>
 #include <cstring>
@@ -17,7 +17,7 @@ namespace model {
 namespace validation {
 namespace rules {
 
-// Texts of attributes are null when the attribute is absent.
+// The text of an absent attribute is null.
 
 inline bool rootHasNamespace(const char* xmlns) { return xmlns && std::strcmp(xmlns, XMLNS) == 0; }
 
@@ -37,13 +37,13 @@ inline bool objectHasClass(const char* className) { return className != nullptr;
 
 inline bool objectHasName(const char* distName) { return distName != nullptr; }
 
-/// `validator` is an IDistinguishedNameValidator; the name is there.
+/// `validator` is an IDistinguishedNameValidator; the name is not null.
 template <class NameValidator>
 bool objectHasValidName(const NameValidator& validator, const char* distName) {
   return validator.isValid(distName);
 }
 
-/// Of a parameter anywhere but in a list.
+/// For a parameter anywhere but in a list.
 inline bool parameterHasName(const char* name) { return name != nullptr; }
 
 inline bool listHasName(const char* name) { return name != nullptr; }

@@ -23,7 +23,8 @@ namespace indexation {
 
 // Nothing changes during a walk here.
 template <>
-EntryPlace<Number> placeOf(const EntrySource<Number>& /*source*/, const Number& /*entry*/) {
+EntryPosition<Number> lowerBound(const EntrySequence<Number>& /*sequence*/,
+                                 const Number& /*entry*/) {
   return {};
 }
 
@@ -130,7 +131,7 @@ TEST(EntryTreeTest, RandomAddsAndErasesAgreeWithASet) {
     }
     tree.clear();
     expectSame(tree, {});
-    // It is as good as new.
+    // It can be used like a new one.
     model.clear();
     for (int i = 0; i < 300; ++i) {
       const auto number = static_cast<std::intptr_t>(random() % range);
@@ -140,8 +141,8 @@ TEST(EntryTreeTest, RandomAddsAndErasesAgreeWithASet) {
   }
 }
 
-// Whole leaves go from the ends or from the middle, and others come in their place.
-TEST(EntryTreeTest, LeavesThatGoAreReplaced) {
+// Whole leaves are removed at the ends or in the middle, and others are added there.
+TEST(EntryTreeTest, RemovedLeavesAreReplaced) {
   constexpr std::intptr_t COUNT = 3000;
   const std::intptr_t ranges[][2] = {{0, 1000}, {1000, 2000}, {2000, COUNT}, {0, COUNT}, {64, 192}};
   for (const auto& [from, to] : ranges) {
@@ -195,7 +196,7 @@ TEST(EntryTreeTest, SortedEntriesAreTakenWhereTheyLie) {
   }
 }
 
-TEST(EntryTreeTest, AddThatGetsNoMemoryChangesNothing) {
+TEST(EntryTreeTest, AddWithoutMemoryChangesNothing) {
   for (unsigned seed = 0; seed < 4; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
@@ -223,7 +224,7 @@ TEST(EntryTreeTest, AddThatGetsNoMemoryChangesNothing) {
   }
 }
 
-// Of trees of any shape: grown at random, and thinned out so that leaves go with what is erased.
+// For trees of any shape: grown at random, then thinned out so that leaves are removed, too.
 TEST(EntryTreeTest, ErasedEntryIsAddedAgainWithoutMemory) {
   for (unsigned seed = 0; seed < 13; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));

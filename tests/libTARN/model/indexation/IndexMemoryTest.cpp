@@ -98,7 +98,7 @@ TEST_F(IndexMemoryTest, EntriesAddedInOrderTakeLittleMoreThanTheirOwnSize) {
   EXPECT_LT(pool.usedBytes(), own + own / 8);
 }
 
-TEST_F(IndexMemoryTest, PlaceOfARemovedObjectIsUsedAgain) {
+TEST_F(IndexMemoryTest, PositionOfARemovedObjectIsUsedAgain) {
   ArrayPool pool(1U << 20);
   ObjectIndex& index = *TarnIndexFactory(pool).createUniqueAndNonUniqueMultiIndex();
   for (int i = 0; i < 100; ++i) index.add(object("C", "A-" + std::to_string(i)));

@@ -129,7 +129,7 @@ TEST_F(IndexTest, ObjectsOfAClassAreInTheOrderOfInsertion) {
   EXPECT_EQ(names(index.getNonUniqueCollection("C")), (Names{"Z-3", "Z-1", "Z-2"}));
   EXPECT_TRUE(index.getNonUniqueCollection("X").empty());
   EXPECT_TRUE(index.getNonUniqueCollection("").empty());
-  // From now on the view is kept in step.
+  // From now on the index updates the view.
   LibTarnManagedObject* const third = index.findUniqueElement("Z-3");
   EXPECT_TRUE(index.remove(third));
   EXPECT_FALSE(index.remove(third));
@@ -147,7 +147,7 @@ TEST_F(IndexTest, ObjectsOfAClassAreInTheOrderOfInsertion) {
 TEST_F(IndexTest, ObjectsAddedAllAtOnceComeBeforeLaterOnesOfTheirClass) {
   for (const bool viewFirst : {false, true}) {
     FilledIndex index(*document_.getItsTarnDomDocument());
-    // An index that was emptied takes objects all at once, and shows nothing of what it held.
+    // An index that was cleared accepts objects all at once, and shows none of its earlier ones.
     LibTarnManagedObject* const gone = object("C", "A-9");
     index.add(gone);
     EXPECT_EQ(names(index.getCollection()), Names{"A-9"});
@@ -187,7 +187,7 @@ TEST_F(IndexTest, ClearedIndexIsAsGoodAsNew) {
   EXPECT_EQ(names(index.getNonUniqueCollection("C")), (Names{"A-2", "A-1"}));
 }
 
-TEST_F(IndexTest, ViewsAgreeAfterAClassWasChangedBehindTheIndex) {
+TEST_F(IndexTest, ViewsAgreeAfterAClassWasChangedWithoutTheIndex) {
   for (std::size_t changed = 0; changed < 4; ++changed) {
     ObjectIndex& index = *factory_.createUniqueAndNonUniqueMultiIndex();
     Names left{"A-1", "A-2", "A-3", "A-4"};
@@ -204,7 +204,7 @@ TEST_F(IndexTest, ViewsAgreeAfterAClassWasChangedBehindTheIndex) {
   }
 }
 
-TEST_F(IndexTest, RandomObjectsAgreeWithPlainContainers) {
+TEST_F(IndexTest, RandomObjectsAgreeWithStandardContainers) {
   for (unsigned seed = 0; seed < 20; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);

@@ -14,11 +14,11 @@ namespace {
 using namespace libtarn::model::indexation;
 using tarn_test::LimitedPool;
 
-// No entry of these tests is ever looked into.
+// These tests never dereference an entry.
 libtarn::model::LibTarnManagedObject* const SOME_OBJECT =
     reinterpret_cast<libtarn::model::LibTarnManagedObject*>(alignof(std::max_align_t));
 
-// Names whose hashes have `bits` low bits within `width` slots from `first` on, around the end.
+// Names whose hashes have low `bits` within `width` slots from `first` on, with wrap-around.
 class NamesOfSlots {
  public:
   NamesOfSlots(unsigned bits, std::uint32_t first, std::uint32_t width)
@@ -52,14 +52,14 @@ void expectSame(const ObjectTable& table, const Model& model) {
   }
 }
 
-// Rows across the end of the slots, while the table grows and shrinks.
+// Occupied rows of slots across the end of the table, while it grows and shrinks.
 TEST(ObjectTableTest, NamesOfFewSlotsAreFoundWhateverWasAddedAndErased) {
   for (unsigned seed = 0; seed < 12; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     LimitedPool pool;
     ObjectTable table(&pool);
-    // The slots of all sizes that the table comes to lie around 0.
+    // For every size of the table, the slots are around 0.
     NamesOfSlots crowd(12, static_cast<std::uint32_t>(-20), 20 + seed);
     NamesOfSlots others(1, 0, 2);
     Model model;
@@ -101,8 +101,8 @@ TEST(ObjectTableTest, GrowingBringsNoEntryFurtherAway) {
     NamesOfSlots others(10, first + 1, 300);
     Model model;
     std::size_t serial = 0;
-    // As many of one slot as a table takes; then others right behind them, until it has grown
-    // twice.
+    // As many names of one slot as the table accepts; then names of the slots after it, until the
+    // table has grown twice.
     for (int i = 0; i < 100; ++i) {
       const char* const name = crowd.next();
       if (table.add({name, SOME_OBJECT, serial}) == ObjectTable::Added::YES) {

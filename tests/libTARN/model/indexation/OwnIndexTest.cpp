@@ -1,4 +1,4 @@
-// A host's own indexes of objects and parameters, on standard containers, beside the library's.
+// Indexes of a host for objects and parameters, in standard containers, beside the library's.
 
 #include <gtest/gtest.h>
 
@@ -61,7 +61,7 @@ class ObjectVector : public ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObje
   std::size_t size() const override { return entries_.size(); }
   void clear() override { entries_.clear(); }
 
-  int addsUntilFault = 0;  // 0: there is none
+  int addsUntilFault = 0;  // 0: no fault
 
  private:
   std::vector<Entry>::iterator find(const char* key) {
@@ -95,7 +95,7 @@ class OwnFactory : public TarnIndexFactory {
   mutable std::deque<ObjectVector> indexes_;
 };
 
-// What a document answers to a host that loads, asks, edits, merges and checks.
+// The results of load, queries, edits, merge and validation.
 std::vector<std::string> answersOf(LibTarnDocument& document) {
   std::vector<std::string> answers;
   const auto keep = [&](const auto& answer) { answers.push_back(std::to_string(answer)); };
@@ -147,7 +147,7 @@ TEST(OwnIndexTest, DocumentAnswersAsWithTheIndexesOfTheLibrary) {
   EXPECT_EQ(answersOf(withOwn), answersOf(usual));
 }
 
-// The second add is that of the object that gets the name back.
+// The second add() is for the object that gets the name back.
 TEST(OwnIndexTest, ChangeIsMadeWhollyWhenANameThatItFreesCannotBeIndexed) {
   const tarn_test::CapturedLog log;
   libDomXml::DomDocument memory(false);

@@ -55,10 +55,10 @@ TEST_F(TarnCollectionTest, WalkGoesFromRunToRunAndOverEmptyOnes) {
   const auto first = run(0, 3, &second);
   const auto leading = run(0, 0, &first);
   EXPECT_EQ(serialsOf(ManagedObjectCollection(leading)), (Numbers{0, 1, 2, 3, 4}));
-  // An end of a run is the first entry behind it.
-  const ManagedObjectCollection::iterator border(first.end, &first);
-  EXPECT_EQ(border->serial, 3U);
-  EXPECT_EQ(serialsOf({ManagedObjectCollection(first).begin(), border}), (Numbers{0, 1, 2}));
+  // The end of a run is the first entry after it.
+  const ManagedObjectCollection::iterator atNextRun(first.end, &first);
+  EXPECT_EQ(atNextRun->serial, 3U);
+  EXPECT_EQ(serialsOf({ManagedObjectCollection(first).begin(), atNextRun}), (Numbers{0, 1, 2}));
 }
 
 TEST_F(TarnCollectionTest, CopiedIteratorStaysWhereItIs) {
@@ -107,7 +107,7 @@ TEST(IndexInterfaceTest, IndexOfAHostAndOfTheLibraryGiveTheSameAnswers) {
   }
 }
 
-// Walks during which the index changes: each step goes to what follows in the index as it is then.
+// Walks during which the index changes. Each step goes to the next entry of the changed index.
 
 using ObjectIndex = ITarnUniqueAndNonUniqueMultiIndex<LibTarnManagedObject>;
 
@@ -120,7 +120,7 @@ class ChangingIndexTest : public ::testing::Test {
   Scalar* scalar(const std::string& name) {
     return document_.getFactory().createScalar(name.c_str(), nullptr);
   }
-  // As many of each of three classes; one walk of the middle one is tested.
+  // The same number of objects in each of three classes; the walk is through the middle one.
   ObjectIndex& indexOfThreeClasses(int count) {
     ObjectIndex& index = *factory_.createUniqueAndNonUniqueMultiIndex();
     for (int i = 0; i < count; ++i) {
@@ -190,7 +190,7 @@ TEST_F(ChangingIndexTest, ClassWalkThatAddsToItsClassEnds) {
   int met = 0;
   for (LibTarnManagedObject* const each : index.getNonUniqueCollection("B")) {
     ASSERT_STREQ(each->getClass(), "B");
-    // Again, behind all others of the class; and another class right behind this one.
+    // Added again, after all others of the class; then another class right after this one.
     ASSERT_TRUE(index.remove(each));
     ASSERT_TRUE(index.add(each));
     index.add(object("B" + std::to_string(met), "D-" + std::to_string(met)));
@@ -226,7 +226,7 @@ TEST_F(ChangingIndexTest, WalkInAnIndexThatIsClearedEnds) {
   EXPECT_EQ(itOfClass, ofClass.end());
 }
 
-// What a walk meets next must be what follows in a model that was changed in the same way.
+// The next entry of a walk must be the next one of a reference model with the same changes.
 TEST_F(ChangingIndexTest, WalksOverParametersAgreeWithAMap) {
   for (unsigned seed = 0; seed < 200; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));

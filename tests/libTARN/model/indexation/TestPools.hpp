@@ -9,8 +9,8 @@
 
 namespace tarn_test {
 
-/// Gives so many blocks and then none. Each is on the heap by itself, so that the address sanitizer
-/// sees where it ends.
+/// Returns a given number of blocks and then none. Each is a heap allocation, so that the address
+/// sanitizer knows its end.
 class LimitedPool : public libDomXml::IMemoryPool {
  public:
   void* allocateMemory(unsigned int size) override {
@@ -18,7 +18,7 @@ class LimitedPool : public libDomXml::IMemoryPool {
     --left_;
     const std::size_t words = (size + sizeof(void*) - 1) / sizeof(void*);
     blocks_.emplace_back(new void*[words]);
-    // Nothing may count on memory that is zero.
+    // Nothing may rely on zeroed memory.
     std::memset(blocks_.back().get(), 0xA5, words * sizeof(void*));
     return blocks_.back().get();
   }
@@ -29,7 +29,7 @@ class LimitedPool : public libDomXml::IMemoryPool {
   std::vector<std::unique_ptr<void*[]>> blocks_;
 };
 
-/// Gives pieces of one array that it takes from the heap at once.
+/// Returns parts of one array on the heap.
 class ArrayPool : public libDomXml::IMemoryPool {
  public:
   explicit ArrayPool(std::size_t bytes) : words_(bytes / sizeof(void*)) {}

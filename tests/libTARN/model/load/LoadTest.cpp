@@ -15,9 +15,9 @@
 #include "support/HeapCount.hpp"
 #include "support/documents.hpp"
 
-// Objects are indexed and checked while they are parsed, as far as they are plain. Whether they are
-// must not be seen: every document behaves as if it had been indexed in order once the parse is
-// done, and then checked by a walk in the order of names.
+// A load indexes and checks most objects during the parse. This must make no difference: every
+// document behaves as if it had been indexed in document order after the parse, and then validated
+// by a walk in the order of names.
 
 namespace {
 
@@ -163,7 +163,7 @@ TEST(LoadTest, DocumentsOfEachKindOfFault) {
              "</cmData><cmData type='actual'>" + header + good + good + "</cmData></tarn>");
 }
 
-// Whether one reading is enough to say so.
+// True if the load alone shows that the document is valid.
 bool isKnownToBeValid(const std::string& text) {
   int readings = 0;
   const Diagnostic found = LibTarnDocument::validate([&] {
@@ -267,7 +267,7 @@ TEST(LoadTest, RandomDocumentsBehaveAsIfIndexedInOrder) {
 TEST(LoadTest, ValidDocumentsAreKnownWithoutADocument) {
   std::string objects;
   for (int i = 0; i < 3000; ++i) {
-    // Names that come again and again, in no order, and objects larger than a block of the pool.
+    // The same names again and again, in no order, and objects larger than a block of the pool.
     objects += "<managedObject class='A' distName='A-" + std::to_string(i) +
                "' operation='update'><p name='z'/><p name='b'/><p name='y'/><p name='a'/><p "
                "name='c'>" +
@@ -276,7 +276,7 @@ TEST(LoadTest, ValidDocumentsAreKnownWithoutADocument) {
   }
   EXPECT_TRUE(isKnownToBeValid(cmData("<header/>" + objects)));
   EXPECT_TRUE(isKnownToBeValid("<?xml version='1.0'?><!-- c -->" + cmData("<header/>" + objects)));
-  // The last one of each is not.
+  // The last one of each is not valid.
   EXPECT_FALSE(isKnownToBeValid(cmData(objects)));
   EXPECT_FALSE(isKnownToBeValid(
       cmData("<header/>" + objects + "<managedObject class='A' distName='A-7'/>")));
@@ -293,11 +293,11 @@ TEST(LoadTest, ValidDocumentsAreKnownWithoutADocument) {
 }
 
 TEST(LoadTest, RememberedNamesAreTheSameToTheLastByte) {
-  // Sequences that differ in one name, and in one byte of it, with lengths around whole words.
+  // Sequences that differ in one byte of one name, with lengths around multiples of a word.
   const std::size_t sizes[] = {1, 7, 8, 9, 15, 16, 17, 24, 31, 33};
   for (const std::size_t size : sizes) {
     for (std::size_t place = 0; place < size; ++place) {
-      // A further one that comes behind the usual name, and before the other one.
+      // Another one, after the usual name and before the other one.
       std::string between(size, 'n');
       between[place] = 'o';
       std::string other(size, 'n');
@@ -328,7 +328,7 @@ TEST(LoadTest, RememberedNamesAreTheSameToTheLastByte) {
   }
 }
 
-// What comes next mostly has the names that came last with that class, but for one.
+// The next object mostly has the names of the last one of its class, except for one.
 TEST(LoadTest, SequencesOfNamesThatNearlyComeAgain) {
   std::mt19937 random(7);
   const auto parameters = [](const std::vector<int>& names) {
@@ -399,7 +399,7 @@ TEST(LoadTest, NothingIsFoundBeforeTheIndexesAreBuilt) {
   EXPECT_EQ(object->getOperation(), LibTarnManagedObject::Operation::CREATE);
 }
 
-TEST(LoadTest, ObjectsBehindAFaultAreNotIndexed) {
+TEST(LoadTest, ObjectsAfterAFaultAreNotIndexed) {
   const std::string object =
       "<managedObject class='A' distName='A-1'><p name='x'/></managedObject>";
   LibTarnDocument document;
@@ -421,7 +421,7 @@ TEST(LoadTest, ObjectsBehindAFaultAreNotIndexed) {
   EXPECT_EQ(unindexed->getOperation(), LibTarnManagedObject::Operation::AUTO);
 }
 
-// Names that all want the same place of the hash tables.
+// Names that all have the same slot of the hash tables.
 std::vector<std::string> crowdingNames(const std::string& prefix, std::size_t count) {
   std::vector<std::string> names;
   for (std::size_t i = 0; names.size() < count; ++i) {
@@ -454,7 +454,7 @@ TEST(LoadTest, NamesThatCrowdTheHashTablesAreFoundAllTheSame) {
   for (const std::string& name : parameters) {
     ASSERT_NE(object.getScalarParameter(name.c_str()), nullptr) << name;
   }
-  // By class, and in a check, each of them comes up.
+  // The walk by class, and the validation, visit each of them.
   const auto ofClass = data.getLibTarnManagedObjectsByClass("A");
   EXPECT_EQ(static_cast<std::size_t>(std::distance(ofClass.begin(), ofClass.end())),
             objects.size());
@@ -463,7 +463,7 @@ TEST(LoadTest, NamesThatCrowdTheHashTablesAreFoundAllTheSame) {
   EXPECT_EQ(document.validate(), 2);
   wrong.setAttribute("class", "A");
   EXPECT_EQ(document.validate(), 0);
-  // Also one that is found by the index alone.
+  // Also an object that only the index still has.
   LibTarnManagedObject& unlinked = *data.getLibTarnManagedObject(objects[8].c_str());
   unlinked.removeThisElement();
   dynamic_cast<TarnDomElement&>(unlinked).removeAttribute("class");
@@ -491,7 +491,7 @@ TEST(LoadTest, OneByOneAddedNamesThatCrowdAreFoundAllTheSame) {
   }
 }
 
-// What a host sees of each element in the tree, whether an index leads to it or not.
+// What a host sees of each element in the tree, indexed or not.
 std::string visible(const LibTarnDocument& document) {
   std::string text;
   const IElement* each = document.getLibTarnCmData();
@@ -546,8 +546,8 @@ std::string objectWith(const std::string& content) {
          "</managedObject>";
 }
 
-/// Every way out of a load but the good one leaves indexes and operations as if the text had been
-/// parsed first and then indexed in document order up to the fault.
+/// Every failure of a load leaves indexes and operations as if the text had been parsed first and
+/// then indexed in document order up to the fault.
 class ExitTest : public ::testing::TestWithParam<Exit> {};
 
 TEST_P(ExitTest, NothingIsLeftOfWhatWasIndexedOnTheWay) {
@@ -583,11 +583,11 @@ INSTANTIATE_TEST_SUITE_P(
                   GOOD)},
         Exit{"UnknownOperation", 2,
              body(GOOD + "<managedObject class='A' distName='A-4' operation='no'/>" + GOOD)},
-        Exit{"ZeroByteBehindWhatIsIndexed", 2,
+        Exit{"NulAfterWhatIsIndexed", 2,
              body(GOOD) + body(GOOD + objectWith("<p name='y&#0;1'/><p name='y&#0;2'/>") + GOOD)}),
     [](const auto& exit) { return std::string(exit.param.name); });
 
-// Memory that ends while the text is read, at each of its allocations.
+// Memory that runs out during the load, at each of its allocations.
 TEST(LoadTest, NothingIsLeftOfWhatWasIndexedWhenMemoryEnded) {
   const std::string text = "<tarn>" + body(GOOD) + body(GOOD) + "</tarn>";
   std::size_t faults = 0;

@@ -1,4 +1,5 @@
-// A validator with a collector: every violation, in the order of the walk, without exceptions.
+// A validator with a collector records every violation, in the order of the walk, without
+// exceptions.
 
 #include <gtest/gtest.h>
 
@@ -56,7 +57,7 @@ TEST(CollectorTest, EveryViolationIsRecordedInTheOrderOfTheWalk) {
                            "</cmData></tarn>",
                            false),
             0);
-  // A fresh root has a version, and the text's one has none.
+  // A new root has a version; that of the text has none.
   const std::string cmData = "tarn > cmData > ";
   const std::string object = cmData + "managedObject:B-1 > ";
   EXPECT_EQ(
@@ -83,7 +84,7 @@ TEST(CollectorTest, EveryViolationIsRecordedInTheOrderOfTheWalk) {
       }));
 }
 
-TEST(CollectorTest, GoodDocumentLeavesTheCollectorAsItWas) {
+TEST(CollectorTest, ValidDocumentLeavesTheCollectorUnchanged) {
   CapturedLog log;
   LibTarnDocument document;
   ASSERT_EQ(document.parse("<tarn xmlns='tarn21.xsd' version='1'><cmData type='actual'><header/>"
@@ -98,7 +99,7 @@ TEST(CollectorTest, GoodDocumentLeavesTheCollectorAsItWas) {
   EXPECT_EQ(validator.getViolationCount(), 0U);
 }
 
-TEST(CollectorTest, LimitBoundsWhatIsRecordedAndNotWhatIsCounted) {
+TEST(CollectorTest, LimitAppliesToTheRecordedAndNotToTheCountedViolations) {
   CapturedLog log;
   LibTarnDocument document;
   std::string text = "<tarn xmlns='tarn21.xsd' version='1'><cmData type='actual'><header>";
@@ -135,7 +136,7 @@ TEST(CollectorTest, ByteLimitEndsTheRecordingWithTheViolationThatReachesIt) {
   EXPECT_EQ(violations.size(), 3U);
 }
 
-// Each message repeats the name: without a bound 100 kB would give 200 MB.
+// Each message repeats the name: without a limit, 100 kB would cause 200 MB.
 TEST(CollectorTest, ByteLimitBoundsMessagesThatRepeatALongName) {
   CapturedLog log;
   LibTarnDocument document;
@@ -151,7 +152,7 @@ TEST(CollectorTest, ByteLimitBoundsMessagesThatRepeatALongName) {
   EXPECT_EQ(validator.getViolationCount(), 10000U);
 }
 
-// Random documents, broken here and there: what a validator throws is the first that it collects.
+// Random documents with violations: the one that a validator throws is the first that it collects.
 TEST(CollectorTest, FirstViolationIsTheOneThatIsThrown) {
   for (unsigned seed = 0; seed < 500; ++seed) {
     CapturedLog log;
@@ -194,7 +195,7 @@ TEST(CollectorTest, ValidationAllocatesNothingForAnElement) {
     Validator validator;
     accept(document, validator);
   }
-  EXPECT_LE(tarn_test::heapAllocations() - before, 2U);  // what a deque takes when it is made
+  EXPECT_LE(tarn_test::heapAllocations() - before, 2U);  // the constructor of std::deque
 }
 
 }  // namespace

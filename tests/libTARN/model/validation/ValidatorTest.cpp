@@ -67,7 +67,7 @@ TEST(ValidatorTest, EveryRuleNamesThePathOfTheElement) {
       {inObject("<extension name='e'><p/></extension>"),
        "The 'tarn > cmData > managedObject:A-1 > extension:e > p > ' element has no attribute "
        "'name'"},
-      // The first of several, in the order of the walk: parameters before lists.
+      // The first of several violations in the order of the walk: parameters before lists.
       {inObject("<list/><p/>"),
        "The 'tarn > cmData > managedObject:A-1 > p > ' element has no attribute 'name'"},
       {documentText("<managedObject distName='B-1'/><managedObject distName='A-1'/>"),

@@ -28,7 +28,7 @@ using namespace libtarn::model;
 using tarn_test::CapturedLog;
 using tarn_test::cmDataText;
 
-/// The message of an exception of exactly that class, or what came instead.
+/// The message of an exception of exactly that class, or a text that says what happened instead.
 template <class Exception, class Call>
 std::string thrown(const Call& call) {
   try {
@@ -43,7 +43,7 @@ std::string thrown(const Call& call) {
 
 class ValidatorWalkTest : public ::testing::Test {
  protected:
-  /// Parses without validation; `cmData` is what stands in the one cmData element.
+  /// Parses without validation; `cmData` is the content of the one cmData element.
   void load(const std::string& cmData, const std::string& type = "plan") {
     const std::string text = cmDataText(cmData, type);
     ASSERT_EQ(document_.parse(text.c_str(), false), 0) << text;
@@ -58,7 +58,7 @@ class ValidatorWalkTest : public ::testing::Test {
   LibTarnManagedObjectImp& object() {
     return dynamic_cast<LibTarnManagedObjectImp&>(*cmData().getLibTarnManagedObject("A-1"));
   }
-  /// What the walk from the root says, and where the path then is.
+  /// The message of the walk from the root, and the path after it.
   std::string walk() {
     return thrown<exceptions::NoSuchAttributeException>([&] { root().accept(validator_); });
   }
@@ -223,7 +223,7 @@ TEST_F(ValidatorWalkTest, DistinguishedNameIsJudgedByTheObjectsOwnValidator) {
             "The '' element has no attribute 'distName'");
 }
 
-TEST_F(ValidatorWalkTest, ListOfBothKindsIsAPlainModelException) {
+TEST_F(ValidatorWalkTest, ListOfBothKindsThrowsTheBaseException) {
   loadObject("<list name='a'><p/><item/></list><list name='b'><item/></list><list name='c'/>");
   const auto check = [&](const char* name) {
     return thrown<exceptions::ModelException>([&] {

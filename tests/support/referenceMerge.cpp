@@ -1,4 +1,4 @@
-#include "support/plainMerge.hpp"
+#include "support/referenceMerge.hpp"
 
 #include <algorithm>
 #include <map>
@@ -17,7 +17,7 @@ struct Kind {
   bool keepsChildren;
 };
 
-// In the order in which the beginning of a tag decides.
+// In the order in which the prefixes of tags are compared.
 const Kind KINDS[] = {
     {"managedObject", true, true, false, true}, {"cmData", true, true, false, true},
     {"header", true, true, false, true},        {"log", true, true, true, false},
@@ -29,27 +29,28 @@ const Kind& kindOf(const std::string& tag) {
                        [&](const Kind& kind) { return kind.tag.compare(0, tag.size(), tag) == 0; });
 }
 
-std::vector<const PlainElement*> childrenByName(const PlainElement& owner, const char* tag) {
-  std::map<std::string, const PlainElement*> sorted;
-  for (const PlainElement& child : owner.children) {
+std::vector<const ReferenceElement*> childrenByName(const ReferenceElement& owner,
+                                                    const char* tag) {
+  std::map<std::string, const ReferenceElement*> sorted;
+  for (const ReferenceElement& child : owner.children) {
     if (child.tag == tag) sorted.emplace(child.attributeOr("name"), &child);
   }
-  std::vector<const PlainElement*> children;
+  std::vector<const ReferenceElement*> children;
   for (const auto& entry : sorted) children.push_back(entry.second);
   return children;
 }
 
-void removeChildren(PlainElement& owner, const char* tag, const std::string& name) {
+void removeChildren(ReferenceElement& owner, const char* tag, const std::string& name) {
   auto& children = owner.children;
   children.erase(std::remove_if(children.begin(), children.end(),
-                                [&](const PlainElement& child) {
+                                [&](const ReferenceElement& child) {
                                   return child.tag == tag && child.attributeOr("name") == name;
                                 }),
                  children.end());
 }
 
-void updateScalar(PlainElement& object, const PlainElement& parameter) {
-  for (PlainElement& child : object.children) {
+void updateScalar(ReferenceElement& object, const ReferenceElement& parameter) {
+  for (ReferenceElement& child : object.children) {
     if (child.tag != "p" || child.attributeOr("name") != parameter.attributeOr("name")) continue;
     child.value = parameter.value;
     return;
@@ -57,47 +58,48 @@ void updateScalar(PlainElement& object, const PlainElement& parameter) {
   object.children.push_back(copyOf(parameter));
 }
 
-void update(PlainElement& source, const PlainElement& delta) {
-  for (const PlainElement* parameter : childrenByName(delta, "p")) updateScalar(source, *parameter);
-  for (const PlainElement* list : childrenByName(delta, "list")) {
+void update(ReferenceElement& source, const ReferenceElement& delta) {
+  for (const ReferenceElement* parameter : childrenByName(delta, "p"))
+    updateScalar(source, *parameter);
+  for (const ReferenceElement* list : childrenByName(delta, "list")) {
     removeChildren(source, "list", list->attributeOr("name"));
     source.children.push_back(copyOf(*list));
   }
-  for (const PlainElement& child : delta.children) {
+  for (const ReferenceElement& child : delta.children) {
     if (child.tag != "extension") continue;
     removeChildren(source, "extension", child.attributeOr("name"));
     source.children.push_back(copyOf(child));
   }
 }
 
-using Objects = std::map<std::string, PlainElement*>;
+using Objects = std::map<std::string, ReferenceElement*>;
 
-Objects objectsOf(PlainElement& cmData) {
+Objects objectsOf(ReferenceElement& cmData) {
   Objects objects;
-  for (PlainElement& child : cmData.children) {
+  for (ReferenceElement& child : cmData.children) {
     if (child.tag == "managedObject") objects.emplace(child.attributeOr("distName"), &child);
   }
   return objects;
 }
 
-std::string operationOf(const PlainElement& object, bool isThere) {
+std::string operationOf(const ReferenceElement& object, bool isThere) {
   const std::string* const operation = object.attribute("operation");
   if (operation && *operation != "auto") return *operation;
   return isThere ? "update" : "create";
 }
 
-void addLogs(PlainElement& source, PlainElement& delta) {
-  PlainElement* const target = source.firstChild("header");
-  const PlainElement* const header = delta.firstChild("header");
+void addLogs(ReferenceElement& source, ReferenceElement& delta) {
+  ReferenceElement* const target = source.firstChild("header");
+  const ReferenceElement* const header = delta.firstChild("header");
   if (!target || !header) return;
   bool added = false;
-  for (const PlainElement& child : header->children) {
+  for (const ReferenceElement& child : header->children) {
     if (child.tag != "log") continue;
     target->children.push_back(copyOf(child));
     added = true;
   }
   if (!added) return;
-  const auto isLog = [](const PlainElement& child) { return child.tag == "log"; };
+  const auto isLog = [](const ReferenceElement& child) { return child.tag == "log"; };
   auto& children = target->children;
   auto excess = static_cast<std::size_t>(std::count_if(children.begin(), children.end(), isLog));
   for (; excess > MOST_LOGS; --excess) {
@@ -107,9 +109,9 @@ void addLogs(PlainElement& source, PlainElement& delta) {
 
 }  // namespace
 
-PlainElement copyOf(const PlainElement& element) {
+ReferenceElement copyOf(const ReferenceElement& element) {
   const Kind& kind = kindOf(element.tag);
-  PlainElement copy;
+  ReferenceElement copy;
   copy.tag = kind.tag;
   if (kind.keepsValue) copy.value = element.value;
   for (const auto& [name, value] : element.attributes) {
@@ -117,11 +119,11 @@ PlainElement copyOf(const PlainElement& element) {
     if (!copy.attribute(name)) copy.attributes.emplace_back(name, value);
   }
   if (!kind.keepsChildren) return copy;
-  for (const PlainElement& child : element.children) copy.children.push_back(copyOf(child));
+  for (const ReferenceElement& child : element.children) copy.children.push_back(copyOf(child));
   return copy;
 }
 
-bool mergePlainObject(PlainElement& cmData, const PlainElement& object) {
+bool referenceMergeObject(ReferenceElement& cmData, const ReferenceElement& object) {
   const Objects objects = objectsOf(cmData);
   const auto it = objects.find(object.attributeOr("distName"));
   const bool isThere = it != objects.end();
@@ -137,9 +139,9 @@ bool mergePlainObject(PlainElement& cmData, const PlainElement& object) {
   return true;
 }
 
-bool mergePlain(PlainElement& source, PlainElement& delta) {
-  PlainElement* const sourceData = source.firstChild("cmData");
-  PlainElement* const deltaData = delta.firstChild("cmData");
+bool referenceMerge(ReferenceElement& source, ReferenceElement& delta) {
+  ReferenceElement* const sourceData = source.firstChild("cmData");
+  ReferenceElement* const deltaData = delta.firstChild("cmData");
   if (!sourceData || !deltaData) return false;
   const Objects deltas = objectsOf(*deltaData);
   const Objects there = objectsOf(*sourceData);
@@ -149,7 +151,7 @@ bool mergePlain(PlainElement& source, PlainElement& delta) {
   }
   for (const auto& [name, object] : deltas) {
     object->setAttribute("operation", operationOf(*object, there.count(name) > 0));
-    mergePlainObject(*sourceData, *object);
+    referenceMergeObject(*sourceData, *object);
   }
   addLogs(*sourceData, *deltaData);
   return true;

@@ -1,5 +1,5 @@
-// Every place of the library that logs, once with a sink that takes lines and once with one that
-// throws: what the operations answer, and what they leave, is the same.
+// Runs every statement of the library that logs, once with a log callback that keeps the lines and
+// once with one that throws. Results and documents must be the same.
 
 #include <gtest/gtest.h>
 
@@ -29,13 +29,13 @@ using tarn_test::documentTextWithLog;
 using namespace libtarn::model;
 using Operation = LibTarnManagedObject::Operation;
 
-enum class Sink { TAKES_LINES, THROWS };
+enum class LogCallback { KEEPS_LINES, THROWS };
 
 const char* const OBJECTS =
     "<managedObject class='C' distName='A-1'><p name='a'>1</p></managedObject>"
     "<managedObject class='D' distName='A-2'/><managedObject class='C' distName='A-3'/>";
 
-/// What the operations answered and left.
+/// The results of the operations, and the documents afterwards.
 class Transcript {
  public:
   template <class Value>
@@ -138,12 +138,12 @@ void merge(Transcript& transcript) {
 struct Outcome {
   std::string transcript;
   std::string lines;
-  std::set<std::string> places;
+  std::set<std::string> locations;
 };
 
-Outcome run(Sink sink) {
+Outcome run(LogCallback callback) {
   tarn_test::CapturedLog log;
-  if (sink == Sink::THROWS) log.throwFromPrint();
+  if (callback == LogCallback::THROWS) log.throwFromPrint();
   Transcript transcript;
   parseAndValidate(transcript);
   edit(transcript);
@@ -152,24 +152,24 @@ Outcome run(Sink sink) {
 
   Outcome outcome{transcript.get(), "", {}};
   for (const auto& line : log.lines()) {
-    outcome.places.insert(line.location);
+    outcome.locations.insert(line.location);
     outcome.lines += line.level + ' ' + line.function + ' ';
-    // The time is another one each time.
+    // The rest of the message is the time.
     const bool hasTime = line.function == "updateDateTime";
     outcome.lines += (hasTime ? line.message.substr(0, 17) : line.message) + '\n';
   }
   return outcome;
 }
 
-TEST(ThrowingSinkTest, NothingChangesWhateverIsLogged) {
-  const Outcome quiet = run(Sink::TAKES_LINES);
-  const Outcome throwing = run(Sink::THROWS);
+TEST(ThrowingLogCallbackTest, NothingChangesWhateverIsLogged) {
+  const Outcome quiet = run(LogCallback::KEEPS_LINES);
+  const Outcome throwing = run(LogCallback::THROWS);
   EXPECT_EQ(quiet.transcript, throwing.transcript);
   EXPECT_EQ(quiet.lines, throwing.lines);
-  EXPECT_EQ(quiet.places, throwing.places);
-  // Every place that logs was come by: 5 of documents, 10 copies of no use, 2 lines of a parse,
-  // 2 of changes, 2 of names, 1 time, 5 of the merge.
-  EXPECT_EQ(quiet.places.size(), 27U);
+  EXPECT_EQ(quiet.locations, throwing.locations);
+  // Every location that logs was reached: 5 of documents, 10 of forbidden copies, 2 of a parse,
+  // 2 of changes, 2 of names, 1 of the time, 5 of the merge.
+  EXPECT_EQ(quiet.locations.size(), 27U);
 }
 
 }  // namespace

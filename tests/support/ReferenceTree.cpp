@@ -1,22 +1,22 @@
-#include "support/PlainTree.hpp"
+#include "support/ReferenceTree.hpp"
 
 #include <algorithm>
 
 namespace tarn_test {
 
-const std::string* PlainElement::attribute(const std::string& name) const {
+const std::string* ReferenceElement::attribute(const std::string& name) const {
   for (const auto& [key, text] : attributes) {
     if (key == name) return &text;
   }
   return nullptr;
 }
 
-std::string PlainElement::attributeOr(const std::string& name) const {
+std::string ReferenceElement::attributeOr(const std::string& name) const {
   const std::string* const text = attribute(name);
   return text ? *text : "";
 }
 
-void PlainElement::setAttribute(const std::string& name, const std::string& text) {
+void ReferenceElement::setAttribute(const std::string& name, const std::string& text) {
   for (auto& [key, current] : attributes) {
     if (key != name) continue;
     current = text;
@@ -25,8 +25,8 @@ void PlainElement::setAttribute(const std::string& name, const std::string& text
   attributes.emplace_back(name, text);
 }
 
-PlainElement* PlainElement::firstChild(const std::string& childTag) {
-  for (PlainElement& child : children) {
+ReferenceElement* ReferenceElement::firstChild(const std::string& childTag) {
+  for (ReferenceElement& child : children) {
     if (child.tag == childTag) return &child;
   }
   return nullptr;
@@ -52,27 +52,27 @@ std::size_t depthOf(const rapidxml::xml_node<char>& top) {
   }
 }
 
-PlainElement toPlain(const rapidxml::xml_node<char>& top) {
-  PlainElement plain;
-  plain.tag.assign(top.name(), top.name_size());
-  plain.value.assign(top.value(), top.value_size());
+ReferenceElement toReferenceTree(const rapidxml::xml_node<char>& top) {
+  ReferenceElement reference;
+  reference.tag.assign(top.name(), top.name_size());
+  reference.value.assign(top.value(), top.value_size());
   for (auto* attribute = top.first_attribute(); attribute;
        attribute = attribute->next_attribute()) {
-    plain.attributes.emplace_back(std::string(attribute->name(), attribute->name_size()),
-                                  std::string(attribute->value(), attribute->value_size()));
+    reference.attributes.emplace_back(std::string(attribute->name(), attribute->name_size()),
+                                      std::string(attribute->value(), attribute->value_size()));
   }
   for (const auto* child = top.first_node(); child; child = child->next_sibling()) {
-    plain.children.push_back(toPlain(*child));
+    reference.children.push_back(toReferenceTree(*child));
   }
-  return plain;
+  return reference;
 }
 
-bool holdsZero(const PlainElement& element) {
+bool holdsNul(const ReferenceElement& element) {
   const auto has = [](const std::string& text) { return text.find('\0') != std::string::npos; };
   return has(element.value) ||
          std::any_of(element.attributes.begin(), element.attributes.end(),
                      [&](const auto& attribute) { return has(attribute.second); }) ||
-         std::any_of(element.children.begin(), element.children.end(), holdsZero);
+         std::any_of(element.children.begin(), element.children.end(), holdsNul);
 }
 
 }  // namespace tarn_test
