@@ -338,7 +338,7 @@ TEST(HostileTextTest, TextsOfDeclarationAndRootAreCopiedOnceHoweverManyParsesFol
 }
 
 TEST(HostileTextTest, WorstTextTakesTheDocumentedMemory) {
-  constexpr std::size_t MULTIPLE = sizeof(void*) > 4 ? 87 : 50;
+  constexpr std::size_t MULTIPLE = sizeof(void*) > 4 ? 82 : 44;
   for (const char* const element : {"<c>", "<m>", "<c/>", "<m/>"}) {
     CapturedLog log;
     std::string text = "<tarn>";
