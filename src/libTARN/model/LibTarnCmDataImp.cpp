@@ -17,6 +17,7 @@
 #include "indexation/ObjectView.hpp"
 #include "libtarn/model/LibTarnHeaderImp.hpp"
 #include "libtarn/model/LibTarnManagedObjectImp.hpp"
+#include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/exceptions/DuplicateElementException.hpp"
 #include "libtarn/model/indexation/ITarnIndexFactory.hpp"
 #include "libtarn/model/validation/Validator.hpp"
@@ -132,7 +133,7 @@ void LibTarnCmDataImp::addLibTarnManagedObject(LibTarnManagedObject& object) {
 }
 
 std::uint8_t LibTarnCmDataImp::removeLibTarnManagedObject(const DistinguishedName& distName) {
-  if (!hasLibTarnManagedObject(distName)) return 2;
+  if (!hasLibTarnManagedObject(distName)) return EditResult::NoSuchElement;
   if (findChildThatLost(textOrEmpty(distName.getText())).object) {
     managedObjectIndex_->prepareAdd(distName.getText());
   }
@@ -141,7 +142,7 @@ std::uint8_t LibTarnCmDataImp::removeLibTarnManagedObject(const DistinguishedNam
 
 std::uint8_t LibTarnCmDataImp::removeWithoutMemory(const DistinguishedName& distName) {
   LibTarnManagedObject* const object = getLibTarnManagedObject(distName);
-  if (!object) return 2;
+  if (!object) return EditResult::NoSuchElement;
   const bool wasChild = removeChild(&implementation<LibTarnManagedObjectImp>(*object));
   managedObjectIndex_->remove(object);
   indexUnindexed(textOrEmpty(distName.getText()));

@@ -68,9 +68,9 @@ std::uint8_t LibTarnExtensionImp::addParameter(Scalar& parameter) {
   try {
     parameters_.add(*this, implementation<ScalarImp>(parameter));
   } catch (const exceptions::DuplicateElementException&) {
-    return 1;
+    return EditResult::Refused;
   }
-  return 0;
+  return EditResult::Done;
 }
 
 std::uint8_t LibTarnExtensionImp::removeParameter(const std::string& name) {

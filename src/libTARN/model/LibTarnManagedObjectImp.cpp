@@ -115,13 +115,13 @@ void LibTarnManagedObjectImp::clearOperation() { operation_.remove(); }
 
 // An object below another kind of element is in no index.
 std::uint8_t LibTarnManagedObjectImp::setDistName(const char* distName) {
-  if (!distNameValidator_->isValid(distName)) return 1;
+  if (!distNameValidator_->isValid(distName)) return EditResult::Refused;
   if (auto* const cmData = dynamic_cast<LibTarnCmDataImp*>(getParent())) {
     cmData->setMoDistName(*this, distName);
   } else {
     setAttribute(DistinguishedName::ATTR_NAME, distName);
   }
-  return 0;
+  return EditResult::Done;
 }
 
 // Parameters
@@ -140,15 +140,15 @@ indexation::ScalarCollection LibTarnManagedObjectImp::getScalarParameters() cons
 
 std::uint8_t LibTarnManagedObjectImp::addParameter(Scalar& parameter) {
   auto& element = implementation<ScalarImp>(parameter);
-  if (hasScalarParameter(parameter.getId())) return 1;
+  if (hasScalarParameter(parameter.getId())) return EditResult::Refused;
   scalarIndex_->add(&parameter);
   addChild(&element);
-  return 0;
+  return EditResult::Done;
 }
 
 std::uint8_t LibTarnManagedObjectImp::removeScalarParameter(const std::string& name) {
   Scalar* const parameter = scalarIndex_->find(name.c_str());
-  if (!parameter) return 2;
+  if (!parameter) return EditResult::NoSuchElement;
   scalarIndex_->remove(name.c_str());
   return removeChild(&implementation<ScalarImp>(*parameter)) ? 0 : 1;
 }
@@ -167,15 +167,15 @@ indexation::ListCollection LibTarnManagedObjectImp::getListParameters() const {
 
 std::uint8_t LibTarnManagedObjectImp::addParameter(List& parameter) {
   auto& element = implementation<ListImp>(parameter);
-  if (hasListParameter(parameter.getId())) return 1;
+  if (hasListParameter(parameter.getId())) return EditResult::Refused;
   listIndex_->add(&parameter);
   addChild(&element);
-  return 0;
+  return EditResult::Done;
 }
 
 std::uint8_t LibTarnManagedObjectImp::removeListParameter(const std::string& name) {
   List* const parameter = listIndex_->find(name.c_str());
-  if (!parameter) return 2;
+  if (!parameter) return EditResult::NoSuchElement;
   listIndex_->remove(name.c_str());
   return removeChild(&implementation<ListImp>(*parameter)) ? 0 : 1;
 }
@@ -198,9 +198,9 @@ std::uint8_t LibTarnManagedObjectImp::addParameter(LibTarnExtension& extension) 
   try {
     extensions_.add(*this, implementation<LibTarnExtensionImp>(extension));
   } catch (const exceptions::DuplicateElementException&) {
-    return 1;
+    return EditResult::Refused;
   }
-  return 0;
+  return EditResult::Done;
 }
 
 std::uint8_t LibTarnManagedObjectImp::removeExtension(const std::string& name) {

@@ -6,6 +6,7 @@
 #include "../util/forbiddenClone.hpp"
 #include "TypedChildren.hpp"
 #include "attributeNames.hpp"
+#include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/ScalarImp.hpp"
 #include "libtarn/model/StructureImp.hpp"
 #include "libtarn/model/validation/Validator.hpp"
@@ -56,9 +57,9 @@ bool ListImp::hasScalarValues() const { return firstTypedChild<ScalarImp>(*this)
 Scalar* ListImp::getScalarValues() const { return firstTypedChild<ScalarImp>(*this); }
 
 std::uint8_t ListImp::addValue(Scalar& value) {
-  if (hasStructuredValues()) return 1;
+  if (hasStructuredValues()) return EditResult::Refused;
   addChild(&implementation<ScalarImp>(value));
-  return 0;
+  return EditResult::Done;
 }
 
 bool ListImp::hasStructuredValues() const {
@@ -68,9 +69,9 @@ bool ListImp::hasStructuredValues() const {
 Structure* ListImp::getStructuredValues() const { return firstTypedChild<StructureImp>(*this); }
 
 std::uint8_t ListImp::addValue(Structure& value) {
-  if (hasScalarValues()) return 1;
+  if (hasScalarValues()) return EditResult::Refused;
   addChild(&implementation<StructureImp>(value));
-  return 0;
+  return EditResult::Done;
 }
 
 bool ListImp::match(const List& pattern) const {

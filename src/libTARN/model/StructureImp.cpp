@@ -7,6 +7,7 @@
 #include "indexChildren.hpp"
 #include "libtarn/model/LibTarnManagedObjectImp.hpp"
 #include "libtarn/model/ListImp.hpp"
+#include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/ScalarImp.hpp"
 #include "libtarn/model/exceptions/DuplicateElementException.hpp"
 #include "libtarn/model/indexation/ITarnIndexFactory.hpp"
@@ -79,10 +80,10 @@ indexation::ScalarCollection StructureImp::getComponents() const {
 
 std::uint8_t StructureImp::addComponent(Scalar& component) {
   auto& element = implementation<ScalarImp>(component);
-  if (hasComponent(component.getId())) return 1;
+  if (hasComponent(component.getId())) return EditResult::Refused;
   componentIndex_->add(&component);
   addChild(&element);
-  return 0;
+  return EditResult::Done;
 }
 
 bool StructureImp::match(const Structure& pattern) const {
