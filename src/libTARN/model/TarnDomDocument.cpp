@@ -20,9 +20,21 @@
 #include "libtarn/rapidxml/rapidxml_print.hpp"
 #include "libtarn/util/TextPosition.hpp"
 #include "load/Load.hpp"
+#include "parseMessages.hpp"
 
 namespace libtarn {
 namespace model {
+
+namespace {
+
+// A hook that catches this and makes a node of its own has made the node that was asked for: what
+// follows is within that node.
+[[noreturn]] void throwUnknownObject(Load* load, char* where) {
+  if (load) load->noteNode(nullptr);
+  throw rapidxml::parse_error(UNKNOWN_OBJECT, where);
+}
+
+}  // namespace
 
 TarnDomDocument::TarnDomDocument() : TarnDomDocument(libDomXml::OutOfMemory::Assert) {}
 
@@ -72,9 +84,7 @@ bool TarnDomDocument::isTopLevelNode() const { return load_ && load_->isTopLevel
 
 // A document has one declaration: another one in the text resets it and moves it to the end.
 TarnDomElement* TarnDomDocument::reuseDeclaration() {
-  if (load_ && !isTopLevelNode()) {
-    throw rapidxml::parse_error("unknown TARN object", parsePosition_);
-  }
+  if (load_ && !isTopLevelNode()) throwUnknownObject(load_, parsePosition_);
   if (load_) load_->noteNode(nullptr);
   if (declaration_->parent()) remove_node(declaration_);
   declaration_->remove_all_attributes();
@@ -84,9 +94,7 @@ TarnDomElement* TarnDomDocument::reuseDeclaration() {
 
 // The same for the root; its children stay, and more are added.
 TarnDomElement* TarnDomDocument::reuseRoot(const char* nameEnd) {
-  if (!isTopLevelNode() || !root_) {
-    throw rapidxml::parse_error("unknown TARN object", const_cast<char*>(nameEnd));
-  }
+  if (!isTopLevelNode() || !root_) throwUnknownObject(load_, const_cast<char*>(nameEnd));
   if (root_->parent()) remove_node(root_);
   root_->remove_all_attributes();
   rootIsInText_ = true;
@@ -135,7 +143,7 @@ TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::size_t s
     default:
       break;
   }
-  throw rapidxml::parse_error("unknown TARN object", const_cast<char*>(name + size));
+  throwUnknownObject(load_, const_cast<char*>(name + size));
 }
 
 // Three elements out of four are parameters.
