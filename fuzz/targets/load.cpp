@@ -69,6 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::check(found.code == expected.code && found.message == expected.message &&
                   found.offset == expected.offset,
               "a check without a document says what a load says");
+  using libtarn::model::validation::Diagnosis;
+  fuzz::check(Diagnosis::of(text.get(), 1).empty() == (expected.code == 0),
+              "a text has findings when it is not valid, and only then");
 
   // The indexes of a load that failed are not complete.
   using tarn_test::Indexes;

@@ -29,6 +29,7 @@
 #include "libtarn/model/exceptions/NoSuchAttributeException.hpp"
 #include "libtarn/model/exceptions/NoSuchElementException.hpp"
 #include "libtarn/model/indexation/ITarnIndexFactory.hpp"
+#include "libtarn/model/validation/Diagnosis.hpp"
 #include "libtarn/model/validation/Validator.hpp"
 #include "libtarn/model/validation/Violation.hpp"
 #include "libtarn/model/validation/validateObject.hpp"

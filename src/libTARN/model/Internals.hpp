@@ -54,6 +54,18 @@ struct Internals {
       LibTarnManagedObjectImp& object) {
     return object.operation_;
   }
+  static EnumeratedAttribute<LibTarnCmData::Type>& type(LibTarnCmDataImp& cmData) {
+    return cmData.type_;
+  }
+
+  // Throw DuplicateElementException, as indexing the parent does for a child whose name is taken.
+  [[noreturn]] static void throwDuplicate(const LibTarnManagedObjectImp& object,
+                                          const char* childTag, const char* name) {
+    object.throwDuplicate(childTag, name);
+  }
+  [[noreturn]] static void throwDuplicate(const StructureImp& item, const ScalarImp& component) {
+    StructureImp::throwDuplicate(item.parentText(), component);
+  }
 };
 
 }  // namespace model

@@ -116,6 +116,10 @@ Load::Load(TarnDomDocument& document, Mode mode)
 
 Load::~Load() { document_.load_ = nullptr; }
 
+std::size_t Load::placeOfParser(const TarnDomDocument& document) {
+  return static_cast<std::size_t>(document.parsePosition_ - document.textStart_);
+}
+
 Load::Verdict Load::run(std::vector<char>& text) {
   document_.takeText(text);
   return run(document_.text_.data());

@@ -62,6 +62,10 @@ class Load : public rapidxml::parse_events {
   /// caller's.
   Verdict run(char* text);
 
+  /// Byte offset of the parser in the text while it asks `document` for a node: of the name of the
+  /// element, or of what follows the "<?xml " of the declaration.
+  static std::size_t placeOfParser(const TarnDomDocument& document);
+
   // For the document, when the parser allocates a node.
 
   /// Returns true if the node is the first one after a "<" outside of every element.
