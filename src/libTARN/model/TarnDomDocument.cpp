@@ -25,17 +25,6 @@
 namespace libtarn {
 namespace model {
 
-namespace {
-
-// A hook that catches this and makes a node of its own has made the node that was asked for: what
-// follows is within that node.
-[[noreturn]] void throwUnknownObject(Load* load, char* where) {
-  if (load) load->noteNode(nullptr);
-  throw rapidxml::parse_error(UNKNOWN_OBJECT, where);
-}
-
-}  // namespace
-
 TarnDomDocument::TarnDomDocument() : TarnDomDocument(libDomXml::OutOfMemory::Assert) {}
 
 TarnDomDocument::TarnDomDocument(libDomXml::OutOfMemory outOfMemory)
@@ -84,7 +73,9 @@ bool TarnDomDocument::isTopLevelNode() const { return load_ && load_->isTopLevel
 
 // A document has one declaration: another one in the text resets it and moves it to the end.
 TarnDomElement* TarnDomDocument::reuseDeclaration() {
-  if (load_ && !isTopLevelNode()) throwUnknownObject(load_, parsePosition_);
+  if (load_ && !isTopLevelNode()) {
+    throw rapidxml::parse_error(UNKNOWN_OBJECT, parsePosition_);
+  }
   if (load_) load_->noteNode(nullptr);
   if (declaration_->parent()) remove_node(declaration_);
   declaration_->remove_all_attributes();
@@ -94,7 +85,9 @@ TarnDomElement* TarnDomDocument::reuseDeclaration() {
 
 // The same for the root; its children stay, and more are added.
 TarnDomElement* TarnDomDocument::reuseRoot(const char* nameEnd) {
-  if (!isTopLevelNode() || !root_) throwUnknownObject(load_, const_cast<char*>(nameEnd));
+  if (!isTopLevelNode() || !root_) {
+    throw rapidxml::parse_error(UNKNOWN_OBJECT, const_cast<char*>(nameEnd));
+  }
   if (root_->parent()) remove_node(root_);
   root_->remove_all_attributes();
   rootIsInText_ = true;
@@ -143,7 +136,7 @@ TarnDomElement* TarnDomDocument::makeTarnElement(const char* name, std::size_t s
     default:
       break;
   }
-  throwUnknownObject(load_, const_cast<char*>(name + size));
+  throw rapidxml::parse_error(UNKNOWN_OBJECT, const_cast<char*>(name + size));
 }
 
 // Three elements out of four are parameters.

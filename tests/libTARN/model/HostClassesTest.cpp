@@ -16,7 +16,9 @@
 #include "libtarn/model/indexation/TarnIndexFactory.hpp"
 #include "libtarn/model/indexation/TarnMapIndex.hpp"
 #include "libtarn/model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
+#include "support/CapturedLog.hpp"
 #include "support/SmallStack.hpp"
+#include "support/consistency.hpp"
 
 // The library calls the functions of a host's indexes, node classes and name validators in the
 // documented order, also where it is faster with its own classes.
@@ -26,6 +28,7 @@ namespace {
 using namespace libtarn::model;
 using namespace libtarn::model::indexation;
 using libtarn::editor::TarnMerge;
+using tarn_test::CapturedLog;
 using Calls = std::vector<std::string>;
 
 std::string document(const std::string& content) {
@@ -249,6 +252,41 @@ class HostNodeDocument : public TarnDomDocument {
         Object(this, object->getDistNameValidator(), getFactory().getIndexFactory(), getFactory());
   }
 };
+
+// Makes the node of one element without asking the library.
+class ForeignNodeDocument : public TarnDomDocument {
+ public:
+  explicit ForeignNodeDocument(int foreign)
+      : TarnDomDocument(nullptr, nullptr), untilForeign_(foreign) {}
+  TarnDomElement* allocate_node(rapidxml::node_type type, const char* name, const char* value,
+                                std::size_t nameSize, std::size_t valueSize) override {
+    if (type == rapidxml::node_element && untilForeign_-- == 0) {
+      return getFactory().allocateScalarNode();
+    }
+    return TarnDomDocument::allocate_node(type, name, value, nameSize, valueSize);
+  }
+
+ private:
+  int untilForeign_;
+};
+
+TEST(ForeignNodeTest, WhatIsBelowANodeOfTheHostIsNotOnTheTopLevel) {
+  struct {
+    const char* text;
+    int foreign;
+  } const rows[] = {{"<foreign><tarn/></foreign><tarn/>", 0},
+                    {"<foreign><?xml a='b'?></foreign><?xml a='b'?>", 0},
+                    {"<tarn/><foreign><tarn/></foreign>", 1}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    CapturedLog log;
+    LibTarnDocument document(new ForeignNodeDocument(row.foreign));
+    EXPECT_EQ(document.parse(row.text, false), 1);
+    EXPECT_EQ(document.getDiagnostic().message, "unknown TARN object");
+    EXPECT_EQ(tarn_test::brokenDocument(document), "");
+    EXPECT_EQ(document.parse("<tarn/>", false), 0);
+  }
+}
 
 class HostNodeTest : public ::testing::Test {
  protected:

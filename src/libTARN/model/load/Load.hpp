@@ -81,7 +81,11 @@ class Load : public rapidxml::parse_events {
   void before_top_level_node() { isTopLevel_ = true; }
   /// Names have increasing addresses. An end that is not after `name` belongs to an earlier
   /// element: a host's hook has made this one without the document.
-  char* end_of_counted_name(const char* name) const { return nameEnd_ > name ? nameEnd_ : nullptr; }
+  char* end_of_counted_name(const char* name) {
+    if (nameEnd_ > name) return nameEnd_;
+    isTopLevel_ = false;
+    return nullptr;
+  }
   void nul_expanded() { hasNul_ = true; }
   void element_complete(rapidxml::xml_node<char>* element);
 
