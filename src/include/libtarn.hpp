@@ -35,5 +35,6 @@
 #include "libtarn/util/ManagedObjectBuilder.hpp"
 #include "libtarn/util/TarnFactory.hpp"
 #include "libtarn/util/TextPosition.hpp"
+#include "libtarn/util/XmlCheck.hpp"
 #include "libtarn/util/dumpElement.hpp"
 #include "libtarn/util/dumpTarnDocument.hpp"
