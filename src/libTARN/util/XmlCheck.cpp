@@ -15,11 +15,12 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <optional>
-#include <set>
 
-#include "xmlCharacters.hpp"
+#include "xml/AttributeNames.hpp"
+#include "xml/OpenElements.hpp"
+#include "xml/Recorder.hpp"
+#include "xml/characters.hpp"
 
 namespace libtarn {
 namespace util {
@@ -27,11 +28,14 @@ namespace util {
 namespace {
 
 using Kind = XmlFault::Kind;
+using xml::AttributeNames;
 using xml::Character;
 using xml::characterAt;
 using xml::Defect;
 using xml::isBlank;
+using xml::OpenElements;
 using xml::quoted;
+using xml::Recorder;
 
 constexpr std::size_t NOWHERE = std::string_view::npos;
 
@@ -84,11 +88,6 @@ bool isEqualInAnyCase(std::string_view a, std::string_view b) {
                     [lower](char x, char y) { return lower(x) == lower(y); });
 }
 
-bool isEndTagKind(Kind kind) {
-  return kind == Kind::EndTagMismatched || kind == Kind::EndTagMissing ||
-         kind == Kind::EndTagWithoutStart;
-}
-
 // Other encodings than UTF-8, by a byte order mark or by the NUL bytes around a first "<".
 const char* wideEncoding(std::string_view text) {
   struct Start {
@@ -110,109 +109,6 @@ const char* wideEncoding(std::string_view text) {
   const bool isBigEndian = text[0] == '\0' && text[1] == '<' && text[2] == '\0';
   return isLittleEndian || isBigEndian ? "UTF-16" : nullptr;
 }
-
-/// The faults so far. In the order in which they are reported, which is that of their offsets.
-class Recorder {
- public:
-  enum class Records { Everything, EndTags };
-
-  Recorder(Records records, std::size_t limit) : records_(records), limit_(limit) {}
-
-  /// `describe` fills in the words of a fault that is listed.
-  template <class Describe>
-  void report(Kind kind, std::size_t offset, Describe describe) {
-    if (records_ == Records::EndTags && !isEndTagKind(kind)) return;
-    ++faults_.count;
-    if (faults_.list.size() >= limit_) return;
-    faults_.list.emplace_back();
-    XmlFault& fault = faults_.list.back();
-    fault.kind = kind;
-    fault.offset = offset;
-    describe(fault);
-  }
-
-  XmlFaults take() { return std::move(faults_); }
-
- private:
-  Records records_;
-  std::size_t limit_;
-  XmlFaults faults_;
-};
-
-/// The elements whose end tag is still to come.
-class OpenElements {
- public:
-  struct Element {
-    std::size_t offset;  // of its "<"
-    std::size_t nameSize;
-    bool isReported;  // that its end tag is wrong
-  };
-
-  explicit OpenElements(std::string_view text) : text_(text) {}
-
-  bool isEmpty() const { return elements_.empty(); }
-  Element& innermost() { return elements_.back(); }
-  std::string_view name(const Element& element) const {
-    return text_.substr(element.offset + 1, element.nameSize);
-  }
-
-  void push(std::size_t offset, std::size_t nameSize) {
-    elements_.push_back({offset, nameSize, false});
-    if (areCounted_) ++counts_[name(elements_.back())];
-  }
-
-  void pop() {
-    if (areCounted_) {
-      const auto found = counts_.find(name(elements_.back()));
-      if (--found->second == 0) counts_.erase(found);
-    }
-    elements_.pop_back();
-  }
-
-  /// Whether one of this name is open. The first question counts the names, so that documents
-  /// without a wrong end tag pay nothing for it.
-  bool contains(std::string_view wanted) {
-    if (!areCounted_) {
-      for (const Element& element : elements_) ++counts_[name(element)];
-      areCounted_ = true;
-    }
-    return counts_.count(wanted) != 0;
-  }
-
- private:
-  std::string_view text_;
-  std::vector<Element> elements_;
-  bool areCounted_ = false;
-  std::map<std::string_view, std::size_t> counts_;
-};
-
-/// The attributes of one element.
-class AttributeNames {
- public:
-  void clear() {
-    few_.clear();
-    if (!many_.empty()) many_.clear();
-  }
-
-  /// Returns the same name where it was added before, or adds this one.
-  std::optional<std::string_view> addOrFind(std::string_view name) {
-    if (many_.empty() && few_.size() < FEW) {
-      const auto found = std::find(few_.begin(), few_.end(), name);
-      if (found != few_.end()) return *found;
-      few_.push_back(name);
-      return std::nullopt;
-    }
-    if (many_.empty()) many_.insert(few_.begin(), few_.end());
-    const auto [place, isNew] = many_.insert(name);
-    return isNew ? std::nullopt : std::optional(*place);
-  }
-
- private:
-  static constexpr std::size_t FEW = 16;
-
-  std::vector<std::string_view> few_;
-  std::set<std::string_view> many_;  // all of them, once they are more than a few
-};
 
 class Reading {
  public:
@@ -769,13 +665,16 @@ class Reading {
     if (isAt(next, '=')) {
       at_ = behindBlanks(next + 1);
     } else {
-      if (!name.empty())
-        report(Kind::MissingEquals, at_, "\"=\" is missing after an attribute's name");
+      if (!name.empty()) reportMissingEquals();
       // The blanks also separate this from the next attribute.
       if (!isQuoteAt(next)) return;
       at_ = next;
     }
     readValue();
+  }
+
+  void reportMissingEquals() {
+    report(Kind::MissingEquals, at_, "\"=\" is missing after an attribute's name");
   }
 
   void noteAttribute(std::string_view name) {
