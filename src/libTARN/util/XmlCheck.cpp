@@ -70,11 +70,15 @@ constexpr std::string_view DECLARATION = "<?xml";
 
 constexpr std::array<std::string_view, 5> ENTITIES = {"amp", "lt", "gt", "quot", "apos"};
 
-constexpr ByteSet ALLOWED_ASCII = [] {
+// The ASCII characters that `rule` allows.
+constexpr ByteSet asciiOf(bool (*rule)(std::uint32_t code)) {
   ByteSet set{};
-  for (std::uint32_t c = 0; c < 0x80; ++c) set[c] = xml::isAllowed(c);
+  for (std::uint32_t c = 0; c < 0x80; ++c) set[c] = rule(c);
   return set;
-}();
+}
+constexpr ByteSet ALLOWED_ASCII = asciiOf(xml::isAllowed);
+constexpr ByteSet ASCII_NAME_STARTS = asciiOf(xml::isNameStart);
+constexpr ByteSet ASCII_NAMES = asciiOf(xml::isName);
 // Bytes that are no fault and begin none, wherever they are.
 constexpr ByteSet HARMLESS = [] {
   ByteSet set = ALLOWED_ASCII;
@@ -230,11 +234,13 @@ class Reading {
   }
 
   void readCharactersUpTo(std::size_t end, Content content) {
-    while (at_ < end) {
-      const char c = text_[at_];
-      if (contains(HARMLESS, c)) {
-        ++at_;
-      } else if (c == '&' && (content == Content::Text || content == Content::Value)) {
+    for (;;) {
+      std::size_t at = at_;
+      while (at < end && contains(HARMLESS, text_[at])) ++at;
+      at_ = at;
+      if (at >= end) return;
+      const char c = text_[at];
+      if (c == '&' && (content == Content::Text || content == Content::Value)) {
         readReference(end);
       } else if (c == '<' && content == Content::Value) {
         report(Kind::LessThanInValue, at_++, "\"<\" in the value of an attribute; write &lt;");
@@ -277,6 +283,10 @@ class Reading {
     bool isValid = true;
     for (bool isFirst = true; at_ < end; isFirst = false) {
       const std::size_t offset = at_;
+      if (contains(isFirst ? ASCII_NAME_STARTS : ASCII_NAMES, text_[offset])) {
+        ++at_;
+        continue;
+      }
       const std::optional<std::uint32_t> code = readCharacter();
       if (!code || !isValid) continue;
       isValid = isFirst ? xml::isNameStart(*code) : xml::isName(*code);
@@ -377,20 +387,22 @@ class Reading {
   // Markup.
 
   void readMarkup() {
-    if (startsWith("</")) return readEndTag();
-    if (startsWith(INSTRUCTION)) return readInstruction();
-    if (startsWith(COMMENT)) return readComment();
-    if (startsWith(CDATA)) return readCdata();
-    if (startsWith(DOCTYPE)) return readDoctype();
-    if (startsWith("<!")) {
-      report(Kind::UnknownMarkup, at_, "\"<!\" begins no comment, CDATA section or DOCTYPE");
-      at_ += 2;
-      return readRestOfMarkup();
-    }
+    if (isAt(at_ + 1, '/')) return readEndTag();
+    if (isAt(at_ + 1, '?')) return readInstruction();
+    if (isAt(at_ + 1, '!')) return readExclamation();
     if (beginsTag()) return readStartTag();
     report(Kind::LessThanInText, at_, "\"<\" begins no tag; write &lt;");
     ++at_;
     readTextUpTo(std::min(text_.find('<', at_), text_.size()));
+  }
+
+  void readExclamation() {
+    if (startsWith(COMMENT)) return readComment();
+    if (startsWith(CDATA)) return readCdata();
+    if (startsWith(DOCTYPE)) return readDoctype();
+    report(Kind::UnknownMarkup, at_, "\"<!\" begins no comment, CDATA section or DOCTYPE");
+    at_ += 2;
+    readRestOfMarkup();
   }
 
   // A name that begins wrongly is one only where a tag ends, as in "<1>" but not in "1 <2".
@@ -480,7 +492,7 @@ class Reading {
       readQuoted(value);
     }
     if (readPseudoAttribute("standalone", value)) {
-      if (value != "yes" && value != "no") return "\"standalone\" is neither \"yes\" nor \"no\"";
+      if (value != "yes" && value != "no") return R"("standalone" is neither "yes" nor "no")";
       readQuoted(value);
     }
     at_ = behindBlanks(at_);
@@ -642,7 +654,7 @@ class Reading {
   // Reads a "/" and, when that is what it is for, the end of the tag.
   bool readSlash() {
     const bool isEnd = isAt(at_ + 1, '>');
-    if (!isEnd) report(Kind::MalformedTag, at_, "\"/\" is not followed by \">\"");
+    if (!isEnd) report(Kind::MalformedTag, at_, R"("/" is not followed by ">")");
     const std::size_t end = behindBlanks(at_ + 1);
     if (!isAt(end, '>')) {
       ++at_;
