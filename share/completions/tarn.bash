@@ -19,7 +19,7 @@ _tarn() {
   local options=""
   case $command in
     "") options="$commands --version" ;;
-    check) options="--all --limit --json --jobs" ;;
+    check) options="--all --limit --strict --json --jobs" ;;
     print) options="-o --output" ;;
     list) options="$mask --format" ;;
     get) ;;

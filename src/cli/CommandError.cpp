@@ -15,14 +15,17 @@ CommandError::CommandError(Status status, const std::string& subject, const std:
 
 CommandError::CommandError(Status status, const std::string& subject, TextPosition place,
                            const std::string& message)
-    : std::runtime_error(
-          errorLine(fmt::format("{}:{}:{}", subject, place.line, place.column), message)),
+    : std::runtime_error(errorLine(subjectAt(subject, place), message)),
       status_(status),
       message_(message),
       place_(place) {}
 
 std::string subjectOf(const std::string& path, const std::string& distName) {
   return path + ": " + distName;
+}
+
+std::string subjectAt(const std::string& path, const std::optional<TextPosition>& place) {
+  return place ? fmt::format("{}:{}:{}", path, place->line, place->column) : path;
 }
 
 std::string errorLine(const std::string& subject, const std::string& message) {

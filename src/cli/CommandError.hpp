@@ -41,6 +41,10 @@ class CommandError : public std::runtime_error {
 
 /// Returns the subject of an error about one object of a file.
 std::string subjectOf(const std::string& path, const std::string& distName);
+/// Returns the subject of an error at a place in a file, "FILE:LINE:COLUMN", or the file alone
+/// without a place.
+std::string subjectAt(const std::string& path,
+                      const std::optional<libtarn::util::TextPosition>& place);
 /// Returns the printable line for an error, "SUBJECT: error: MESSAGE".
 std::string errorLine(const std::string& subject, const std::string& message);
 

@@ -20,7 +20,12 @@ class CheckTest(CommandCase):
 
     def test_broken_rule_is_reported_with_its_path_and_status_2(self):
         path = self.file(document(managed_object("A-1", body="<p>1</p><p name='x'/>")))
-        self.expect(tarn("check", path), 2, "", f"{path}: error: {NAMELESS}\n")
+        self.expect(tarn("check", path), 2, "", f"{path}:1:109: A-1: error: {NAMELESS}\n")
+
+    def test_fault_that_comes_first_by_name_is_the_one_reported(self):
+        path = self.file(document(managed_object("B-1", body="<p/>") + "\n" +
+                                  managed_object("A-1", body="\n<p/>")))
+        self.expect(tarn("check", path), 2, "", f"{path}:3:1: A-1: error: {NAMELESS}\n")
 
     def test_malformed_file_is_reported_with_line_and_byte_column(self):
         for text, place, message in (
@@ -38,7 +43,22 @@ class CheckTest(CommandCase):
                 if place is None:
                     self.assertEqual((result.returncode, result.stdout), (2, b""))
                 else:
-                    self.expect(result, 1, "", f"{path}:{place}: error: {message}\n")
+                    lines = result.stderr.decode().splitlines()
+                    self.assertEqual((result.returncode, result.stdout, lines[0]),
+                                     (1, b"", f"{path}:{place}: error: {message}"))
+
+    def test_missing_and_wrong_end_tags_are_reported_where_they_were_opened_and_missed(self):
+        path = self.file("<tarn>\n <cmData>\n  <p name='x'>1\n </cmData>\n<p")
+        self.expect(tarn("check", path), 1, "", f"""\
+{path}:5:3: error: expected >
+{path}:4:2: error: </p> expected for <p name='x'>, found </cmData>
+{path}:3:3: note: <p name='x'> is opened here
+{path}:5:3: error: </tarn> expected for <tarn>, found the end of the text
+{path}:1:1: note: <tarn> is opened here
+""")
+        # Who missed an end tag may have missed it everywhere.
+        path = self.file("<tarn>" + "<c>" * 1000)
+        self.assertEqual(tarn("check", path).stderr.decode().count("is opened here"), 10)
 
     def test_place_behind_many_lines_is_right(self):
         # More than the blocks in which the file is read again.
@@ -68,7 +88,12 @@ class CheckTest(CommandCase):
         writer.start()
         result = tarn("check", pipe)
         writer.join()
-        self.expect(result, 1, "", f"{pipe}:3:1: error: expected >\n")
+        self.assertEqual((result.returncode, result.stdout), (1, b""))
+        self.assertEqual(result.stderr.decode().splitlines()[0], f"{pipe}:3:1: error: expected >")
+
+    def test_broken_rule_in_a_pipe_has_a_place(self):
+        text = document(managed_object("A-1", body="\n<p>1</p>")).encode()
+        self.expect(tarn("check", "-", input=text), 2, "", f"-:2:1: A-1: error: {NAMELESS}\n")
 
     def test_every_file_is_checked_and_the_highest_status_counts(self):
         good = self.file(document(managed_object("A-1")), "good.xml")
@@ -78,27 +103,98 @@ class CheckTest(CommandCase):
         result = tarn("check", missing, malformed, broken, good)
         self.assertEqual((result.returncode, result.stdout), (5, f"{good}: ok\n".encode()))
         self.assertEqual([line.split(b": error: ")[0].decode() for line in
-                          result.stderr.splitlines()],
-                         [missing, f"{malformed}:1:7", broken])
+                          result.stderr.splitlines() if b": note: " not in line],
+                         [missing, f"{malformed}:1:7", f"{malformed}:1:7", f"{broken}:1:40"])
         self.assertEqual(tarn("check", malformed, broken).returncode, 2)
         self.assertEqual(tarn("check", broken, malformed).returncode, 2)
         self.assertEqual(tarn("check", malformed, good).returncode, 1)
 
-    def test_all_reports_every_violation_in_the_order_of_the_walk(self):
-        path = self.file("<tarn version='1' xmlns='x'><cmData type='actual'><header>"
-                         "<log/></header><managedObject distName='A'><p/></managedObject>"
-                         "<managedObject/></cmData></tarn>")
+    def test_all_reports_every_violation_in_the_order_of_the_text(self):
+        path = self.file("""<tarn version='1' xmlns='x'>
+<cmData type='actual'><header>
+<log/></header>
+<managedObject distName='B'><p/></managedObject>
+<managedObject/>
+</cmData></tarn>""")
         where = "The 'tarn > cmData > "
         self.expect(tarn("check", "--all", path), 2, "", "".join(
-            f"{path}: error: {message}\n" for message in (
-                "'x' is not a valid value of 'tarn > ' attribute 'xmlns'",
-                where + "header > log > ' element has no attribute 'dateTime'",
-                where + "header > log > ' element has no attribute 'action'",
-                where + "managedObject > ' element has no attribute 'class'",
-                where + "managedObject > ' element has no attribute 'distName'",
-                where + "managedObject:A > ' element has no attribute 'class'",
-                "Invalid distinguished name: 'A'",
-                where + "managedObject:A > p > ' element has no attribute 'name'")))
+            f"{path}:{place}: error: {message}\n" for place, message in (
+                ("1:1", "'x' is not a valid value of 'tarn > ' attribute 'xmlns'"),
+                ("3:1", where + "header > log > ' element has no attribute 'dateTime'"),
+                ("3:1", where + "header > log > ' element has no attribute 'action'"),
+                ("4:1: B", where + "managedObject:B > ' element has no attribute 'class'"),
+                ("4:1: B", "Invalid distinguished name: 'B'"),
+                ("4:29: B", where + "managedObject:B > p > ' element has no attribute 'name'"),
+                ("5:1", where + "managedObject > ' element has no attribute 'class'"),
+                ("5:1", where + "managedObject > ' element has no attribute 'distName'"))))
+
+    def test_all_goes_on_where_a_load_ends(self):
+        path = self.file("""<tarn version='1' xmlns='tarn21.xsd'>
+<cmData type='wrong'><header/>
+<managedObject class='C' distName='A-1' operation='vanish'>
+<p name='x'>1</p>
+<p name='x'>2</p>
+</managedObject>
+<managedObject class='C' distName='A-1'/>
+<foo><p/></foo>
+<managedObject class='C' distName='A-2'><p/></managedObject>
+</cmData></tarn>""")
+        self.expect(tarn("check", "--all", path), 1, "", f"""\
+{path}:8:5: error: unknown TARN object
+{path}:2:1: error: 'wrong' is not a valid value of 'cmData' attribute 'type'
+{path}:3:1: A-1: error: 'vanish' is not a valid value of 'managedObject' attribute 'operation'
+{path}:5:1: A-1: error: The 'A-1' element already contains a 'p' element with 'name=x'
+{path}:4:1: note: the first one is here
+{path}:7:1: A-1: error: The 'cmData' element already contains a 'managedObject' element with \
+'distName=A-1'
+{path}:3:1: note: the first one is here
+{path}:9:41: A-2: error: {NAMELESS.replace("A-1", "A-2")}
+""")
+
+    def test_fifty_faults_are_fifty_lines(self):
+        kinds = ("<managedObject class='C' distName='A-{0}'><p/></managedObject>",
+                 "<managedObject class='C' distName='A{0}'/>",
+                 "<managedObject distName='A-{0}'/>",
+                 "<managedObject class='C' distName='A-{0}' operation='x'/>",
+                 "<managedObject class='C' distName='A-{0}'><p name='a'/><p name='a'/></managedObject>",
+                 "<managedObject class='C' distName='A-{0}'><list/></managedObject>",
+                 "<managedObject class='C' distName='A-{0}'><list name='l'><p/><item/></list>"
+                 "</managedObject>",
+                 "<managedObject class='C' distName='A-{0}'><extension><p/></extension></managedObject>",
+                 "<managedObject class='C' distName='A-{0}'><list name='l'/><list name='l'/>"
+                 "</managedObject>",
+                 "<unknown/>")
+        bodies = "".join("\n" + kinds[n % 10].format(n) for n in range(50))
+        path = self.file(document(bodies))
+        lines = tarn("check", "--all", path).stderr.decode().splitlines()
+        faulty = [int(line[len(path) + 1:].split(":")[0]) for line in lines if ": error: " in line]
+        self.assertEqual(sorted(faulty), list(range(2, 52)))
+
+    def test_strict_reports_what_other_parsers_refuse(self):
+        text = document(managed_object("A-1", body="\n<p name='x' name='y'>a&b</item>\n"))
+        path = self.file(text)
+        self.expect(tarn("check", path), 0, f"{path}: ok\n")
+        self.expect(tarn("check", "--strict", path), 1, "", f"""\
+{path}:2:13: error: the attribute name comes twice
+{path}:2:4: note: the first one is here
+{path}:2:23: error: "&" begins no reference; write &amp;
+{path}:2:25: error: </p> expected for <p name='x' name='y'>, found </item>
+{path}:2:1: note: <p name='x' name='y'> is opened here
+""")
+        good = os.path.join(EXAMPLES, "network.xml")
+        self.expect(tarn("check", "--strict", good), 0, f"{good}: ok\n")
+        # Faults of both kinds, in the order of the text.
+        both = self.file(document(managed_object("A-1", body="<p>&x;</p>")), "both.xml")
+        found = json.loads(tarn("check", "--strict", "--json", both).stdout)
+        self.assertEqual((found["result"], [each["column"] for each in found["violations"]]),
+                         (2, [109, 112]))
+
+    def test_other_encodings_are_named(self):
+        for encoding, name in (("utf-16", "UTF-16"), ("utf-16-be", "UTF-16"), ("utf-32", "UTF-32")):
+            path = self.file(document("").encode(encoding))
+            for command in ("check", "print"):
+                self.expect(tarn(command, path), 1, "",
+                            f"{path}:1:1: error: the text is {name}; convert it to UTF-8\n")
 
     def test_all_is_limited_and_reports_how_many_are_left_out(self):
         body = "<extension>" + "<p/>" * 150 + "</extension>"
@@ -108,7 +204,10 @@ class CheckTest(CommandCase):
             lines = tarn("check", "--all", *options, path).stderr.decode().splitlines()
             with self.subTest(limit=limit):
                 self.assertEqual(sum("no attribute 'name'" in line for line in lines), reported)
-                left = [f"{path}: error: {150 - reported} more violations"] if reported < 150 else []
+                left = []
+                if reported < 150:
+                    word = "violation" if reported == 149 else "violations"
+                    left = [f"{path}: error: {150 - reported} more {word}"]
                 self.assertEqual(lines[reported:], left)
 
     def test_messages_that_repeat_a_long_name_are_bounded_by_their_bytes(self):
@@ -131,8 +230,11 @@ class CheckTest(CommandCase):
         good = self.file(document(managed_object("A-1")), "good.xml")
         malformed = self.file("<tarn>", "malformed.xml")
         result = tarn("check", "--all", malformed, good)
-        self.expect(result, 1, f"{good}: ok\n",
-                    f"{malformed}:1:7: error: unexpected end of data\n")
+        self.expect(result, 1, f"{good}: ok\n", f"""\
+{malformed}:1:7: error: unexpected end of data
+{malformed}:1:7: error: </tarn> expected for <tarn>, found the end of the text
+{malformed}:1:1: note: <tarn> is opened here
+""")
 
     def test_json_has_an_object_a_file(self):
         good = self.file(document(managed_object("A-1")), "good.xml")
@@ -144,13 +246,14 @@ class CheckTest(CommandCase):
         self.assertEqual((result.returncode, result.stderr), (5, b""))
         self.assertEqual([json.loads(line) for line in result.stdout.splitlines()], [
             {"file": file, "result": code, "message": message, "line": line, "column": column,
-             "path": path}
-            for file, code, message, line, column, path in (
-                (good, 0, None, None, None, None),
-                (malformed, 1, "expected element name", 2, 2, None),
-                (broken, 2, NAMELESS, None, None, "tarn > cmData > managedObject:A-1 > p > "),
-                (unloadable, 2, "The 'cmData' element has no attribute 'type'", None, None, None),
-                (missing, 5, "No such file or directory", None, None, None))])
+             "path": path, "dn": dn}
+            for file, code, message, line, column, path, dn in (
+                (good, 0, None, None, None, None, None),
+                (malformed, 1, "expected element name", 2, 2, None, None),
+                (broken, 2, NAMELESS, 1, 109, "tarn > cmData > managedObject:A-1 > p > ", "A-1"),
+                (unloadable, 2, "The 'cmData' element has no attribute 'type'", 1, 7,
+                 "tarn > cmData > ", None),
+                (missing, 5, "No such file or directory", None, None, None, None))])
 
     def test_json_of_all_violations(self):
         path = self.file(document("", header="<header><log/></header>"))
@@ -172,7 +275,7 @@ class CheckTest(CommandCase):
             if good:
                 expected_out.append(f"{files[-1]}: ok")
             else:
-                expected_err.append(files[-1])
+                expected_err.append(f"{files[-1]}:1:40")
         for jobs in ("0", "1", "8"):
             result = tarn("check", "--jobs", jobs, *files)
             self.assertEqual(result.returncode, 2)
@@ -183,23 +286,24 @@ class CheckTest(CommandCase):
     def test_standard_input(self):
         good = document(managed_object("A-1")).encode()
         self.expect(tarn("check", "-", input=good), 0, "-: ok\n")
-        self.expect(tarn("check", "-", input=b"<tarn>\n<foo/>"), 1, "",
+        self.expect(tarn("check", "-", input=b"<tarn>\n<foo/></tarn>"), 1, "",
                     "-:2:5: error: unknown TARN object\n")
-        with open(self.file("<tarn>\n<foo/>"), "rb") as file:
+        with open(self.file("<tarn>\n<foo/></tarn>"), "rb") as file:
             self.expect(tarn("check", "-", stdin=file), 1, "",
                         "-:2:5: error: unknown TARN object\n")
 
     def test_names_with_control_characters_stay_on_one_line(self):
         path = self.file(document(managed_object("A&#10;&#27;[2J")))
         self.expect(tarn("check", path), 2, "",
-                    f"{path}: error: Invalid distinguished name: 'A\\x0A\\x1B[2J'\n")
+                    f"{path}:1:69: A\\x0A\\x1B[2J: error: "
+                    "Invalid distinguished name: 'A\\x0A\\x1B[2J'\n")
 
     def test_log_lines_come_when_asked_for(self):
         path = self.file(document(""))
         message = "The 'tarn > cmData > ' element has 0 child 'managedObject' elements." \
                   "  Expected: 1"
         usual = tarn("check", path).stderr.decode()
-        self.assertEqual(usual, f"{path}: error: {message}\n")
+        self.assertEqual(usual, f"{path}:1:40: error: {message}\n")
         self.assertEqual(tarn("--log-level", "none", "check", path).stderr.decode(), usual)
         self.assertEqual(tarn("--log-level", "error", "check", path).stderr.decode(), usual)
         lines = tarn("check", "--log-level", "debug", path).stderr.decode().splitlines()

@@ -53,7 +53,7 @@ class CommandTest(CommandCase):
     def test_broken_rule_is_reported_with_status_2(self):
         path = self.file("<tarn><cmData/></tarn>")
         self.expect(tarn("print", path), 2, b"",
-                    f"{path}: error: The 'cmData' element has no attribute 'type'\n".encode())
+                    f"{path}:1:7: error: The 'cmData' element has no attribute 'type'\n".encode())
 
     def test_missing_file_and_folder_are_reported_with_status_5(self):
         path = os.path.join(self.folder, "none.xml")

@@ -136,7 +136,7 @@ class MergeTest(CommandCase):
         missing = self.path("missing.xml")
         for path, status, message in (
                 (malformed, 1, ":2:2: error: expected element name"),
-                (broken, 2, ": error: 'wrong' is not a valid value of 'cmData' attribute 'type'"),
+                (broken, 2, ":1:7: error: 'wrong' is not a valid value of 'cmData' attribute 'type'"),
                 (missing, 5, ": error: No such file or directory")):
             self.expect_untouched(tarn("merge", "--in-place", self.source, path), status,
                                   f"{path}{message}\n")
@@ -145,7 +145,7 @@ class MergeTest(CommandCase):
 
     def test_validate_checks_source_deltas_and_result(self):
         bad = self.file(document(managed_object("A")), "bad.xml")
-        message = ": error: Invalid distinguished name: 'A'\n"
+        message = ":1:69: A: error: Invalid distinguished name: 'A'\n"
         self.assertEqual(tarn("merge", self.source, bad).returncode, 0)
         self.expect_untouched(tarn("merge", "--validate", self.source, bad), 2, bad + message)
         self.expect_untouched(tarn("merge", "--validate", bad, self.delta), 2, bad + message)

@@ -209,7 +209,7 @@ class EscapeTest(CommandCase):
         shown = self.path("a\\x1B[2J")
         delta = self.file(document(managed_object("B-1", "create")), "d\u0090")
         shown_delta = self.path("d\\xC2\\x90")
-        bad = self.file("<tarn>\n<", "bad\x07")
+        bad = self.file("<tarn/>\n<", "bad\x07")
         os.link(path, self.path("other"))
         self.expect(tarn("set", path, "--p", "x=1", "--in-place"), 0,
                     f"{shown}: 1 object matched\n",
@@ -232,7 +232,7 @@ class EscapeTest(CommandCase):
         self.assertIn(shown, tarn("tree", path).stdout)
         broken = self.file(document(managed_object("A\u009b")))
         result = tarn("--log-level", "debug", "check", broken)
-        self.assertEqual(result.stderr.count(b"A\\xC2\\x9B"), 2)
+        self.assertEqual(result.stderr.count(b"A\\xC2\\x9B"), 3)
         self.assertNotIn(b"\xc2\x9b", result.stderr)
 
     def test_json_stays_json(self):

@@ -86,7 +86,11 @@ class FormatTest(CommandCase):
                 for word, meaning in words.items():
                     message = message.replace(word, meaning)
                 path = self.file(text)
-                self.expect(tarn("check", path), 2, err=f"{path}: error: {message}\n")
+                result = tarn("check", path)
+                self.assertEqual(result.returncode, 2)
+                self.assertRegex(result.stderr.decode(),
+                                 rf"^{re.escape(path)}:\d+:\d+(: [^:]+)?: error: {re.escape(message)}\n"
+                                 r"(.*: note: the first one is here\n)?$")
 
     def test_each_rule_has_a_row_and_is_asked_by_the_validator(self):
         with open("src/libTARN/model/validation/rules.hpp", encoding="utf-8") as file:
@@ -106,7 +110,8 @@ class FormatTest(CommandCase):
                 self.assertTrue(message in self.documented)
                 result = tarn("check", self.file(text))
                 self.assertEqual(result.returncode, 1)
-                self.assertRegex(result.stderr.decode(), f": error: {re.escape(message)}\n$")
+                first = result.stderr.decode().splitlines()[0]
+                self.assertTrue(first.endswith(f": error: {message}"), first)
 
     def test_example_is_taken_and_printed_again(self):
         with open("docs/format.md", encoding="utf-8") as file:

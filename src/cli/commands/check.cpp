@@ -25,7 +25,6 @@
 
 namespace tarn {
 
-using libtarn::model::validation::Violation;
 using libtarn::util::TextPosition;
 
 namespace {
@@ -39,52 +38,73 @@ struct CheckRequest {
 
 constexpr const char* NO_MEMORY = "not enough memory";
 
+void report(const std::string& path, const Fault& fault) {
+  std::string subject = subjectAt(path, fault.place);
+  if (!fault.distName.empty()) subject = subjectOf(subject, fault.distName);
+  reportError(errorLine(subject, fault.message));
+  if (!fault.note.empty()) reportNote(subjectAt(path, fault.notePlace), fault.note);
+}
+
 void report(const std::string& path, const Finding& finding) {
   if (finding.lacksMemory()) return reportError(errorLine(path, NO_MEMORY));
   if (finding.error) return reportError(finding.error->what());
   if (finding.status == Status::Done) {
     return writeOutput(fmt::format("{}: {}\n", printable(path), styled(Style::Good, "ok")));
   }
-  for (const Violation& violation : finding.violations) {
-    reportError(errorLine(path, violation.message));
-  }
-  if (const std::size_t leftOut = finding.violationCount - finding.violations.size()) {
-    reportError(errorLine(path, fmt::format("{} more violations", leftOut)));
+  for (const Fault& fault : finding.faults) report(path, fault);
+  if (const std::size_t leftOut = finding.faultCount - finding.faults.size()) {
+    reportError(errorLine(
+        path, fmt::format("{} more {}", leftOut, leftOut == 1 ? "violation" : "violations")));
   }
 }
 
-Json placeOf(const Finding& finding, std::size_t TextPosition::*coordinate) {
-  if (!finding.error || !finding.error->place()) return nullptr;
-  return *finding.error->place().*coordinate;
+Json orNull(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
+
+void addPlace(Json& json, const std::optional<TextPosition>& place) {
+  json["line"] = place ? Json(place->line) : Json(nullptr);
+  json["column"] = place ? Json(place->column) : Json(nullptr);
 }
 
-void reportJson(const std::string& path, const Finding& finding, bool all) {
-  Json json = {{"file", path},
-               {"result", static_cast<int>(finding.status)},
-               {"message", nullptr},
-               {"line", placeOf(finding, &TextPosition::line)},
-               {"column", placeOf(finding, &TextPosition::column)},
-               {"path", nullptr}};
-  if (finding.error) json["message"] = finding.error->message();
-  if (finding.lacksMemory()) json["message"] = NO_MEMORY;
-  if (!finding.path.empty()) json["path"] = finding.path;
-  if (!finding.violations.empty()) {
-    json["message"] = finding.violations.front().message;
-    json["path"] = finding.violations.front().path;
+Json jsonOf(const Fault& fault) {
+  Json json = {{"message", fault.message}};
+  addPlace(json, fault.place);
+  json["path"] = orNull(fault.path);
+  json["dn"] = orNull(fault.distName);
+  if (!fault.note.empty()) {
+    json["note"] = {{"message", fault.note}};
+    addPlace(json["note"], fault.notePlace);
   }
-  if (all) {
-    json["violationCount"] = finding.violationCount;
+  return json;
+}
+
+// The first fault, or why there is none to be had.
+Json firstOf(const Finding& finding) {
+  if (!finding.faults.empty()) return jsonOf(finding.faults.front());
+  Fault none;
+  if (finding.error) {
+    none.message = finding.error->message();
+    none.place = finding.error->place();
+  }
+  if (finding.lacksMemory()) none.message = NO_MEMORY;
+  Json json = jsonOf(none);
+  json["message"] = orNull(none.message);
+  return json;
+}
+
+void reportJson(const std::string& path, const Finding& finding, const CheckScope& scope) {
+  Json json = {{"file", path}, {"result", static_cast<int>(finding.status)}};
+  json.update(firstOf(finding));
+  if (scope.all || scope.strict) {
+    json["violationCount"] = finding.faultCount;
     json["violations"] = Json::array();
-    for (const Violation& violation : finding.violations) {
-      json["violations"].push_back({{"message", violation.message}, {"path", violation.path}});
-    }
+    for (const Fault& fault : finding.faults) json["violations"].push_back(jsonOf(fault));
   }
   writeOutput(jsonText(json) + "\n");
 }
 
 void report(const std::string& path, const Finding& finding, const CheckRequest& request) {
   if (request.json) {
-    reportJson(path, finding, request.scope.all);
+    reportJson(path, finding, request.scope);
   } else {
     report(path, finding);
   }
@@ -210,9 +230,7 @@ Status checkAndReport(std::size_t number, const CheckRequest& request, Workers* 
 }
 
 // Returns the highest status of the files.
-Status checkFiles(const CheckRequest& asked) {
-  CheckRequest request = asked;
-  request.scope.wantsPath = request.json;
+Status checkFiles(const CheckRequest& request) {
   Status highest = Status::Done;
   std::optional<Workers> workers;
   try {
@@ -234,6 +252,8 @@ void addCheck(CommandLine& line) {
   options.addNumber("--limit", request.scope.limit,
                     "Most violations to report for a file; 0 for all that fit 64 MiB");
   options.allowOnlyWith("--limit", "--all");
+  options.addFlag("--strict", request.scope.strict,
+                  "Report every violation, and what a conforming XML parser refuses");
   options.addFlag("--json", request.json, "Write a JSON object for each file, on a line");
   options.addNumber("--jobs", request.jobs,
                     "Documents to validate at a time; 0 for as many as there are cores");

@@ -2,22 +2,20 @@
 
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "documents/documentFile.hpp"
-#include "libtarn/model/validation/Validator.hpp"
+#include "documents/faults.hpp"
+#include "libtarn/model/ResultCodes.hpp"
 #include "output/HostLog.hpp"
 
 namespace tarn {
 
 using libtarn::model::Diagnostic;
 using libtarn::model::LibTarnDocument;
-using libtarn::model::validation::Validator;
+using libtarn::model::ParseResult;
 
 namespace {
-
-// Limits the messages and paths of a file's violations, which could otherwise grow with the square
-// of the file's size.
-constexpr std::size_t MOST_VIOLATION_BYTES = std::size_t{64} << 20U;
 
 // Allocates no memory.
 Finding withoutMemory() {
@@ -27,51 +25,40 @@ Finding withoutMemory() {
   return finding;
 }
 
-void collect(Document& document, std::size_t limit, Finding& finding) {
-  const int result =
-      document.validate(&finding.violations, limit, MOST_VIOLATION_BYTES, &finding.violationCount);
-  if (result == 0) return;
-  HostLog::takeError();  // the violations hold the same message
-  finding.status = Status::RuleBroken;
+// Most files are valid, and the static validate() shows that without a document. Log lines need a
+// document.
+Diagnostic validate(TextFile& file) {
+  if (!HostLog::isAskedFor()) {
+    return LibTarnDocument::validate([&file] { return file.read(); });
+  }
+  Document document;
+  document.parse(file.read(), true);
+  return document.getDiagnostic();
 }
 
-// Not every error has the path of the element. To find it costs a second walk.
-void findPath(Document& document, Finding& finding) {
-  Finding first;
-  collect(document, 1, first);
-  const bool isThatOne =
-      !first.violations.empty() && first.violations.front().message == finding.error->message();
-  if (isThatOne) finding.path = first.violations.front().path;
-}
-
-// Most files are valid, and the static validate() shows that without a document. Log lines and
-// paths of violations need a document.
-bool isValid(TextFile& file, const CheckScope& scope) {
-  if (HostLog::isAskedFor()) return false;
-  const Diagnostic found = LibTarnDocument::validate([&file] { return file.read(); });
-  const bool isDocumentWanted = scope.all || scope.wantsPath;
-  if (found.code != 0 && !isDocumentWanted) throwRefused(file, found);
-  HostLog::takeError();
-  return found.code == 0;
+Status statusOf(const Diagnostic& diagnostic, const Faults& faults) {
+  if (diagnostic.code == ParseResult::BrokenRule) return Status::RuleBroken;
+  return faults.count > 0 ? Status::Malformed : Status::Done;
 }
 
 Finding checkInMemory(const std::string& path, const CheckScope& scope) {
   Finding finding;
-  Document document;
   try {
     TextFile file(path);
-    if (isValid(file, scope)) {
-      // Nothing to be reported.
-    } else if (scope.all) {
-      loadDocument(file, document);
-      collect(document, scope.limit == 0 ? Validator::NO_LIMIT : scope.limit, finding);
-    } else {
-      loadDocument(file, document, Rules::Checked);
+    const Diagnostic diagnostic = validate(file);
+    HostLog::takeError();  // the faults hold the same message
+    Faults faults;
+    if (scope.all || scope.strict) {
+      faults = findAllFaults(file, diagnostic, scope);
+    } else if (diagnostic.code != ParseResult::Done) {
+      faults = findFault(file, diagnostic);
     }
+    finding.status = statusOf(diagnostic, faults);
+    finding.faults = std::move(faults.list);
+    finding.faultCount = faults.count;
   } catch (const CommandError& error) {
     finding.status = error.status();
     finding.error = error;
-    if (scope.wantsPath && error.status() == Status::RuleBroken) findPath(document, finding);
   }
   HostLog::flush();
   HostLog::drop();  // threads end without the held line

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "CommandError.hpp"
+#include "documents/faults.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/util/dumpTarnDocument.hpp"
@@ -35,7 +36,10 @@ void throwRefused(TextFile& file, const Diagnostic& diagnostic) {
     throw CommandError(Status::Malformed, file.path(), file.locate(diagnostic.offset),
                        diagnostic.message);
   }
-  throw CommandError(Status::RuleBroken, file.path(), diagnostic.message);
+  const Fault fault = findFault(file, diagnostic).list.front();
+  std::string subject = subjectAt(file.path(), fault.place);
+  if (!fault.distName.empty()) subject = subjectOf(subject, fault.distName);
+  throw CommandError(Status::RuleBroken, subject, fault.message);
 }
 
 LibTarnCmData& requireCmData(const Document& document, const std::string& path) {

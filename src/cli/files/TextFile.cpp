@@ -9,11 +9,14 @@
 
 #include "CommandError.hpp"
 #include "files/blockSizes.hpp"
+#include "libtarn/util/XmlCheck.hpp"
 #include "output/terminal.hpp"
 
 namespace tarn {
 
 using libtarn::util::TextPosition;
+using libtarn::util::XmlFault;
+using libtarn::util::XmlFaults;
 
 namespace {
 
@@ -57,27 +60,81 @@ std::vector<char> TextFile::read() {
 
 // For the library a NUL ends the text. In a file it is a fault, not an early end.
 void TextFile::refuseNul(const std::vector<char>& text, std::size_t distanceFromEnd) const {
+  const XmlFaults faults = libtarn::util::checkXml({text.data(), text.size()}, 1);
+  const XmlFault& first = faults.list.front();
+  if (first.kind == XmlFault::Kind::Encoding) {
+    throw CommandError(Status::Malformed, path_, {1, 1}, first.message);
+  }
   throw CommandError(Status::Malformed, path_,
                      libtarn::util::locate(text.data(), text.size() - distanceFromEnd),
                      "unexpected NUL byte");
 }
 
-// Counts block by block, so that a fault in a large file needs no memory for the whole text.
 TextPosition TextFile::locate(std::size_t offset) {
-  if (!file_.isSeekable()) return libtarn::util::locate(copy_.data(), offset);
+  return locate(std::vector<std::size_t>{offset}).front();
+}
+
+namespace {
+
+/// Follows a text from its start and finds the places of ascending offsets.
+class PlaceFinder {
+ public:
+  explicit PlaceFinder(const std::vector<std::size_t>& offsets) : offsets_(offsets) {
+    places_.reserve(offsets.size());
+  }
+
+  bool isDone() const { return places_.size() == offsets_.size(); }
+
+  /// The next `size` bytes of the text.
+  void read(const char* text, std::size_t size) {
+    const std::size_t end = offset_ + size;
+    while (!isDone() && offsets_[places_.size()] <= end) {
+      const std::size_t step = offsets_[places_.size()] - offset_;
+      advance(text, step);
+      text += step;
+      places_.push_back(place_);
+    }
+    advance(text, end - offset_);
+  }
+
+  /// Offsets after the end of the text are at its end.
+  std::vector<TextPosition> take() {
+    places_.resize(offsets_.size(), place_);
+    return std::move(places_);
+  }
+
+ private:
+  void advance(const char* text, std::size_t size) {
+    const TextPosition step = libtarn::util::locate(text, size);
+    place_.column = step.line > 1 ? step.column : place_.column + step.column - 1;
+    place_.line += step.line - 1;
+    offset_ += size;
+  }
+
+  const std::vector<std::size_t>& offsets_;
+  std::vector<TextPosition> places_;
+  std::size_t offset_ = 0;
+  TextPosition place_{1, 1};
+};
+
+}  // namespace
+
+// Reads block by block, so that a fault in a large file needs no memory for the whole text.
+std::vector<TextPosition> TextFile::locate(const std::vector<std::size_t>& offsets) {
+  PlaceFinder finder(offsets);
+  if (!file_.isSeekable()) {
+    if (!copy_.empty()) finder.read(copy_.data(), copy_.size() - 1);
+    return finder.take();
+  }
   file_.rewind();
   std::vector<char> block(READ_BLOCK + 1);
-  TextPosition place{1, 1};
-  while (offset > 0) {
-    const std::size_t count = file_.read(block.data(), std::min(offset, READ_BLOCK));
+  while (!finder.isDone()) {
+    const std::size_t count = file_.read(block.data(), READ_BLOCK);
     if (count == 0) break;
     block[count] = '\0';
-    const TextPosition step = libtarn::util::locate(block.data(), count);
-    place.column = step.line > 1 ? step.column : place.column + step.column - 1;
-    place.line += step.line - 1;
-    offset -= count;
+    finder.read(block.data(), count);
   }
-  return place;
+  return finder.take();
 }
 
 }  // namespace tarn

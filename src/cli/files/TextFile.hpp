@@ -18,10 +18,12 @@ class TextFile {
   const std::string& path() const { return path_; }
 
   /// Reads the whole text and appends a terminating NUL. May be called again. A NUL within the text
-  /// is malformed.
+  /// is malformed, unless it shows that the text is in another encoding, which is then the error.
   std::vector<char> read();
   /// Line and column of the byte at `offset` in a text that read() returned.
   libtarn::util::TextPosition locate(std::size_t offset);
+  /// Line and column of each of `offsets`, which ascend. Reads the file once.
+  std::vector<libtarn::util::TextPosition> locate(const std::vector<std::size_t>& offsets);
 
  private:
   [[noreturn]] void refuseNul(const std::vector<char>& text, std::size_t distanceFromEnd) const;
