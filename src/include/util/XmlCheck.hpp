@@ -66,9 +66,10 @@ struct XmlFault {
   std::string message;
   /// Where, in bytes from the start of the text: a byte order mark counts.
   std::size_t offset = 0;
-  /// A second place, with words of its own: where an element without end tag was opened, where an
-  /// attribute stood first. NO_OFFSET and no words when one place says all.
+  /// A second place: where an element without end tag was opened, where an attribute stood first.
+  /// NO_OFFSET when one place says all.
   std::size_t relatedOffset = NO_OFFSET;
+  /// What is at the second place; empty without one.
   std::string relatedMessage;
 };
 
