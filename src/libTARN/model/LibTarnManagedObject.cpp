@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "../text/patternText.hpp"
 #include "../util/joined.hpp"
 #include "TypedChildren.hpp"
 #include "changedDistName.hpp"
@@ -14,7 +15,6 @@
 #include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/exceptions/DuplicateElementException.hpp"
 #include "libtarn/model/exceptions/InvalidDistinguishedNameException.hpp"
-#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {
