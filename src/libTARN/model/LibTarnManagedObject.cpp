@@ -52,8 +52,8 @@ bool isOutOfIndex(const LibTarnManagedObject& object) {
 
 bool LibTarnManagedObject::hasOperation() const { return getOperation() != Operation::AUTO; }
 
-// Looks at what change() has done rather than being told by it, so that an object of a host's class
-// that has its own is explained as well.
+// Compares the object before and after change(), so that a host class with a change() of its own is
+// explained as well.
 Diagnostic LibTarnManagedObject::tryChange(const LibTarnManagedObject& pattern,
                                            const LibTarnManagedObject& values) {
   std::optional<std::string> asked;
