@@ -16,8 +16,8 @@
 #include <utility>
 #include <vector>
 
-#include "indexation/textHash.hpp"
 #include "libtarn/libtarn.hpp"
+#include "text/textHash.hpp"
 
 using namespace libtarn::model;
 

@@ -18,7 +18,7 @@
 
 #include "../model/TypedChildren.hpp"
 #include "../model/UndoLog.hpp"
-#include "../model/patternText.hpp"
+#include "../text/patternText.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/joined.hpp"
 #include "libtarn/Assertion.hpp"

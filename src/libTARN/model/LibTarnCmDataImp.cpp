@@ -7,12 +7,13 @@
 #include <string_view>
 #include <vector>
 
+#include "../text/attributeNames.hpp"
+#include "../text/patternText.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "Internals.hpp"
 #include "StagedAttribute.hpp"
 #include "TypedChildren.hpp"
-#include "attributeNames.hpp"
 #include "indexChildren.hpp"
 #include "indexation/ObjectView.hpp"
 #include "libtarn/model/LibTarnHeaderImp.hpp"
@@ -22,7 +23,6 @@
 #include "libtarn/model/indexation/ITarnIndexFactory.hpp"
 #include "libtarn/model/validation/Validator.hpp"
 #include "libtarn/util/TarnFactory.hpp"
-#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {

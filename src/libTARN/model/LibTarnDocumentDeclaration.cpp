@@ -1,8 +1,8 @@
 #include "libtarn/model/LibTarnDocumentDeclaration.hpp"
 
+#include "../text/attributeNames.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
-#include "attributeNames.hpp"
 #include "libtarn/model/exceptions/ModelException.hpp"
 #include "libtarn/model/validation/Validator.hpp"
 

@@ -3,10 +3,10 @@
 #include <cstring>
 #include <utility>
 
+#include "../text/attributeNames.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "TypedChildren.hpp"
-#include "attributeNames.hpp"
 #include "libtarn/model/LibTarnCmDataImp.hpp"
 #include "libtarn/model/LibTarnManagedObject.hpp"
 #include "libtarn/model/RefusedChange.hpp"

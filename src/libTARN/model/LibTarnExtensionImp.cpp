@@ -1,9 +1,9 @@
 #include "libtarn/model/LibTarnExtensionImp.hpp"
 
+#include "../text/attributeNames.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "TypedChildren.hpp"
-#include "attributeNames.hpp"
 #include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/exceptions/DuplicateElementException.hpp"
 #include "libtarn/model/validation/Validator.hpp"

@@ -2,11 +2,11 @@
 
 #include <deque>
 
+#include "../text/attributeNames.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "TypedChildren.hpp"
 #include "UndoLog.hpp"
-#include "attributeNames.hpp"
 #include "libtarn/model/LogImp.hpp"
 #include "libtarn/model/validation/Validator.hpp"
 #include "libtarn/util/TarnFactory.hpp"

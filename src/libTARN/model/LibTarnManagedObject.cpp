@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "../text/patternText.hpp"
 #include "../util/joined.hpp"
 #include "TypedChildren.hpp"
 #include "changedDistName.hpp"
@@ -14,7 +15,6 @@
 #include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/exceptions/DuplicateElementException.hpp"
 #include "libtarn/model/exceptions/InvalidDistinguishedNameException.hpp"
-#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {
@@ -52,8 +52,8 @@ bool isOutOfIndex(const LibTarnManagedObject& object) {
 
 bool LibTarnManagedObject::hasOperation() const { return getOperation() != Operation::AUTO; }
 
-// Looks at what change() has done rather than being told by it, so that an object of a host's class
-// that has its own is explained as well.
+// Compares the object before and after change(), so that a host class with a change() of its own is
+// explained as well.
 Diagnostic LibTarnManagedObject::tryChange(const LibTarnManagedObject& pattern,
                                            const LibTarnManagedObject& values) {
   std::optional<std::string> asked;

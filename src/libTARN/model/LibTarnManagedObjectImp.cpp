@@ -4,12 +4,13 @@
 #include <optional>
 #include <string_view>
 
+#include "../text/attributeNames.hpp"
+#include "../text/patternText.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "StagedAttribute.hpp"
 #include "TypedChildren.hpp"
 #include "UndoLog.hpp"
-#include "attributeNames.hpp"
 #include "changedDistName.hpp"
 #include "indexChildren.hpp"
 #include "libtarn/model/IDistinguishedNameValidator.hpp"
@@ -21,7 +22,6 @@
 #include "libtarn/model/indexation/ITarnIndexFactory.hpp"
 #include "libtarn/model/validation/Validator.hpp"
 #include "libtarn/util/TarnFactory.hpp"
-#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {

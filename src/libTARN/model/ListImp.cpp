@@ -2,16 +2,16 @@
 
 #include <string_view>
 
+#include "../text/attributeNames.hpp"
+#include "../text/patternText.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "TypedChildren.hpp"
-#include "attributeNames.hpp"
 #include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/ScalarImp.hpp"
 #include "libtarn/model/StructureImp.hpp"
 #include "libtarn/model/validation/Validator.hpp"
 #include "libtarn/util/TarnFactory.hpp"
-#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {

@@ -2,10 +2,10 @@
 
 #include <array>
 
+#include "../text/attributeNames.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "TypedChildren.hpp"
-#include "attributeNames.hpp"
 #include "libtarn/model/validation/Validator.hpp"
 #include "libtarn/util/TarnFactory.hpp"
 

@@ -2,13 +2,13 @@
 
 #include <cstring>
 
+#include "../text/attributeNames.hpp"
+#include "../text/patternText.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "TypedChildren.hpp"
-#include "attributeNames.hpp"
 #include "libtarn/model/validation/Validator.hpp"
 #include "libtarn/util/TarnFactory.hpp"
-#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {

@@ -1,9 +1,10 @@
 #include "libtarn/model/StructureImp.hpp"
 
+#include "../text/attributeNames.hpp"
+#include "../text/patternText.hpp"
 #include "../util/LogLocation.hpp"
 #include "../util/forbiddenClone.hpp"
 #include "TypedChildren.hpp"
-#include "attributeNames.hpp"
 #include "indexChildren.hpp"
 #include "libtarn/model/LibTarnManagedObjectImp.hpp"
 #include "libtarn/model/ListImp.hpp"
@@ -13,7 +14,6 @@
 #include "libtarn/model/indexation/ITarnIndexFactory.hpp"
 #include "libtarn/model/validation/Validator.hpp"
 #include "libtarn/util/TarnFactory.hpp"
-#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {

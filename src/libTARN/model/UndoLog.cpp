@@ -1,11 +1,11 @@
 #include "UndoLog.hpp"
 
+#include "../text/patternText.hpp"
 #include "TypedChildren.hpp"
 #include "libtarn/model/LibTarnCmDataImp.hpp"
 #include "libtarn/model/LibTarnManagedObjectImp.hpp"
 #include "libtarn/model/List.hpp"
 #include "libtarn/model/ScalarImp.hpp"
-#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "patternText.hpp"
+#include "../text/patternText.hpp"
 
 namespace libtarn {
 namespace model {

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "../text/patternText.hpp"
 #include "libtarn/Assertion.hpp"
 #include "libtarn/model/indexation/ITarnUniqueIndex.hpp"
-#include "patternText.hpp"
 
 namespace libtarn {
 namespace model {

@@ -1,7 +1,7 @@
 #include "libtarn/util/ManagedObjectBuilder.hpp"
 
 #include "../model/TypedChildren.hpp"
-#include "../model/attributeNames.hpp"
+#include "../text/attributeNames.hpp"
 #include "libtarn/model/LibTarnDocument.hpp"
 #include "libtarn/model/LibTarnManagedObjectImp.hpp"
 #include "libtarn/model/Scalar.hpp"

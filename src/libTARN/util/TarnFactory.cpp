@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "../model/attributeNames.hpp"
+#include "../text/attributeNames.hpp"
 #include "libtarn/Assertion.hpp"
 #include "libtarn/DomFactory.hpp"
 #include "libtarn/model/DistinguishedNameValidator.hpp"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
-#include "../model/attributeNames.hpp"
 #include "../model/elementWalk.hpp"
+#include "../text/attributeNames.hpp"
 #include "libtarn/model/LibTarnDocument.hpp"
 #include "libtarn/model/LibTarnDocumentInternal.hpp"
 #include "libtarn/model/List.hpp"

@@ -18,10 +18,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "../../text/textHash.hpp"
 #include "HashedObject.hpp"
 #include "libtarn/model/indexation/TarnAllocator.hpp"
 #include "libtarn/model/indexation/TarnCollection.hpp"
-#include "textHash.hpp"
 
 namespace libtarn {
 namespace model {

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "../patternText.hpp"
+#include "../../text/patternText.hpp"
 #include "ObjectTable.hpp"
 #include "ObjectView.hpp"
 #include "libtarn/model/indexation/CharComparePredicate.hpp"

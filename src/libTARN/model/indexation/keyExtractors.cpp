@@ -1,4 +1,4 @@
-#include "../patternText.hpp"
+#include "../../text/patternText.hpp"
 #include "libtarn/model/LibTarnManagedObject.hpp"
 #include "libtarn/model/List.hpp"
 #include "libtarn/model/Scalar.hpp"

@@ -3,11 +3,11 @@
 #include <cstring>
 #include <typeinfo>
 
+#include "../../text/attributeNames.hpp"
+#include "../../text/textHash.hpp"
 #include "../../util/LogLocation.hpp"
 #include "../Internals.hpp"
 #include "../TypedChildren.hpp"
-#include "../attributeNames.hpp"
-#include "../indexation/textHash.hpp"
 #include "../validation/keepsRules.hpp"
 #include "../validation/rules.hpp"
 #include "libtarn/Assertion.hpp"

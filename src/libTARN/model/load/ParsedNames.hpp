@@ -16,7 +16,7 @@
 #include <string_view>
 #include <vector>
 
-#include "../indexation/textHash.hpp"
+#include "../../text/textHash.hpp"
 #include "libtarn/model/indexation/TarnCollection.hpp"
 
 namespace libtarn {

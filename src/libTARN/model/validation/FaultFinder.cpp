@@ -4,11 +4,11 @@
 #include <functional>
 #include <utility>
 
+#include "../../text/attributeNames.hpp"
+#include "../../text/patternText.hpp"
 #include "../Internals.hpp"
 #include "../TypedChildren.hpp"
-#include "../attributeNames.hpp"
 #include "../parseMessages.hpp"
-#include "../patternText.hpp"
 #include "libtarn/model/IDistinguishedNameValidator.hpp"
 #include "libtarn/model/LibTarnDocumentInternal.hpp"
 #include "libtarn/model/LibTarnExtensionImp.hpp"

@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "../attributeNames.hpp"
+#include "../../text/attributeNames.hpp"
 
 namespace libtarn {
 namespace model {

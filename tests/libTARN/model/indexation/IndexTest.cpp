@@ -15,7 +15,7 @@
 #include "libtarn/model/indexation/TarnMapIndex.hpp"
 #include "libtarn/model/indexation/TarnUniqueAndNonUniqueMultiIndex.hpp"
 #include "model/indexation/HashedObject.hpp"
-#include "model/indexation/textHash.hpp"
+#include "text/textHash.hpp"
 
 namespace {
 

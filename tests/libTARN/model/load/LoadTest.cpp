@@ -11,9 +11,9 @@
 #include "libtarn/libtarn.hpp"
 #include "libtarn/model/LibTarnCmDataImp.hpp"
 #include "libtarn/model/LibTarnDocumentInternal.hpp"
-#include "model/indexation/textHash.hpp"
 #include "support/HeapCount.hpp"
 #include "support/documents.hpp"
+#include "text/textHash.hpp"
 
 // A load indexes and checks most objects during the parse. This must make no difference: every
 // document behaves as if it had been indexed in document order after the parse, and then validated
