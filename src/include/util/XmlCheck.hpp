@@ -14,6 +14,7 @@ namespace util {
 
 /// Something in a text for which a conforming parser of XML 1.0 refuses it.
 struct XmlFault {
+  /// What kind of fault it is.
   enum class Kind : std::uint8_t {
     // The whole text.
     Encoding,  ///< UTF-16, UTF-32, another declared encoding, or not in the declared US-ASCII.
@@ -60,6 +61,7 @@ struct XmlFault {
     UnclosedDoctype,
   };
 
+  /// One of the kinds above.
   Kind kind = Kind::Encoding;
   /// What is wrong, in words, without a place. Valid UTF-8 without control characters; what it
   /// quotes of the text is cut to a bounded length.

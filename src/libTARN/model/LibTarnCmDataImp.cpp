@@ -146,7 +146,8 @@ std::uint8_t LibTarnCmDataImp::removeWithoutMemory(const DistinguishedName& dist
   const bool wasChild = removeChild(&implementation<LibTarnManagedObjectImp>(*object));
   managedObjectIndex_->remove(object);
   indexUnindexed(textOrEmpty(distName.getText()));
-  return wasChild ? 0 : 1;
+  if (!wasChild) return EditResult::Refused;
+  return EditResult::Done;
 }
 
 std::size_t LibTarnCmDataImp::getManagedObjectNumber() const { return managedObjectIndex_->size(); }

@@ -150,7 +150,8 @@ std::uint8_t LibTarnManagedObjectImp::removeScalarParameter(const std::string& n
   Scalar* const parameter = scalarIndex_->find(name.c_str());
   if (!parameter) return EditResult::NoSuchElement;
   scalarIndex_->remove(name.c_str());
-  return removeChild(&implementation<ScalarImp>(*parameter)) ? 0 : 1;
+  if (!removeChild(&implementation<ScalarImp>(*parameter))) return EditResult::Refused;
+  return EditResult::Done;
 }
 
 bool LibTarnManagedObjectImp::hasListParameter(const std::string& name) const {
@@ -177,7 +178,8 @@ std::uint8_t LibTarnManagedObjectImp::removeListParameter(const std::string& nam
   List* const parameter = listIndex_->find(name.c_str());
   if (!parameter) return EditResult::NoSuchElement;
   listIndex_->remove(name.c_str());
-  return removeChild(&implementation<ListImp>(*parameter)) ? 0 : 1;
+  if (!removeChild(&implementation<ListImp>(*parameter))) return EditResult::Refused;
+  return EditResult::Done;
 }
 
 // Extensions

@@ -43,6 +43,7 @@ struct Finding {
 /// Diagnostic that such a parse leaves is the message of one of the findings.
 class TARN_API Diagnosis {
  public:
+  /// Stands for "all of them".
   static constexpr std::size_t NO_LIMIT = SIZE_MAX;
   /// Bytes of texts that findings hold, when a host asks for no other limit.
   static constexpr std::size_t DEFAULT_BYTE_LIMIT = std::size_t{16} << 20U;
