@@ -39,9 +39,7 @@ struct CheckRequest {
 constexpr const char* NO_MEMORY = "not enough memory";
 
 void report(const std::string& path, const Fault& fault) {
-  std::string subject = subjectAt(path, fault.place);
-  if (!fault.distName.empty()) subject = subjectOf(subject, fault.distName);
-  reportError(errorLine(subject, fault.message));
+  reportError(errorLine(subjectOf(path, fault), fault.message));
   if (!fault.note.empty()) reportNote(subjectAt(path, fault.notePlace), fault.note);
 }
 

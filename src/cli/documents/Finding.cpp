@@ -67,6 +67,11 @@ Finding checkInMemory(const std::string& path, const CheckScope& scope) {
 
 }  // namespace
 
+std::string subjectOf(const std::string& path, const Fault& fault) {
+  const std::string subject = subjectAt(path, fault.place);
+  return fault.distName.empty() ? subject : subjectOf(subject, fault.distName);
+}
+
 // When one file needs too much memory, the others are validated all the same.
 Finding checkFile(const std::string& path, const CheckScope& scope) {
   try {

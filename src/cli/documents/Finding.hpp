@@ -20,6 +20,9 @@ struct Fault {
   std::optional<libtarn::util::TextPosition> notePlace;
 };
 
+/// Returns the subject of the error for a fault in the file at `path`: its place, and the object.
+std::string subjectOf(const std::string& path, const Fault& fault);
+
 /// What a check found in one file.
 struct Finding {
   Status status = Status::Done;

@@ -37,9 +37,7 @@ void throwRefused(TextFile& file, const Diagnostic& diagnostic) {
                        diagnostic.message);
   }
   const Fault fault = findFault(file, diagnostic).list.front();
-  std::string subject = subjectAt(file.path(), fault.place);
-  if (!fault.distName.empty()) subject = subjectOf(subject, fault.distName);
-  throw CommandError(Status::RuleBroken, subject, fault.message);
+  throw CommandError(Status::RuleBroken, subjectOf(file.path(), fault), fault.message);
 }
 
 LibTarnCmData& requireCmData(const Document& document, const std::string& path) {

@@ -61,9 +61,8 @@ std::vector<char> TextFile::read() {
 // For the library a NUL ends the text. In a file it is a fault, not an early end.
 void TextFile::refuseNul(const std::vector<char>& text, std::size_t distanceFromEnd) const {
   const XmlFaults faults = libtarn::util::checkXml({text.data(), text.size()}, 1);
-  const XmlFault& first = faults.list.front();
-  if (first.kind == XmlFault::Kind::Encoding) {
-    throw CommandError(Status::Malformed, path_, {1, 1}, first.message);
+  if (!faults.list.empty() && faults.list.front().kind == XmlFault::Kind::Encoding) {
+    throw CommandError(Status::Malformed, path_, {1, 1}, faults.list.front().message);
   }
   throw CommandError(Status::Malformed, path_,
                      libtarn::util::locate(text.data(), text.size() - distanceFromEnd),

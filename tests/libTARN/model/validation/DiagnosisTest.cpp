@@ -854,7 +854,6 @@ TEST(DiagnosisTest, EveryAllocationMayFailAndLeavesNothing) {
 }
 
 TEST(DiagnosisTest, MapsMayFail) {
-  if (!tarn_test::canFailMaps()) GTEST_SKIP();
   const std::string text = documentText(repeated("<managedObject class='C'/>", 20000));
   std::size_t faults = 0;
   for (bool isDone = false; !isDone; ++faults) {
@@ -868,7 +867,12 @@ TEST(DiagnosisTest, MapsMayFail) {
     }
     isDone = !fault.happened();
   }
-  EXPECT_GT(faults, 2U);
+  // Under a sanitizer no map fails, and the first round is the last.
+  if (tarn_test::canFailMaps()) {
+    EXPECT_GT(faults, 2U);
+  } else {
+    EXPECT_EQ(faults, 1U);
+  }
 }
 
 }  // namespace
