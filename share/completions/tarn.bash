@@ -2,10 +2,11 @@
 
 _tarn() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local commands="check print list get set add remove merge stats tree report help"
+  local commands="check print list get set unset add remove merge stats tree report help"
   local general="--help --log-level --color"
-  local mask="--class --dn --operation --version --p --mask"
+  local selection="--class --dn --dns-from --under --dn-has --match --p --version --operation --mask --invert"
   local target="-o --output --in-place"
+  local edit="$selection $target --everything --yes"
   local command="" i
   for ((i = 1; i < COMP_CWORD; ++i)); do
     case " $commands " in *" ${COMP_WORDS[i]} "*) command=${COMP_WORDS[i]} && break ;; esac
@@ -13,21 +14,23 @@ _tarn() {
   case $previous in
     --log-level) COMPREPLY=($(compgen -W "debug info error none" -- "$word")) && return ;;
     --color) COMPREPLY=($(compgen -W "auto always never" -- "$word")) && return ;;
-    --format) COMPREPLY=($(compgen -W "table tsv json dn" -- "$word")) && return ;;
-    --operation) COMPREPLY=($(compgen -W "create delete update auto" -- "$word")) && return ;;
+    --format) COMPREPLY=($(compgen -W "table tsv csv json jsonl dn dn0" -- "$word")) && return ;;
+    --operation) COMPREPLY=($(compgen -W "create delete update auto none" -- "$word")) && return ;;
   esac
   local options=""
   case $command in
     "") options="$commands --version" ;;
     check) options="--all --limit --strict --json --jobs" ;;
     print) options="-o --output" ;;
-    list) options="$mask --format" ;;
+    list) options="$selection --format --columns --values --sort --limit --count --count-by --byte-order" ;;
     get) ;;
-    set) options="--mask-class --dn --operation --mask-version --mask-p --mask --class --version --p --values $target" ;;
-    add | remove) options=$target ;;
+    set) options="$edit --set --set-class --set-version --values --create --only-existing" ;;
+    unset) options=$edit ;;
+    add) options=$target ;;
+    remove) options="$edit --recursive" ;;
     merge) options="$target --check-only --validate" ;;
-    stats) options="--json" ;;
-    tree) options="--depth --dn" ;;
+    stats) options="$selection --json" ;;
+    tree) options="$selection --depth --byte-order" ;;
     report) options="-o --output" ;;
     help) options=$commands ;;
   esac

@@ -2,9 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <string_view>
 #include <system_error>
 
 #include "output/printable.hpp"
+#include "output/terminal.hpp"
 
 namespace tarn {
 
@@ -20,6 +22,12 @@ CommandError::CommandError(Status status, const std::string& subject, TextPositi
       message_(message),
       place_(place) {}
 
+CommandError::CommandError(Status status, const std::string& subject, const std::string& message,
+                           const MarkedText& marked)
+    : std::runtime_error(errorLine(subject, message) + "\n" + marked.lines),
+      status_(status),
+      message_(message) {}
+
 std::string subjectOf(const std::string& path, const std::string& distName) {
   return path + ": " + distName;
 }
@@ -34,6 +42,12 @@ std::string errorLine(const std::string& subject, const std::string& message) {
 
 void throwUsageError(const std::string& message) {
   throw CommandError(Status::UsageError, "tarn", message);
+}
+
+void throwUsageError(const std::string& message, const std::string& text, std::size_t offset) {
+  const std::size_t width = displayWidth(printable(std::string_view(text).substr(0, offset)));
+  throw CommandError(Status::UsageError, "tarn", message,
+                     MarkedText{"  " + printable(text) + "\n  " + std::string(width, ' ') + "^"});
 }
 
 void throwFileError(const std::string& path, int error) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -19,6 +20,11 @@ enum class Status {
   UsageError = 64,  ///< The command line is wrong.
 };
 
+/// Lines that follow a report: a text and, below it, a mark at the place of the error.
+struct MarkedText {
+  std::string lines;
+};
+
 /// Ends a command with an exit status and a report to the user: "SUBJECT: error: MESSAGE", or
 /// "SUBJECT:LINE:COLUMN: error: MESSAGE". The report is one line of printable characters, also when
 /// subject or message hold texts of a document.
@@ -28,6 +34,8 @@ class CommandError : public std::runtime_error {
   CommandError(Status status, const std::string& subject, const std::string& message);
   CommandError(Status status, const std::string& subject, libtarn::util::TextPosition place,
                const std::string& message);
+  CommandError(Status status, const std::string& subject, const std::string& message,
+               const MarkedText& marked);
 
   Status status() const { return status_; }
   const std::string& message() const { return message_; }
@@ -50,6 +58,10 @@ std::string errorLine(const std::string& subject, const std::string& message);
 
 /// Throws a CommandError for wrong usage.
 [[noreturn]] void throwUsageError(const std::string& message);
+/// Throws a CommandError for the text of an option that cannot be read. Two more lines show the
+/// text and mark the byte at `offset` in it.
+[[noreturn]] void throwUsageError(const std::string& message, const std::string& text,
+                                  std::size_t offset);
 /// Throws a CommandError for a file that cannot be read or written; `error` is the errno.
 [[noreturn]] void throwFileError(const std::string& path, int error);
 /// Throws the CommandError for a file that somebody else has changed since the command began.

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <cstddef>
 
+#include "CommandError.hpp"
+
 namespace tarn {
 
 namespace {
@@ -30,6 +32,11 @@ void Options::addArguments(const char* name, std::vector<std::string>& values, c
   app_.add_option(name, values, help)->required();
 }
 
+void Options::addOptionalArguments(const char* name, std::vector<std::string>& values,
+                                   const char* help) {
+  app_.add_option(name, values, help);
+}
+
 void Options::addOptionalArgument(const char* name, std::string& value, const char* help) {
   app_.add_option(name, value, help);
 }
@@ -43,6 +50,13 @@ void Options::addText(const std::string& option, const char* form, std::string& 
   app_.add_option(option, value, help)->type_name(form);
 }
 
+void Options::addOptionalText(const std::string& option, const char* form,
+                              std::optional<std::string>& value, const char* help) {
+  app_.add_option_function<std::string>(
+          option, [&value](const std::string& text) { value = text; }, help)
+      ->type_name(form);
+}
+
 void Options::addTexts(const std::string& option, const char* form,
                        std::vector<std::string>& values, const char* help) {
   app_.add_option(option, values, help)->type_name(form)->allow_extra_args(false);
@@ -52,6 +66,15 @@ void Options::addWord(const std::string& option, const char* form, std::string& 
                       const std::vector<std::string>& words, const char* help) {
   app_.add_option(option, value, help)
       ->type_name(form)
+      ->check(CLI::IsMember(words).description(listOf(words)));
+}
+
+void Options::addWords(const std::string& option, const char* form,
+                       std::vector<std::string>& values, const std::vector<std::string>& words,
+                       const char* help) {
+  app_.add_option(option, values, help)
+      ->type_name(form)
+      ->allow_extra_args(false)
       ->check(CLI::IsMember(words).description(listOf(words)));
 }
 
@@ -82,6 +105,13 @@ void Options::addNumberedChoice(const std::string& option, const char* form,
       ->type_name(form)
       ->transform(transformer)
       ->default_str(shown);
+}
+
+void Options::refuseFormer(const std::string& option, const std::string& successor) {
+  const auto refuse = [option, successor](const std::string& /*value*/) {
+    throwUsageError("there is no option '" + option + "' any more; use " + successor);
+  };
+  app_.add_option_function<std::string>(option, refuse)->group("");
 }
 
 void Options::require(const std::string& option) { app_.get_option(option)->required(); }

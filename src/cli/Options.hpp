@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,8 @@ class Options {
   void addArgument(const char* name, std::string& value, const char* help);
   /// Adds a positional argument that takes one value or more.
   void addArguments(const char* name, std::vector<std::string>& values, const char* help);
+  /// Adds a positional argument that takes any number of values.
+  void addOptionalArguments(const char* name, std::vector<std::string>& values, const char* help);
   /// Adds a positional argument that may be left out.
   void addOptionalArgument(const char* name, std::string& value, const char* help);
 
@@ -31,12 +34,18 @@ class Options {
   void addFlag(const std::string& option, bool& value, const char* help);
   /// Adds an option that takes any text. The help shows `form` for the text.
   void addText(const std::string& option, const char* form, std::string& value, const char* help);
+  /// Adds an option that takes any text and knows whether it was given.
+  void addOptionalText(const std::string& option, const char* form,
+                       std::optional<std::string>& value, const char* help);
   /// Adds an option that takes a text and may be repeated.
   void addTexts(const std::string& option, const char* form, std::vector<std::string>& values,
                 const char* help);
   /// Adds an option that takes one of `words`.
   void addWord(const std::string& option, const char* form, std::string& value,
                const std::vector<std::string>& words, const char* help);
+  /// Adds an option that takes one of `words` and may be repeated.
+  void addWords(const std::string& option, const char* form, std::vector<std::string>& values,
+                const std::vector<std::string>& words, const char* help);
   /// Adds an option that takes one of `words`, each of which stands for a value. The help shows the
   /// word for what `value` holds now.
   template <class Value>
@@ -49,6 +58,8 @@ class Options {
   /// Adds an option that takes 1 or more. The help shows what `value` holds now.
   void addPositiveNumber(const std::string& option, std::size_t& value, const char* help);
 
+  /// Refuses an option of an earlier version. The message names `successor`, the option of today.
+  void refuseFormer(const std::string& option, const std::string& successor);
   /// Makes an option that was added mandatory.
   void require(const std::string& option);
   /// Shows in the help what the variable of `option` holds now.

@@ -8,6 +8,7 @@
   COMMAND(addList)             \
   COMMAND(addGet)              \
   COMMAND(addSet)              \
+  COMMAND(addUnset)            \
   COMMAND(addAdd)              \
   COMMAND(addRemove)           \
   COMMAND(addMerge)            \

@@ -17,22 +17,33 @@ void addTarget(Options& options, Target& target) {
   options.exclude("--in-place", "--output");
 }
 
-void addSelection(Options& options, const std::string& prefix, Selection& selection) {
-  const std::string className = "--" + prefix + "class";
-  const std::string version = "--" + prefix + "version";
-  const std::string parameter = "--" + prefix + "p";
-  options.addText(className, "C", selection.className, "Of this class");
-  options.addText("--dn", "TEXT", selection.distName, "With this text in the name");
-  options.addWord("--operation", "O", selection.operation, {"create", "delete", "update", "auto"},
-                  "With this operation");
-  options.addText(version, "V", selection.version, "Of this version");
-  options.addTexts(parameter, "NAME[=VALUE]", selection.parameters,
-                   "With this parameter; may be repeated");
-  options.addText("--mask", "FILE", selection.file, "That match the first object of this document");
-  for (const std::string& part :
-       {className, std::string("--dn"), std::string("--operation"), version, parameter}) {
-    options.exclude(part, "--mask");
-  }
+void addEdit(Options& options, EditOptions& edit) {
+  addTarget(options, edit.target);
+  options.addFlag("--everything", edit.everything, "Select all objects");
+  options.addFlag("--yes", edit.yes, "Do not ask before more than 1,000 objects are changed");
+}
+
+void addSelection(Options& options, Selection& selection) {
+  options.addTexts("--class", "C", selection.classes, "Of this class");
+  options.addTexts("--dn", "DN", selection.distNames, "With exactly this name");
+  options.addText("--dns-from", "FILE", selection.distNamesFile,
+                  "With a name that this file lists; - is standard input");
+  options.addTexts("--under", "DN", selection.above, "Of this name and all below it");
+  options.addTexts("--dn-has", "TEXT", selection.nameParts, "With this text in the name");
+  options.addTexts("--match", "GLOB", selection.globs,
+                   "With a name that matches; * and ? match no /");
+  options.addTexts("--p", "CONDITION", selection.conditions,
+                   "With such a value: NAME, NAME=VALUE, also != < <= > >= ~");
+  options.addTexts("--version", "V", selection.versions, "Of this version");
+  options.addWords("--operation", "O", selection.operations,
+                   {"create", "delete", "update", "auto", "none"}, "With this operation");
+  options.addText("--mask", "FILE", selection.maskFile,
+                  "That match the first object of this document");
+  options.addFlag("--invert", selection.invert, "Select what the options do not");
+}
+
+void addNameOrder(Options& options, bool& byteOrder) {
+  options.addFlag("--byte-order", byteOrder, "Order names by their bytes: SITE-10 before SITE-2");
 }
 
 }  // namespace tarn

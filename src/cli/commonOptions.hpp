@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Options.hpp"
+#include "documents/Edit.hpp"
 #include "documents/Selection.hpp"
 #include "files/Destination.hpp"
 
@@ -19,8 +20,13 @@ void addOutput(Options& options, std::string& output);
 /// Adds `--output` and `--in-place`.
 void addTarget(Options& options, Target& target);
 
-/// Adds the options that select managed objects. `prefix` renames those that the command uses for
-/// something else: "mask-" gives `--mask-class`.
-void addSelection(Options& options, const std::string& prefix, Selection& selection);
+/// Adds the options of a command that changes a document.
+void addEdit(Options& options, EditOptions& edit);
+
+/// Adds the options that select managed objects.
+void addSelection(Options& options, Selection& selection);
+
+/// Adds `--byte-order`.
+void addNameOrder(Options& options, bool& byteOrder);
 
 }  // namespace tarn

@@ -17,7 +17,7 @@ sys.path.insert(0, os.path.join(os.path.dirname(__file__), "support"))
 from command_case import TARN, CommandCase, document, main, managed_object, run, tarn  # noqa: E402
 
 SOURCE = document(managed_object("A-1", body='<p name="x">1</p>'))
-CHANGE = ["set", "--p", "x=2", "--in-place"]
+CHANGE = ["set", "--everything", "--create", "--set", "x=2", "--in-place"]
 PRINTED = tarn("print", "-", input=SOURCE.encode()).stdout
 
 ACCESS_LIST = "system.posix_acl_access"
@@ -70,7 +70,7 @@ class FilesCase(CommandCase):
 
     def change(self, path=None, command=tarn):
         path = path or self.source
-        self.expect(command(*CHANGE, path), 0, f"{path}: 1 object matched\n")
+        self.expect(command(*CHANGE, path), 0, f"{path}: 1 of 1 object changed, 1 value set\n")
         self.assertIn(b">2<", self.read(path))
 
     def expect_refused(self, result, message, path=None):
@@ -245,8 +245,8 @@ class NameTest(FilesCase):
 
     def test_name_that_ends_as_the_system_marks_removed_files(self):
         marked = self.file(SOURCE, "source.xml (deleted)")
-        self.expect(tarn("set", marked, "--p", "y=1", "-o", self.source), 0,
-                    f"{marked}: 1 object matched\n")
+        self.expect(tarn("set", marked, "--everything", "--create", "--set", "y=1", "-o", self.source), 0,
+                    f"{marked}: 1 of 1 object changed, 1 value set\n")
 
     def test_paths_may_be_as_long_as_the_kernel_allows(self):
         limit = os.pathconf(self.folder, "PC_PATH_MAX") - 1
@@ -291,8 +291,8 @@ class KindTest(FilesCase):
         read = []
         reader = threading.Thread(target=lambda: read.append(self.read(fifo)))
         reader.start()
-        self.expect(tarn("set", self.source, "--p", "y=1", "-o", fifo), 0,
-                    f"{self.source}: 1 object matched\n")
+        self.expect(tarn("set", self.source, "--everything", "--create", "--set", "y=1", "-o", fifo), 0,
+                    f"{self.source}: 1 of 1 object changed, 1 value set\n")
         reader.join()
         self.assertIn(b'name="y"', read[0])
         self.assertTrue(stat.S_ISFIFO(os.stat(fifo).st_mode))
@@ -309,10 +309,11 @@ class OpenFileTest(FilesCase):
             path = self.file("before\n", "out")
             inode = os.stat(path).st_ino
             with self.subTest(name=name), open(path, "ab") as out:
-                result = tarn("set", self.source, "--p", "x=1", "-o", name, stdout=out)
+                result = tarn("set", self.source, "--everything", "--set-class", "D", "-o", name,
+                              stdout=out)
                 self.assertEqual((result.returncode, result.stderr.decode()),
-                                 (0, f"{self.source}: 1 object matched\n"))
-                self.assertEqual(self.read(path), b"before\n" + PRINTED)
+                                 (0, f"{self.source}: 1 of 1 object changed, 1 value set\n"))
+                self.assertEqual(self.read(path), b"before\n" + PRINTED.replace(b'"C"', b'"D"'))
                 self.assertEqual(os.stat(path).st_ino, inode)
             self.expect(tarn("print", self.source, "-o", name), 0, PRINTED)
         self.assertEqual(sorted(os.listdir(self.folder)), ["link", "out", "source.xml"])
@@ -351,7 +352,7 @@ class OpenFileTest(FilesCase):
 
     def test_process_substitution(self):
         result = subprocess.run(
-            ["bash", "-c", 'exec 3>&1 >&2; "$0" set "$1" --p x=1 -o >(cat >"$2"; echo done >&3)',
+            ["bash", "-c", 'exec 3>&1 >&2; "$0" set "$1" --everything --set x=1 -o >(cat >"$2"; echo done >&3)',
              TARN, self.source, self.path("out")],
             stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
         self.assertEqual(result.stdout, b"done\n")

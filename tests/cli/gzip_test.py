@@ -53,7 +53,7 @@ class GzipTest(CommandCase):
         printed = tarn("print", self.file(GOOD)).stdout
         self.assertEqual(gzip.decompress(self.read(out)), printed)
         path = self.packed(GOOD)
-        self.assertEqual(tarn("set", path, "--p", "x=2", "--in-place").returncode, 0)
+        self.assertEqual(tarn("set", path, "--everything", "--create", "--set", "x=2", "--in-place").returncode, 0)
         self.assertIn(b'name="x">2<', gzip.decompress(self.read(path)))
 
     def test_large_text_survives_both_ways(self):

@@ -211,8 +211,8 @@ class EscapeTest(CommandCase):
         shown_delta = self.path("d\\xC2\\x90")
         bad = self.file("<tarn/>\n<", "bad\x07")
         os.link(path, self.path("other"))
-        self.expect(tarn("set", path, "--p", "x=1", "--in-place"), 0,
-                    f"{shown}: 1 object matched\n",
+        self.expect(tarn("set", path, "--everything", "--create", "--set", "x=1", "--in-place"), 0,
+                    f"{shown}: 1 of 1 object changed, 1 value set\n",
                     f"{shown}: note: other names of the file keep what it held\n")
         self.expect(tarn("merge", path, delta, "--check-only"), 0,
                     f"{shown_delta}: 1 created, 0 updated, 0 deleted\n")
@@ -242,7 +242,7 @@ class EscapeTest(CommandCase):
         self.assertIn("\\u001b\\u009B\\u202E\u6771\\u007F".encode(), result.stdout)
         objects = self.file(document(managed_object("A-1\u0085")))
         result = tarn("list", "--format", "json", objects)
-        self.assertEqual(json.loads(result.stdout)["dn"], "A-1\u0085")
+        self.assertEqual(json.loads(result.stdout)[0]["dn"], "A-1\u0085")
         self.assertNotIn(b"\xc2\x85", result.stdout)
 
     def test_progress_shows_the_name_escaped(self):
@@ -270,8 +270,8 @@ class HelpTest(CommandCase):
                 self.expect(tarn(*arguments), 64, "", f"tarn: error: {message}\n")
 
     def test_help_of_a_command_is_what_its_option_says(self):
-        for command in ("check", "print", "list", "get", "set", "add", "remove", "merge", "stats",
-                        "tree", "report"):
+        for command in ("check", "print", "list", "get", "set", "unset", "add", "remove", "merge",
+                        "stats", "tree", "report"):
             result = tarn("help", command)
             self.assertEqual((result.returncode, result.stderr), (0, b""))
             self.assertIn(f"Usage: tarn {command}".encode(), result.stdout)
@@ -294,8 +294,8 @@ class HelpTest(CommandCase):
                      "share/completions/_tarn", "share/completions/tarn.fish"):
             with open(path, encoding="utf-8") as file:
                 texts[path] = file.read()
-        commands = ("check", "print", "list", "get", "set", "add", "remove", "merge", "stats",
-                    "tree", "report", "help")
+        commands = ("check", "print", "list", "get", "set", "unset", "add", "remove", "merge",
+                    "stats", "tree", "report", "help")
         for command in commands:
             for line in tarn("help", command).stdout.decode().splitlines():
                 words = line.strip().split()
@@ -319,7 +319,8 @@ class HelpTest(CommandCase):
             return sorted(result.stdout.decode().split())
         self.assertEqual(complete("me"), ["merge"])
         self.assertEqual(complete("merge", "a", "--val"), ["--validate"])
-        self.assertEqual(complete("list", "a", "--format", ""), ["dn", "json", "table", "tsv"])
+        self.assertEqual(complete("list", "a", "--format", ""),
+                         ["csv", "dn", "dn0", "json", "jsonl", "table", "tsv"])
         self.assertEqual(complete("check", os.path.join(EXAMPLES, "netw")),
                          ["examples/network.xml", "examples/network_tour.cpp"])
 

@@ -1,38 +1,115 @@
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
-#include "documents/Outcomes.hpp"
-#include "documents/documentFile.hpp"
+#include "documents/Edit.hpp"
+#include "documents/walkObjects.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
+#include "output/counted.hpp"
+#include "output/printable.hpp"
+#include "output/terminal.hpp"
+#include "textOrEmpty.hpp"
 
 namespace tarn {
 
-using libtarn::model::LibTarnCmData;
+using libtarn::model::LibTarnManagedObject;
 
 namespace {
 
 struct RemoveRequest {
   std::string file;
   std::vector<std::string> distNames;
-  Target target;
+  Selection selection;
+  bool recursive = false;  ///< Removes what is below the objects, too.
+  EditOptions edit;
 };
 
-Status removeObjects(const RemoveRequest& request) {
-  Destination destination(request.file, request.target);
-  Document document(request.file);
-  LibTarnCmData& cmData = requireCmData(document, request.file);
-  Outcomes outcomes(request.file);
-  for (const std::string& distName : request.distNames) {
-    if (cmData.removeLibTarnManagedObject(distName.c_str()) == 0) {
-      outcomes.addDone(distName, "removed");
-    } else {
-      outcomes.addFailure(Status::NothingMatched, distName, "no such object");
+// The names given as arguments are exact names like those of --dn.
+Selection selectionOf(const RemoveRequest& request) {
+  Selection selection = request.selection;
+  selection.distNames.insert(selection.distNames.end(), request.distNames.begin(),
+                             request.distNames.end());
+  return selection;
+}
+
+std::string_view nameOf(const LibTarnManagedObject& object) {
+  return textOrEmpty(object.getDistName().getText());
+}
+
+/// Objects that are below others by their names.
+class Below {
+ public:
+  explicit Below(const Selector::Objects& objects) {
+    for (const LibTarnManagedObject* object : objects) names_.insert(nameOf(*object));
+  }
+
+  bool contains(std::string_view name) const { return names_.count(name) > 0; }
+  bool isBelow(std::string_view name) const {
+    for (std::size_t end = name.rfind('/'); end != std::string_view::npos && end > 0;
+         end = name.rfind('/', end - 1)) {
+      if (contains(name.substr(0, end))) return true;
+    }
+    return false;
+  }
+
+ private:
+  std::unordered_set<std::string_view> names_;
+};
+
+/// The objects that are neither selected nor a selected one's name, but below one.
+Selector::Objects objectsBelow(const Document& document, const Selector::Objects& selected) {
+  const Below below(selected);
+  Selector::Objects objects;
+  for (LibTarnManagedObject* object = firstObject(document); object;
+       object = object->getNextSiblingElement()) {
+    if (!below.contains(nameOf(*object)) && below.isBelow(nameOf(*object))) {
+      objects.push_back(object);
     }
   }
-  outcomes.throwIfFailed();
-  writeResult(document, destination, outcomes.report());
+  return objects;
+}
+
+// A list of few objects names them, so that a user sees what has gone.
+std::string reportOf(const std::string& path, const Selector::Objects& objects) {
+  constexpr std::size_t MOST_NAMED = 20;
+  if (objects.size() > MOST_NAMED) {
+    return fmt::format("{}: {} removed\n", printable(path), counted(objects.size(), "object"));
+  }
+  std::string report;
+  for (const LibTarnManagedObject* object : objects) {
+    report += printable(nameOf(*object)) + ": removed\n";
+  }
+  return report;
+}
+
+Status removeObjects(const RemoveRequest& request) {
+  const Selection selection = selectionOf(request);
+  requireSelection(selection, request.edit);
+  Edit edit(request.file, request.edit);
+  Selector::Objects objects = edit.select(selection);
+  const Selector::Objects below = objectsBelow(edit.document(), objects);
+  if (request.recursive) {
+    objects.insert(objects.end(), below.begin(), below.end());
+  } else if (!below.empty()) {
+    reportNote(request.file,
+               fmt::format(
+                   "{} without a parent; --recursive removes {} too",
+                   below.size() == 1 ? "1 object stays" : counted(below.size(), "object") + " stay",
+                   below.size() == 1 ? "it" : "them"));
+  }
+  edit.confirm(objects.size());
+  sortByName(objects, NameOrder::Natural);
+  const std::string report = reportOf(request.file, objects);
+  for (const LibTarnManagedObject* object : objects) {
+    edit.document().getLibTarnCmData()->removeLibTarnManagedObject(object->getDistName());
+  }
+  edit.finish(report);
   return Status::Done;
 }
 
@@ -42,8 +119,10 @@ void addRemove(CommandLine& line) {
   auto [options, request] =
       line.add<RemoveRequest>("remove", "Remove objects, all or none", removeObjects);
   addFile(options, request.file);
-  options.addArguments("DN", request.distNames, "Distinguished names of the objects");
-  addTarget(options, request.target);
+  options.addOptionalArguments("DN", request.distNames, "Distinguished names of objects");
+  addSelection(options, request.selection);
+  options.addFlag("--recursive", request.recursive, "Remove what is below the objects, too");
+  addEdit(options, request.edit);
 }
 
 }  // namespace tarn

@@ -1,24 +1,13 @@
-#include <fmt/format.h>
-
-#include <cstddef>
 #include <string>
-#include <vector>
 
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
-#include "documents/Changes.hpp"
-#include "documents/ObjectPattern.hpp"
-#include "documents/Selection.hpp"
-#include "documents/documentFile.hpp"
-#include "libtarn/model/RefusedChange.hpp"
-#include "libtarn/model/ResultCodes.hpp"
-#include "output/HostLog.hpp"
-#include "output/printable.hpp"
+#include "documents/Changer.hpp"
+#include "documents/Edit.hpp"
 
 namespace tarn {
 
-using libtarn::model::ChangeResult;
-using libtarn::model::RefusedChange;
+using libtarn::model::LibTarnManagedObject;
 
 namespace {
 
@@ -26,58 +15,51 @@ struct SetRequest {
   std::string file;
   Selection selection;
   Changes changes;
-  Target target;
+  EditOptions edit;
 };
 
-void change(Document& document, const ObjectPattern& mask, const ObjectPattern& values,
-            const std::string& path) {
-  std::vector<RefusedChange> refused;
-  document.tryChangesToMOs(mask.object(), values.object(), &refused);
-  bool isNameTaken = false;
-  for (const RefusedChange& each : refused) {
-    if (each.reason.code == ChangeResult::BrokenRule) {
-      throw CommandError(Status::RuleBroken, path, each.reason.message);
-    }
-    isNameTaken = isNameTaken || each.reason.code == ChangeResult::NameTaken;
-  }
-  if (!isNameTaken) return;
-  HostLog::takeError();  // what the refusal says, too
-  throw CommandError(Status::Conflict, path, "two objects would have one name");
-}
-
 Status setValues(const SetRequest& request) {
-  const ObjectPattern mask(request.selection);
-  const ObjectPattern values(request.changes);
-  Destination destination(request.file, request.target);
-  Document document(request.file);
-  const std::size_t count = document.getMOsMatchingMask(mask.object()).size();
-  requireSelected(request.file, count);
-  change(document, mask, values, request.file);
-  writeResult(document, destination,
-              fmt::format("{}: {} {} matched\n", printable(request.file), count,
-                          count == 1 ? "object" : "objects"));
+  if (request.changes.isEmpty()) {
+    throwUsageError(
+        "no change is given; --set NAME=VALUE, --set-class, --set-version and --values "
+        "change, --p, --class and --version select");
+  }
+  requireSelection(request.selection, request.edit);
+  Changer changer(request.changes, request.selection, request.file);
+  Edit edit(request.file, request.edit);
+  const Selector::Objects objects = edit.select(request.selection);
+  edit.confirm(objects.size());
+  for (LibTarnManagedObject* object : objects) changer.change(*object, edit.document());
+  changer.requireEachValue();
+  edit.finish(changer.report());
   return Status::Done;
 }
 
 void addChanges(Options& options, Changes& changes) {
-  options.addText("--class", "C", changes.className, "The new class");
-  options.addText("--version", "V", changes.version, "The new version");
-  options.addTexts("--p", "NAME=VALUE", changes.parameters, "A new value; may be repeated");
+  options.addTexts("--set", "NAME=VALUE", changes.values,
+                   "A new value; NAME as in tarn get: LIST[2].COMPONENT, EXTENSION.NAME");
+  options.addOptionalText("--set-class", "C", changes.className, "The new class");
+  options.addOptionalText("--set-version", "V", changes.version, "The new version");
   options.addText("--values", "FILE", changes.file,
                   "The new values: the first object of this document");
-  for (const char* const part : {"--class", "--version", "--p"}) options.exclude("--values", part);
+  options.addFlag("--create", changes.create, "Add parameters that an object does not have");
+  options.addFlag("--only-existing", changes.onlyExisting,
+                  "Change only what an object has; the default");
+  options.exclude("--create", "--only-existing");
 }
 
 }  // namespace
 
 void addSet(CommandLine& line) {
-  auto [options, request] = line.add<SetRequest>(
-      "set", "Change the objects that match; --class, --version and --p are the new values",
-      setValues);
+  auto [options, request] =
+      line.add<SetRequest>("set", "Change values of the selected objects", setValues);
   addFile(options, request.file);
-  addSelection(options, "mask-", request.selection);
+  addSelection(options, request.selection);
   addChanges(options, request.changes);
-  addTarget(options, request.target);
+  addEdit(options, request.edit);
+  options.refuseFormer("--mask-class", "--class");
+  options.refuseFormer("--mask-version", "--version");
+  options.refuseFormer("--mask-p", "--p");
 }
 
 }  // namespace tarn

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <map>
@@ -7,10 +8,11 @@
 
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
+#include "documents/Selection.hpp"
 #include "documents/documentFile.hpp"
-#include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/LibTarnManagedObject.hpp"
 #include "libtarn/util/countElements.hpp"
+#include "libtarn/util/dumpElement.hpp"
 #include "libtarn/util/dumpTarnDocument.hpp"
 #include "output/HostLog.hpp"
 #include "output/json.hpp"
@@ -21,13 +23,13 @@
 
 namespace tarn {
 
-using libtarn::model::LibTarnCmData;
 using libtarn::model::LibTarnManagedObject;
 
 namespace {
 
 struct StatsRequest {
   std::string file;
+  Selection selection;
   bool json = false;
 };
 
@@ -50,32 +52,51 @@ double millisecondsOf(Work work) {
   return time.count();
 }
 
-void countObjects(const Document& document, Stats& stats) {
-  const LibTarnCmData* const cmData = document.getLibTarnCmData();
-  if (!cmData) return;
-  stats.objects = cmData->getManagedObjectNumber();
-  for (const LibTarnManagedObject* object : cmData->getLibTarnManagedObjects()) {
+void countObjects(const Selector::Objects& objects, Stats& stats) {
+  stats.objects = objects.size();
+  for (const LibTarnManagedObject* object : objects) {
     ++stats.objectsOfClass[textOrEmpty(object->getClass())];
   }
 }
 
-std::size_t printedSize(Document& document) {
+// Elements and text of the document, or of the objects alone when there is a selection.
+void measure(Document& document, Stats& stats) {
   std::string text;
+  stats.counts = libtarn::util::countElements(document);
   libtarn::util::dumpTarnDocument(document, text);
-  return text.size();
+  stats.textBytes = text.size();
+}
+
+void measure(const Selector::Objects& objects, Stats& stats) {
+  std::string text;
+  for (const LibTarnManagedObject* object : objects) {
+    const libtarn::util::ElementCounts counts = libtarn::util::countElements(*object);
+    stats.counts.elements += counts.elements;
+    stats.counts.parameters += counts.parameters;
+    stats.counts.depth = std::max(stats.counts.depth, counts.depth);
+    text.clear();
+    libtarn::util::dumpElement(*object, text, 0);
+    stats.textBytes += text.size();
+  }
 }
 
 // Memory is taken before anything is asked of the document that builds more.
-Stats statsOf(const std::string& path) {
+Stats statsOf(const StatsRequest& request) {
   Stats stats;
   Document document;
-  stats.loadMilliseconds = millisecondsOf([&] { loadDocument(path, document); });
+  Selector selector(request.selection);
+  stats.loadMilliseconds = millisecondsOf([&] { loadDocument(request.file, document); });
   stats.memoryBytes = document.getMemorySize();
   stats.validationMilliseconds = millisecondsOf([&] { stats.isValid = document.validate() == 0; });
   HostLog::takeError();
-  stats.counts = libtarn::util::countElements(document);
-  countObjects(document, stats);
-  stats.textBytes = printedSize(document);
+  const Selector::Objects objects = selector.select(document);
+  countObjects(objects, stats);
+  if (request.selection.isEmpty()) {
+    measure(document, stats);
+  } else {
+    selector.requireFound(request.file, objects.size());
+    measure(objects, stats);
+  }
   return stats;
 }
 
@@ -116,7 +137,7 @@ std::string jsonOf(const std::string& path, const Stats& stats) {
 }
 
 Status writeStats(const StatsRequest& request) {
-  const Stats stats = statsOf(request.file);
+  const Stats stats = statsOf(request);
   writeOutput(request.json ? jsonOf(request.file, stats) : textOf(request.file, stats));
   return Status::Done;
 }
@@ -127,6 +148,7 @@ void addStats(CommandLine& line) {
   auto [options, request] =
       line.add<StatsRequest>("stats", "Report figures of a document", writeStats);
   addFile(options, request.file);
+  addSelection(options, request.selection);
   options.addFlag("--json", request.json, "Write them as JSON");
 }
 

@@ -29,6 +29,7 @@ struct TreeRequest {
   std::string file;
   Selection selection;
   std::size_t depth = USUAL_DEPTH;  ///< Segments of the names that are drawn.
+  bool byteOrder = false;
 };
 
 std::string countsOf(const ContainmentTree::Node& node) {
@@ -112,10 +113,9 @@ class Drawing {
 Status drawTree(const TreeRequest& request) {
   Document document;
   ContainmentTree tree;
-  for (const LibTarnManagedObject* object :
-       loadSelected(request.file, request.selection, document)) {
-    tree.add(*object);
-  }
+  Selector::Objects objects = loadSelected(request.file, request.selection, document);
+  sortByName(objects, request.byteOrder ? NameOrder::Bytes : NameOrder::Natural);
+  for (const LibTarnManagedObject* object : objects) tree.add(*object);
   Drawing(tree, *document.getLibTarnCmData(), request.depth).draw();
   return Status::Done;
 }
@@ -127,7 +127,8 @@ void addTree(CommandLine& line) {
       line.add<TreeRequest>("tree", "Draw the tree that the objects' names form", drawTree);
   addFile(options, request.file);
   options.addPositiveNumber("--depth", request.depth, "Segments of the names to draw");
-  options.addText("--dn", "TEXT", request.selection.distName, "Objects with this text in the name");
+  addSelection(options, request.selection);
+  addNameOrder(options, request.byteOrder);
 }
 
 }  // namespace tarn

@@ -12,8 +12,8 @@ constexpr std::size_t OUTPUT_BLOCK = std::size_t{1} << 18U;
 
 }  // namespace
 
-void LineWriter::endLine() {
-  lines_ += '\n';
+void LineWriter::endLine(char end) {
+  lines_ += end;
   if (lines_.size() >= OUTPUT_BLOCK) flush();
 }
 

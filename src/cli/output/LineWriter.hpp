@@ -10,7 +10,8 @@ class LineWriter {
  public:
   /// The text to which the caller appends the current line.
   std::string& lines() { return lines_; }
-  void endLine();
+  /// Ends the current line, with a line end or another character.
+  void endLine(char end = '\n');
   void flush();
 
  private:

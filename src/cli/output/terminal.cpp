@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -100,6 +101,15 @@ void reportNoMemory(const char* subject) {
 
 void reportNote(const std::string& subject, const std::string& message) {
   std::fprintf(stderr, "%s: note: %s\n", printable(subject).c_str(), message.c_str());
+}
+
+bool confirms(const std::string& question) {
+  if (::isatty(STDIN_FILENO) == 0 || ::isatty(STDERR_FILENO) == 0) return true;
+  std::fprintf(stderr, "%s [y/N] ", question.c_str());
+  std::array<char, 16> answer{};
+  if (!std::fgets(answer.data(), answer.size(), stdin)) return false;
+  const std::string_view text(answer.data());
+  return text == "y\n" || text == "Y\n" || text == "yes\n";
 }
 
 Progress::Progress(const char* action, const std::string& path, std::uint64_t total)

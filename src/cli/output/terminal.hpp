@@ -30,6 +30,10 @@ void reportNoMemory(const char* subject);
 /// Writes a note to standard error: "SUBJECT: note: MESSAGE".
 void reportNote(const std::string& subject, const std::string& message);
 
+/// Asks a question on standard error and returns whether the answer is yes. Returns true without
+/// asking when standard input or standard error is no terminal.
+bool confirms(const std::string& question);
+
 /// Shows the progress of a read or write on standard error if that is a terminal, after the first
 /// second, and clears it at the end. Only one is shown at a time; others show nothing.
 class Progress {

@@ -74,6 +74,24 @@ class TARN_API LibTarnDocument {
   static Diagnostic validate(Read read) {
     return validateText([](void* reader) { return (*static_cast<Read*>(reader))(); }, &read);
   }
+  /// Parses `text`, which ends with a NUL, and calls `visit()` with a LibTarnManagedObject& for
+  /// each managed object of the first cmData, in the order of the text. Keeps no object: that takes
+  /// little more memory than the text and less time than a parse.
+  ///
+  /// An object, and everything in it, may be read until `visit()` returns, and must not be changed.
+  /// Texts in it, such as its name, are valid as long as `text` is, which is parsed in place and
+  /// stays the caller's. Returns true when every object was visited. Returns false for a text that
+  /// cannot be read in this way, such as one with malformed XML or a broken rule of the model: what
+  /// was visited then counts for nothing, and parse() of the unchanged text gives the reason. Does
+  /// not validate, and logs nothing. Throws what `visit()` throws, and std::bad_alloc without
+  /// memory.
+  template <class Visit>
+  static bool visitObjects(std::vector<char>& text, Visit visit) {
+    return visitObjects(
+        text,
+        [](void* host, LibTarnManagedObject& object) { (*static_cast<Visit*>(host))(object); },
+        &visit);
+  }
   /// Validates the document as it is now: the rules of the format, and that names of objects are
   /// unique. Returns 0, or 2 for a broken rule; the first violation is logged at level ERROR.
   int validate();
@@ -130,6 +148,8 @@ class TARN_API LibTarnDocument {
  private:
   int parseImpl(std::vector<char> text, bool validate);
   static bool isKnownToBeValid(std::vector<char> text);
+  static bool visitObjects(std::vector<char>& text,
+                           void (*visit)(void* host, LibTarnManagedObject& object), void* host);
   static Diagnostic validateText(std::vector<char> (*read)(void* reader), void* reader);
   void validateTree() const;
   void validateRoot() const;

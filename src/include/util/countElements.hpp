@@ -6,8 +6,9 @@
 
 namespace libtarn {
 namespace model {
+class IElement;
 class LibTarnDocument;
-}
+}  // namespace model
 
 namespace util {
 
@@ -23,6 +24,9 @@ struct ElementCounts {
 
 /// Counts the elements of `document` in one walk, which does not recurse on the depth.
 TARN_API ElementCounts countElements(const model::LibTarnDocument& document);
+/// Counts `element` and everything below it, with a depth of 1 for `element` alone. An element of a
+/// host class that is no DOM element has none.
+TARN_API ElementCounts countElements(const model::IElement& element);
 
 }  // namespace util
 }  // namespace libtarn

@@ -123,6 +123,21 @@ bool LibTarnDocument::isKnownToBeValid(std::vector<char> text) {
   return true;
 }
 
+bool LibTarnDocument::visitObjects(std::vector<char>& text,
+                                   void (*visit)(void* host, LibTarnManagedObject& object),
+                                   void* host) {
+  if (text.empty() || text.back() != '\0') return false;
+  LibTarnDocument document(OutOfMemory::Throw);
+  try {
+    Load load(*document.domDocument_, Load::Visitor{visit, host});
+    return load.run(text.data()) == Load::Verdict::VALID;
+  } catch (const rapidxml::parse_error&) {
+    return false;
+  } catch (const exceptions::ModelException&) {
+    return false;
+  }
+}
+
 int LibTarnDocument::validate() {
   diagnostic_ = Diagnostic();
   try {

@@ -5,6 +5,8 @@
 
 #include "../model/elementWalk.hpp"
 #include "../text/attributeNames.hpp"
+#include "libtarn/DomElement.hpp"
+#include "libtarn/model/IElement.hpp"
 #include "libtarn/model/LibTarnDocument.hpp"
 #include "libtarn/model/LibTarnDocumentInternal.hpp"
 #include "libtarn/model/List.hpp"
@@ -22,18 +24,26 @@ bool isParameter(const rapidxml::xml_node<char>& element) {
          element.first_attribute(model::NAME_ATTRIBUTE);
 }
 
+ElementCounts countFrom(const rapidxml::xml_node<char>& top) {
+  ElementCounts counts;
+  model::walkElements(top, [&counts](const rapidxml::xml_node<char>& element, std::size_t depth) {
+    ++counts.elements;
+    if (isParameter(element)) ++counts.parameters;
+    counts.depth = std::max(counts.depth, depth);
+    return true;
+  });
+  return counts;
+}
+
 }  // namespace
 
 ElementCounts countElements(const model::LibTarnDocument& document) {
-  ElementCounts counts;
-  model::walkElements(*document.getItsTarnDomDocument()->getRootElement(),
-                      [&counts](const rapidxml::xml_node<char>& element, std::size_t depth) {
-                        ++counts.elements;
-                        if (isParameter(element)) ++counts.parameters;
-                        counts.depth = std::max(counts.depth, depth);
-                        return true;
-                      });
-  return counts;
+  return countFrom(*document.getItsTarnDomDocument()->getRootElement());
+}
+
+ElementCounts countElements(const model::IElement& element) {
+  const auto* const node = dynamic_cast<const libDomXml::DomElement*>(&element);
+  return node ? countFrom(*node) : ElementCounts();
 }
 
 }  // namespace util

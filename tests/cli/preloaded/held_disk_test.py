@@ -19,7 +19,7 @@ TARN = sys.argv[1]
 HELD_DISK = sys.argv[2]
 
 SOURCE = document(managed_object("A-1", body='<p name="a">1</p>'))
-CHANGE = ["set", "--p", "a=2", "--in-place"]
+CHANGE = ["set", "--everything", "--create", "--set", "a=2", "--in-place"]
 
 # Signals that a process cannot handle, and signals that do not end one without a handler.
 NO_ENDING = {signal.SIGKILL, signal.SIGSTOP, signal.SIGCHLD, signal.SIGCONT, signal.SIGURG,
@@ -120,7 +120,7 @@ class FreshnessTest(HeldCase):
             for arguments in (["--in-place"], ["-o", "{}"]):
                 with self.subTest(change=change.__name__, arguments=arguments):
                     path = self.file(SOURCE, "source.xml")
-                    process = self.start_held("set", path, "--p", "a=2",
+                    process = self.start_held("set", path, "--everything", "--create", "--set", "a=2",
                                               *(each.format(path) for each in arguments))
                     change(path)
                     status, _, err = self.finish(process)
@@ -176,7 +176,7 @@ class FreshnessTest(HeldCase):
         for name in ("-", "/dev/stdin"):
             with open(path, "rb") as file:
                 os.replace(self.file(other, "other"), path)
-                result = run(TARN, "set", name, "--p", "a=2", "-o", path, stdin=file)
+                result = run(TARN, "set", name, "--everything", "--create", "--set", "a=2", "-o", path, stdin=file)
                 self.assertEqual((result.returncode, result.stderr), (5, self.refusal(path)))
                 self.expect_untouched(path, other)
         # The command does not look at files that it does not read.
@@ -250,7 +250,7 @@ class LockTest(HeldCase):
     def test_second_command_waits_and_works_on_what_the_first_made(self):
         path = self.file(SOURCE, "source.xml")
         first = self.start_held(*CHANGE, path)
-        second = subprocess.Popen([TARN, "set", path, "--p", "b=3", "--in-place"],
+        second = subprocess.Popen([TARN, "set", path, "--everything", "--create", "--set", "b=3", "--in-place"],
                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         self.assertEqual(second.stderr.readline(),
                          f"{path}: note: waiting for another program\n".encode())
@@ -310,11 +310,11 @@ class LockTest(HeldCase):
         return succeeded
 
     def test_eight_writers_lose_no_change(self):
-        succeeded = self.expect_no_loss('exec "$0" set "$1" --p "$2" --in-place')
+        succeeded = self.expect_no_loss('exec "$0" set "$1" --everything --create --set "$2" --in-place')
         self.assertNotIn(False, succeeded)
 
     def test_eight_writers_that_read_standard_input_lose_no_change(self):
-        self.expect_no_loss('exec "$0" set - --p "$2" -o "$1" <"$1"')
+        self.expect_no_loss('exec "$0" set - --everything --create --set "$2" -o "$1" <"$1"')
 
 
 if __name__ == "__main__":

@@ -114,6 +114,10 @@ Load::Load(TarnDomDocument& document, Mode mode)
       indexes_(mode != Mode::TREE && makesLibraryClasses(document)),
       isValid_(indexes_ && mode != Mode::INDEX && usesLibraryNames(document)) {}
 
+Load::Load(TarnDomDocument& document, Visitor visitor) : Load(document, Mode::VISIT) {
+  visitor_ = visitor;
+}
+
 Load::~Load() { document_.load_ = nullptr; }
 
 std::size_t Load::placeOfParser(const TarnDomDocument& document) {
@@ -129,8 +133,9 @@ Load::Verdict Load::run(char* text) {
   TARN_ASSERT(text, "text");
   try {
     parse(text);
+    if (mode_ == Mode::VISIT && !indexes_) return Verdict::NOT_KNOWN;
     if (mode_ != Mode::TREE) finish();
-    return isValid_ ? Verdict::VALID : Verdict::NOT_KNOWN;
+    return isValid_ || mode_ == Mode::VISIT ? Verdict::VALID : Verdict::NOT_KNOWN;
   } catch (const Stopped&) {
     return Verdict::NOT_KNOWN;
   } catch (...) {
@@ -168,7 +173,9 @@ Load::Body* Load::bodyOf(Node* parent) {
   if (!bodies_.empty() && parent == bodies_.back().cmData) return &bodies_.back();
   auto* const cmData = parsedAs<LibTarnCmDataImp>(parent);
   if (!cmData || parent->parent() != document_.root_) return nullptr;
-  bodies_.push_back({cmData, objects_.size(), objects_.size(), 0, true});
+  // An element is linked below its parent when it is complete.
+  const bool isFirst = !firstTypedChild<LibTarnCmDataImp>(*document_.root_);
+  bodies_.push_back({cmData, objects_.size(), objects_.size(), 0, true, isFirst && visitor_.call});
   return &bodies_.back();
 }
 
@@ -182,8 +189,13 @@ void Load::complete(LibTarnManagedObjectImp& object, Body& body) {
   ++body.end;
   body.isIndexed = !hasNul_ && index(object, attributes);
   require(body.isIndexed);
-  if (isValid_) validate(object, attributes);
-  if (mode_ == Mode::VALIDATE_ONLY) drop(object, body);
+  if (mode_ == Mode::VISIT) {
+    if (!body.isIndexed) throw Stopped();
+    if (body.isVisited) visitor_.call(visitor_.host, object);
+  } else if (isValid_) {
+    validate(object, attributes);
+  }
+  if (drops()) drop(object, body);
 }
 
 // Indexing. False: a name is duplicate, or not known to be unique.
@@ -252,7 +264,7 @@ void Load::validate(const LibTarnManagedObjectImp& object, const ObjectAttribute
 
 // The object was allocated before everything in it. Its name stays in the text.
 void Load::drop(LibTarnManagedObjectImp& object, Body& body) {
-  if (!isValid_) throw Stopped();
+  if (mode_ == Mode::VALIDATE_ONLY && !isValid_) throw Stopped();
   body.cmData->remove_node(&object);
   document_.forget_from(&object);
 }
@@ -260,7 +272,7 @@ void Load::drop(LibTarnManagedObjectImp& object, Body& body) {
 // The end of the parse
 
 void Load::finish() {
-  const bool logs = mode_ != Mode::VALIDATE_ONLY;
+  const bool logs = !drops();
   using util::Logger;
   if (logs) Logger(Logger::Level::DEBUG, TARN_LOG_LOCATION, "parse") << "Parsing done";
   // A document that a host has not given to a LibTarnDocument has no root.
@@ -269,7 +281,7 @@ void Load::finish() {
     // Bodies are in the order in which they are below the root. A body without headers and objects
     // is not noted, nor is one that the host has made.
     const bool isNoted = finished_ < bodies_.size() && bodies_[finished_].cmData == cmData;
-    Body unnoted{cmData, 0, 0, 0, true};
+    Body unnoted{cmData, 0, 0, 0, true, false};
     finish(isNoted ? bodies_[finished_] : unnoted);
     if (isNoted) ++finished_;
   }
@@ -285,7 +297,7 @@ void Load::finish(Body& body) {
           rules::planHasObjects(isPlan, body.begin != body.end));
   if (adopt(body)) return;
   require(false);
-  if (mode_ == Mode::VALIDATE_ONLY) throw Stopped();
+  if (drops()) throw Stopped();
   clearIndexes(body);
   body.cmData->rebuildIndexers();
 }
@@ -302,7 +314,7 @@ bool Load::adopt(Body& body) {
 
 void Load::cleanUp() {
   document_.load_ = nullptr;
-  if (mode_ == Mode::VALIDATE_ONLY) return;
+  if (drops()) return;
   for (; finished_ < bodies_.size(); ++finished_) clearIndexes(bodies_[finished_]);
   // Declaration and root stay, and the parser may not have terminated their texts yet.
   if (!isParsed_) document_.moveTextsIntoPool();

@@ -30,6 +30,7 @@ namespace libtarn {
 namespace model {
 
 class LibTarnCmDataImp;
+class LibTarnManagedObject;
 class LibTarnManagedObjectImp;
 class ListImp;
 class StructureImp;
@@ -40,15 +41,24 @@ class Load : public rapidxml::parse_events {
  public:
   /// What the load is to make of the text.
   enum class Mode {
-    TREE,          ///< The tree alone; the indexes stay as they are.
-    INDEX,         ///< Tree and indexes.
-    VALIDATE,      ///< Tree and indexes, and whether the rules are kept.
-    VALIDATE_ONLY  ///< Whether the rules are kept; each object is dropped after that.
+    TREE,           ///< The tree alone; the indexes stay as they are.
+    INDEX,          ///< Tree and indexes.
+    VALIDATE,       ///< Tree and indexes, and whether the rules are kept.
+    VALIDATE_ONLY,  ///< Whether the rules are kept; each object is dropped after that.
+    VISIT           ///< Each object is indexed, visited and dropped.
   };
-  /// VALID when everything below the root is known to keep the rules of the format.
+  /// What is done with each object of the first body before it is dropped.
+  struct Visitor {
+    void (*call)(void* host, LibTarnManagedObject& object);
+    void* host;
+  };
+  /// VALID when everything below the root is known to keep the rules of the format; with VISIT,
+  /// when every object was visited and could be indexed.
   enum class Verdict { VALID, NOT_KNOWN };
 
   Load(TarnDomDocument& document, Mode mode);
+  /// A load that visits.
+  Load(TarnDomDocument& document, Visitor visitor);
   Load(const Load&) = delete;
   Load& operator=(const Load&) = delete;
   ~Load();
@@ -56,7 +66,7 @@ class Load : public rapidxml::parse_events {
   /// Loads `text`, which ends with a NUL. The document takes the vector over; `text` then holds the
   /// text before. Throws rapidxml::parse_error, and ModelException where the documented order does.
   /// After any exception the document is as the documented order would have left it. With
-  /// VALIDATE_ONLY nothing in the document may be used afterwards, and nothing is logged.
+  /// VALIDATE_ONLY and VISIT nothing in the document may be used afterwards, and nothing is logged.
   Verdict run(std::vector<char>& text);
   /// Like the other overload, for a NUL-terminated text, which is parsed in place and stays the
   /// caller's.
@@ -99,6 +109,7 @@ class Load : public rapidxml::parse_events {
     std::size_t end;
     std::size_t headers;
     bool isIndexed;  // true while all its objects are indexed, without duplicates
+    bool isVisited;
   };
   struct ObjectAttributes;
   struct Stopped {};
@@ -111,6 +122,7 @@ class Load : public rapidxml::parse_events {
   bool index(StructureImp& item, std::string_view listName);
   void validate(const LibTarnManagedObjectImp& object, const ObjectAttributes& attributes);
   void require(bool isKept) { isValid_ = isValid_ && isKept; }
+  bool drops() const { return mode_ == Mode::VALIDATE_ONLY || mode_ == Mode::VISIT; }
   void drop(LibTarnManagedObjectImp& object, Body& body);
 
   void finish();
@@ -123,6 +135,7 @@ class Load : public rapidxml::parse_events {
 
   TarnDomDocument& document_;
   Mode mode_;
+  Visitor visitor_{nullptr, nullptr};
   bool indexes_;  // during the parse
   bool isValid_;  // everything read so far, as far as known
   bool isParsed_ = false;

@@ -1,0 +1,213 @@
+#include "documents/Changer.hpp"
+
+#include <fmt/format.h>
+
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include "CommandError.hpp"
+#include "documents/Selection.hpp"
+#include "documents/ValueText.hpp"
+#include "documents/requireXmlText.hpp"
+#include "libtarn/model/Diagnostic.hpp"
+#include "libtarn/model/LibTarnExtension.hpp"
+#include "libtarn/model/ResultCodes.hpp"
+#include "libtarn/util/ManagedObjectBuilder.hpp"
+#include "libtarn/util/TarnFactory.hpp"
+#include "output/HostLog.hpp"
+#include "textOrEmpty.hpp"
+
+namespace tarn {
+
+using libtarn::model::ChangeResult;
+using libtarn::model::Diagnostic;
+using libtarn::model::LibTarnExtension;
+using libtarn::model::LibTarnManagedObject;
+using libtarn::model::List;
+using libtarn::model::Scalar;
+using libtarn::util::ManagedObjectBuilder;
+
+namespace {
+
+const LibTarnManagedObject& patternOf(Document& document, const std::string& distName) {
+  return ManagedObjectBuilder(document).setDistName(distName.c_str()).get();
+}
+
+ValuePath::Place find(const LibTarnManagedObject& object, const std::string& name, bool isList) {
+  if (isList) {
+    List* const list = object.getListParameter(name);
+    return list ? ValuePath::Place(list) : ValuePath::Place();
+  }
+  Scalar* const scalar = object.getScalarParameter(name.c_str());
+  return scalar ? ValuePath::Place(scalar) : ValuePath::Place();
+}
+
+void requireOneValue(const ValuePath::Place& place, const std::string& path,
+                     const std::string& subject) {
+  const bool isList = std::holds_alternative<List*>(place);
+  if (!isList && !std::holds_alternative<libtarn::model::Structure*>(place)) return;
+  throw CommandError(Status::NothingMatched, subject,
+                     fmt::format("'{0}' is {1}; {0}{2} is one value of it", path,
+                                 isList ? "a list" : "an item", isList ? "[1]" : ".COMPONENT"));
+}
+
+}  // namespace
+
+Changer::Changer(const Changes& changes, const Selection& selection, const std::string& path)
+    : path_(path), creates_(changes.create), counts_(path, "set") {
+  for (const std::string& value : changes.values) readAssignment(value);
+  makeAttributes(changes);
+  if (changes.file.empty()) return;
+  values_.emplace(changes.file);
+  readValues(selection);
+}
+
+void Changer::readAssignment(const std::string& text) {
+  ValueText reader("--set", text);
+  const std::string name = reader.readName();
+  const bool isQuoted = reader.wasQuoted();
+  if (reader.readOperator() != "=") {
+    reader.refuse("takes NAME=VALUE; quote a name or a value that holds one of = ! < > ~");
+  }
+  for (const Assignment& other : assignments_) {
+    if (other.path.text() == name) throwUsageError("--set sets '" + name + "' more than once");
+  }
+  const std::string value = reader.readExactValue();
+  requireXmlText("--set", name);
+  requireXmlText("--set", value);
+  assignments_.push_back({ValuePath(name), isQuoted, value, counts_.addValue(name)});
+}
+
+void Changer::makeAttributes(const Changes& changes) {
+  if (!changes.className && !changes.version) return;
+  ManagedObjectBuilder builder(own_);
+  if (changes.className) {
+    requireXmlText("--set-class", *changes.className);
+    builder.setClass(changes.className->c_str());
+  }
+  if (changes.version) {
+    requireXmlText("--set-version", *changes.version);
+    builder.setVersion(changes.version->c_str());
+  }
+  attributes_ = &builder.get();
+  anything_ = &patternOf(own_, ANY_NAME);
+}
+
+void Changer::readValues(const Selection& selection) {
+  const LibTarnManagedObject& values = values_->object();
+  for (const auto& entry : values.getScalarParameters()) {
+    const std::string name(entry.first);
+    newValues_.push_back({name, entry.second->getValue(), false, counts_.addValue(name)});
+  }
+  for (const auto& entry : values.getListParameters()) {
+    const std::string name(entry.first);
+    newValues_.push_back({name, textAt(entry.second), true, counts_.addValue(name)});
+  }
+  if (!selection.maskFile.empty()) {
+    mask_.emplace(selection.maskFile);
+    pattern_ = &mask_->object();
+  } else {
+    pattern_ =
+        &patternOf(own_, selection.nameParts.size() == 1 ? selection.nameParts.front() : ANY_NAME);
+  }
+}
+
+void Changer::change(LibTarnManagedObject& object, Document& document) {
+  counts_.beginObject();
+  for (const Assignment& assignment : assignments_) assign(assignment, object, document);
+  if (attributes_) setAttributes(object);
+  if (values_) changeToValues(object);
+  counts_.endObject();
+}
+
+void Changer::assign(const Assignment& assignment, LibTarnManagedObject& object,
+                     Document& document) {
+  const ValuePath::Place place = assignment.path.find(object);
+  requireOneValue(place, assignment.path.text(),
+                  subjectOf(path_, textOrEmpty(object.getDistName().getText())));
+  if (Scalar* const* const scalar = std::get_if<Scalar*>(&place)) {
+    if (assignment.value == (*scalar)->getValue()) return counts_.noteEqual();
+    (*scalar)->setValue(assignment.value.c_str());
+    counts_.noteChanged();
+  } else if (creates_ && create(assignment, object, document)) {
+    counts_.noteChanged();
+  } else {
+    counts_.noteLacking(assignment.number);
+  }
+}
+
+// A path into a list or an extension is not taken for the name of a new parameter, unless it is
+// quoted.
+bool Changer::create(const Assignment& assignment, LibTarnManagedObject& object,
+                     Document& document) {
+  const ValuePath& path = assignment.path;
+  const auto make = [&](const std::string& name) -> Scalar& {
+    return *document.getFactory().createScalar(name.c_str(), assignment.value.c_str());
+  };
+  for (const ValuePath::InExtension& each : path.inExtensions()) {
+    LibTarnExtension* const extension = object.getExtension(each.extension);
+    if (extension) return extension->addParameter(make(each.parameter)) == 0;
+  }
+  const bool isPlain = path.inExtensions().empty() && !path.inList();
+  return (isPlain || assignment.isQuoted) && object.addParameter(make(path.text())) == 0;
+}
+
+void Changer::setAttributes(LibTarnManagedObject& object) {
+  const auto differs = [](const char* wanted, const char* held) {
+    return std::string_view(textOrEmpty(wanted)) != ANY_TEXT &&
+           (!held || std::string_view(textOrEmpty(wanted)) != held);
+  };
+  const bool isChange = differs(attributes_->getClass(), object.getClass()) ||
+                        differs(attributes_->getVersion(), object.getVersion());
+  if (!isChange) return counts_.noteEqual();
+  apply(*anything_, *attributes_, object);
+  counts_.noteChanged();
+}
+
+void Changer::changeToValues(LibTarnManagedObject& object) {
+  std::vector<const NewValue*> lacking;
+  for (const NewValue& value : newValues_) {
+    const ValuePath::Place place = find(object, value.name, value.isList);
+    const bool isThere = !std::holds_alternative<std::monostate>(place);
+    if (!isThere && !creates_) {
+      lacking.push_back(&value);
+      counts_.noteLacking(value.number);
+    } else if (isThere && textAt(place) == value.text) {
+      counts_.noteEqual();
+    } else {
+      counts_.noteChanged();
+    }
+  }
+  apply(*pattern_, lacking.empty() ? values_->object() : valuesWithout(lacking), object);
+}
+
+const LibTarnManagedObject& Changer::valuesWithout(const std::vector<const NewValue*>& lacking) {
+  std::string key;
+  for (const NewValue* value : lacking) key += std::to_string(value->number) + " ";
+  LibTarnManagedObject*& values = valuesWithout_[key];
+  if (values) return *values;
+  values = own_.getFactory().createCopy(values_->object());
+  for (const NewValue* value : lacking) {
+    if (value->isList) {
+      values->removeListParameter(value->name);
+    } else {
+      values->removeScalarParameter(value->name);
+    }
+  }
+  return *values;
+}
+
+void Changer::apply(const LibTarnManagedObject& pattern, const LibTarnManagedObject& values,
+                    LibTarnManagedObject& object) const {
+  const std::string subject = subjectOf(path_, textOrEmpty(object.getDistName().getText()));
+  const Diagnostic refusal = object.tryChange(pattern, values);
+  if (refusal.code == ChangeResult::Done) return;
+  HostLog::takeError();  // what the refusal says, too
+  if (refusal.code == ChangeResult::NameTaken) {
+    throw CommandError(Status::Conflict, subject, "two objects would have one name");
+  }
+  throw CommandError(Status::RuleBroken, subject, refusal.message);
+}
+
+}  // namespace tarn
