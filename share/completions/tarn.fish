@@ -32,7 +32,7 @@ complete -c tarn -n "__fish_seen_subcommand_from set" -l p -x -d "A new value"
 complete -c tarn -n "__fish_seen_subcommand_from set" -l values -r -d "Document with the new values"
 
 complete -c tarn -n "__fish_seen_subcommand_from print set add remove merge report" -s o -l output -r -d "File for the result"
-complete -c tarn -n "__fish_seen_subcommand_from set add remove merge" -l in-place -d "Replace the document with the result"
+complete -c tarn -n "__fish_seen_subcommand_from set add remove merge" -l in-place -d "Replace the document with the result; =SUFFIX keeps the old file"
 complete -c tarn -n "__fish_seen_subcommand_from merge" -l check-only -d "Write nothing"
 complete -c tarn -n "__fish_seen_subcommand_from merge" -l validate -d "Validate source, deltas and result"
 complete -c tarn -n "__fish_seen_subcommand_from tree" -l depth -x -d "Segments to draw"

@@ -43,6 +43,16 @@ void Options::addText(const std::string& option, const char* form, std::string& 
   app_.add_option(option, value, help)->type_name(form);
 }
 
+void Options::addOptionalText(const std::string& option, const char* form, bool& isGiven,
+                              std::string& value, const char* help) {
+  const auto set = [&isGiven, &value](const std::string& text) {
+    isGiven = true;
+    value = text;
+  };
+  // Both limits: with one number it would be a flag, whose value is "true".
+  app_.add_option_function<std::string>(option, set, help)->type_name(form)->expected(0, 0);
+}
+
 void Options::addTexts(const std::string& option, const char* form,
                        std::vector<std::string>& values, const char* help) {
   app_.add_option(option, values, help)->type_name(form)->allow_extra_args(false);

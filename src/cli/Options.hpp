@@ -31,6 +31,9 @@ class Options {
   void addFlag(const std::string& option, bool& value, const char* help);
   /// Adds an option that takes any text. The help shows `form` for the text.
   void addText(const std::string& option, const char* form, std::string& value, const char* help);
+  /// Adds an option that sets `isGiven`, and takes a text only behind "=".
+  void addOptionalText(const std::string& option, const char* form, bool& isGiven,
+                       std::string& value, const char* help);
   /// Adds an option that takes a text and may be repeated.
   void addTexts(const std::string& option, const char* form, std::vector<std::string>& values,
                 const char* help);
