@@ -1,5 +1,3 @@
-#include <fmt/format.h>
-
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -13,6 +11,7 @@
 #include "libtarn/model/RefusedChange.hpp"
 #include "libtarn/model/ResultCodes.hpp"
 #include "output/HostLog.hpp"
+#include "output/counted.hpp"
 #include "output/printable.hpp"
 
 namespace tarn {
@@ -54,8 +53,7 @@ Status setValues(const SetRequest& request) {
   requireSelected(request.file, count);
   change(document, mask, values, request.file);
   writeResult(document, destination,
-              fmt::format("{}: {} {} matched\n", printable(request.file), count,
-                          count == 1 ? "object" : "objects"));
+              printable(request.file) + ": " + counted(count, "object") + " matched\n");
   return Status::Done;
 }
 
