@@ -367,6 +367,19 @@ class HelpTest(CommandCase):
             with self.subTest(arguments=arguments):
                 self.expect(tarn(*arguments), 64, "", f"tarn: error: {message}\n")
 
+    def test_wrong_value_of_an_option_is_reported_in_words(self):
+        for arguments, message in (
+                (["check", "x", "--jobs", "-1"], "--jobs: '-1' is no number from 0 on"),
+                (["check", "x", "--jobs=1x"], "--jobs: '1x' is no number from 0 on"),
+                (["check", "x", "--jobs", str(2**32)], f"--jobs: '{2**32}' is too large"),
+                (["tree", "x", "--depth", "0"], "--depth: '0' is no number from 1 on"),
+                (["list", "x", "--format", "1"], "--format: '1' is not dn, json, table or tsv"),
+                (["--color", "red", "check", "x"], "--color: 'red' is not always, auto or never"),
+                (["list", "x", "--operation", "drop"],
+                 "--operation: 'drop' is not create, delete, update or auto")):
+            with self.subTest(arguments=arguments):
+                self.expect(tarn(*arguments), 64, "", f"tarn: error: {message}\n")
+
     def test_help_of_a_command_is_what_its_option_says(self):
         for command in ("check", "print", "list", "get", "set", "add", "remove", "merge", "stats",
                         "tree", "report"):
