@@ -112,6 +112,7 @@ void Options::addNumberedChoice(const std::string& option, const char* form,
                                 const std::map<std::string, int>& words, const std::string& shown,
                                 const char* help) {
   std::vector<std::string> names;
+  names.reserve(words.size());
   for (const auto& [word, number] : words) names.push_back(word);
   const auto replaceByNumber = [words, names](std::string& text) -> std::string {
     const auto found = words.find(text);

@@ -92,12 +92,13 @@ Descriptor openFolder(const std::string& name) {
 
 }  // namespace
 
-FileReplacement::FileReplacement(std::string name, std::filesystem::path target, std::string suffix)
+FileReplacement::FileReplacement(std::string name, std::filesystem::path target,
+                                 const std::string& suffix)
     : name_(std::move(name)),
       target_(std::move(target)),
       folderName_(target_.has_parent_path() ? target_.parent_path().string() : "."),
       baseName_(target_.filename().string()),
-      keptName_(suffix.empty() ? suffix : baseName_ + suffix),
+      keptName_(suffix.empty() ? "" : baseName_ + suffix),
       folder_(openFolder(folderName_)) {
   if (!folder_.isOpen() && errno == ENOENT) {
     throw CommandError(Status::FileError, name_, "its folder does not exist");

@@ -28,7 +28,7 @@ class FileReplacement {
   /// may not write the file, when another command has held its lock for a minute, and when the old
   /// file cannot be kept under the name of the target with `suffix`. Without a suffix it is not
   /// kept.
-  FileReplacement(std::string name, std::filesystem::path target, std::string suffix);
+  FileReplacement(std::string name, std::filesystem::path target, const std::string& suffix);
 
   /// True if there is a file already and it is compressed with gzip.
   bool holdsGzip() const;
