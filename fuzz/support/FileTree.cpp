@@ -315,6 +315,14 @@ void FileTree::noteRemoval(const FileNodePtr& folder, const std::string& name) {
   erase(folder, name);
 }
 
+void FileTree::noteLink(const FileNodePtr& folder, const std::string& name,
+                        const FileNodePtr& node) {
+  const auto found = folder->children.find(name);
+  if (found != folder->children.end() && found->second != node) erase(folder, name);
+  link(folder, name, node);
+  noteChange(*node);
+}
+
 void FileTree::compare() const { compareFolder(*top_, path_); }
 
 std::string FileTree::pathOf(const FileNode& node) const {

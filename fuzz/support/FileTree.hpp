@@ -87,6 +87,7 @@ class FileTree {
   void noteMove(const FileNodePtr& folder, const std::string& from, const FileNodePtr& toFolder,
                 const std::string& to);
   void noteRemoval(const FileNodePtr& folder, const std::string& name);
+  void noteLink(const FileNodePtr& folder, const std::string& name, const FileNodePtr& node);
 
   /// Fails unless disk and model agree.
   void compare() const;

@@ -23,6 +23,7 @@
 #include "CommandError.hpp"
 #include "files/Destination.hpp"
 #include "files/TextFile.hpp"
+#include "output/Progress.hpp"
 #include "output/terminal.hpp"
 
 namespace {
@@ -36,14 +37,16 @@ constexpr int MOST_ACTS = 3;   // at a time
 constexpr int MOST_WAITS = 4;  // before the lock is let go
 constexpr std::size_t MOST_BYTES = 40;
 // Folders last, so that most changes are to files.
-constexpr std::array<const char*, 7> PATHS = {
-    "work/a/doc", "work/b/doc", "work/a/old", "work/b/old", "work/doc", "work/a", "work/b"};
-constexpr std::size_t FILE_PATHS = 5;
+constexpr std::array<const char*, 9> PATHS = {"work/a/doc",  "work/b/doc", "work/a/old",
+                                              "work/b/old",  "work/doc",   "work/a/doc~",
+                                              "work/b/doc~", "work/a",     "work/b"};
+constexpr std::size_t FILE_PATHS = 7;
 constexpr std::array<const char*, 7> LINK_TARGETS = {"doc", "old", "../b/doc",   "../a/old",
                                                      "b",   "a",   "missing/doc"};
 constexpr std::array<mode_t, 8> MODES = {0644, 0600, 0640, 0666, 0604, 0755, 02750, 04711};
 constexpr std::array<mode_t, 3> MASKS = {022, 077, 0};
 constexpr uid_t SOMEBODY = 1234;
+constexpr const char* SUFFIX = "~";  // of the old file that is kept
 
 /// A path on a file system in memory, if there is one. When this process ends, in whatever way,
 /// another process removes what is there.
@@ -258,6 +261,7 @@ class Session {
   void runCommand() {
     source_ = filePath();
     isInPlace_ = input_.ConsumeBool();
+    isKept_ = isInPlace_ && input_.ConsumeBool();
     wanted_ = isInPlace_ ? source_ : path();
     if (!begin()) return;
     act();
@@ -278,10 +282,12 @@ class Session {
     if (isFound) target_ = tree_.pathIn(*end->folder, end->name);
     const bool isFifo = isFound && end->node && end->node->kind == FileNode::Fifo;
     const bool isFolder = isFound && end->node && end->node->kind == FileNode::Folder;
-    const bool isRefused = !isFound || isFolder || (isFifo && isInPlace_);
+    const bool isRefused =
+        !isFound || isFolder || (isFifo && isInPlace_) || (isKept_ && !mayKeep(*end));
     if (!did(Step::Beginning, [&] {
-          destination_.emplace(tree_.onDisk(source_),
-                               tarn::Target{tree_.onDisk(wanted_), isInPlace_});
+          destination_.emplace(
+              tree_.onDisk(source_),
+              tarn::Target{tree_.onDisk(wanted_), isInPlace_, isKept_ ? SUFFIX : ""});
         })) {
       fuzz::check(isRefused || actedInStep_, "a file may be replaced");
       return false;
@@ -290,6 +296,12 @@ class Session {
     isReplaced_ = !isFifo;
     if (isReplaced_) noteLock(*end);
     return true;
+  }
+
+  // Only a regular file is replaced by the old file.
+  static bool mayKeep(const PathEnd& end) {
+    const auto found = end.folder->children.find(end.name + SUFFIX);
+    return found == end.folder->children.end() || found->second->kind == FileNode::File;
   }
 
   void noteLock(const PathEnd& end) {
@@ -363,7 +375,9 @@ class Session {
     const bool isDone = did(Step::None, [&] { destination_->commit(); });
     fuzz::check(isDone || expected != Outcome::Replaced, "a file that nobody changed is replaced");
     fuzz::check(!isDone || expected != Outcome::Left, "what others changed is left");
-    if (isDone) tree_.noteMove(folder_, std::exchange(temporary_, ""), folder_, name_);
+    if (!isDone) return;
+    tree_.noteMove(folder_, std::exchange(temporary_, ""), folder_, name_);
+    if (isKept_ && locked_) tree_.noteLink(folder_, name_ + SUFFIX, locked_);
   }
 
   Outcome outcome() const {
@@ -374,6 +388,8 @@ class Session {
     const bool isUnchanged =
         there == locked_ && locked_->changes == lockedChanges_ && named && named->node == locked_;
     if (!isUnchanged) return Outcome::Left;
+    if (isKept_ && !mayKeep({folder_, name_, locked_})) return Outcome::Left;
+    if (isKept_ && everRead.count(target_ + SUFFIX) == 1) return Outcome::Either;
     return isWhereItWas() ? Outcome::Replaced : Outcome::Either;
   }
 
@@ -423,6 +439,7 @@ class Session {
   std::string source_;
   std::string wanted_;
   bool isInPlace_ = false;
+  bool isKept_ = false;  // the old file
   std::optional<tarn::Destination> destination_;
   bool isReplaced_ = false;
   FileNodePtr folder_;
@@ -489,10 +506,13 @@ void reportNote(const std::string& /*subject*/, const std::string& /*message*/) 
   Session::current->whenNoting();
 }
 
-Progress::Progress(const char* /*action*/, const std::string& /*path*/, std::uint64_t total)
-    : total_(total), isActive_(false) {}
+Progress::Progress(const char* action, const std::string& /*path*/)
+    : action_(action), amount_(Amount::Seconds), total_(0) {}
+Progress::Progress(const char* action, const std::string& /*path*/, std::uint64_t total)
+    : action_(action), amount_(Amount::Bytes), total_(total) {}
 Progress::~Progress() = default;
-void Progress::advance(std::uint64_t /*bytes*/) {}
+ProgressPause::ProgressPause() : line_(nullptr) {}
+ProgressPause::~ProgressPause() { line_ = nullptr; }
 
 }  // namespace tarn
 

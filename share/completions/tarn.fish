@@ -47,7 +47,7 @@ complete -c tarn -n "__fish_seen_subcommand_from set unset remove" -l everything
 complete -c tarn -n "__fish_seen_subcommand_from set unset remove" -l yes -d "Do not ask"
 
 complete -c tarn -n "__fish_seen_subcommand_from print set unset add remove merge report" -s o -l output -r -d "File for the result"
-complete -c tarn -n "__fish_seen_subcommand_from set unset add remove merge" -l in-place -d "Replace the document with the result"
+complete -c tarn -n "__fish_seen_subcommand_from set unset add remove merge" -l in-place -d "Replace the document with the result; =SUFFIX keeps the old file"
 complete -c tarn -n "__fish_seen_subcommand_from merge" -l check-only -d "Write nothing"
 complete -c tarn -n "__fish_seen_subcommand_from merge" -l validate -d "Validate source, deltas and result"
 complete -c tarn -n "__fish_seen_subcommand_from tree" -l depth -x -d "Segments to draw"

@@ -54,6 +54,8 @@ void throwFileError(const std::string& path, int error) {
   throw CommandError(Status::FileError, path, std::generic_category().message(error));
 }
 
+void throwNoName() { throwUsageError("the name of a file is empty"); }
+
 void throwChangedError(const std::string& path) {
   throw CommandError(Status::FileError, path, "was changed meanwhile and is left as it is");
 }

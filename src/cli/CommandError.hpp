@@ -64,6 +64,8 @@ std::string errorLine(const std::string& subject, const std::string& message);
                                   std::size_t offset);
 /// Throws a CommandError for a file that cannot be read or written; `error` is the errno.
 [[noreturn]] void throwFileError(const std::string& path, int error);
+/// Throws the CommandError for the name of a file that is "".
+[[noreturn]] void throwNoName();
 /// Throws the CommandError for a file that somebody else has changed since the command began.
 [[noreturn]] void throwChangedError(const std::string& path);
 

@@ -4,10 +4,12 @@
 
 #include <CLI/CLI.hpp>
 #include <map>
+#include <sstream>
 #include <vector>
 
 #include "commandList.hpp"
 #include "nearest.hpp"
+#include "output/outputFile.hpp"
 
 namespace tarn {
 
@@ -64,10 +66,13 @@ void CommandLine::addGeneralOptions() {
 
 Status CommandLine::run(int argc, char** argv) {
   refuseUnknownCommand(argc, argv);
+  refuseMissingValue(argc, argv);
   try {
     app_->parse(argc, argv);
   } catch (const CLI::Success& success) {  // help or version was asked for
-    app_->exit(success);
+    std::ostringstream text;
+    app_->exit(success, text, text);
+    writeOutput(text.str());
     return Status::Done;
   } catch (const CLI::ParseError& error) {
     refuse(error);
@@ -108,6 +113,17 @@ void CommandLine::refuseUnknownCommand(int argc, char** argv) const {
     } else if (word.empty() || word[0] != '-') {
       requireCommand(word);
       return;
+    }
+  }
+}
+
+// For CLI11 there is no value behind "--option=", so it would take the next argument for it.
+void CommandLine::refuseMissingValue(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    const std::string word = argv[i];
+    if (word == "--") return;
+    if (word.size() > 3 && word.compare(0, 2, "--") == 0 && word.find('=') == word.size() - 1) {
+      throwUsageError("there is no value behind '" + word + "'");
     }
   }
 }

@@ -54,6 +54,7 @@ class CommandLine {
   const CLI::App* findCommand(const std::string& name) const;
   const CLI::App& requireCommand(const std::string& name) const;
   void refuseUnknownCommand(int argc, char** argv) const;
+  static void refuseMissingValue(int argc, char** argv);
   [[noreturn]] void refuse(const CLI::ParseError& error) const;
 
   std::unique_ptr<CLI::App> app_;

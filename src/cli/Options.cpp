@@ -1,16 +1,16 @@
 #include "Options.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
 #include <cstddef>
+#include <system_error>
 
 #include "CommandError.hpp"
 
 namespace tarn {
 
 namespace {
-
-// Without its description, which the help would show beside the form of the value.
-CLI::Validator silent(CLI::Validator validator) { return validator.description(""); }
 
 // "a, b or c".
 std::string listOf(const std::vector<std::string>& words) {
@@ -20,6 +20,28 @@ std::string listOf(const std::vector<std::string>& words) {
     list += words[i];
   }
   return list;
+}
+
+// A check of a value. It has no description, which the help would show beside the form of the
+// value.
+CLI::Validator check(const std::function<std::string(std::string&)>& messageOf) {
+  return CLI::Validator(messageOf, "");
+}
+
+template <class Number>
+CLI::Validator checkNumber(Number least) {
+  return check([least](std::string& text) -> std::string {
+    Number number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error == std::errc::result_out_of_range) return "'" + text + "' is too large";
+    if (error == std::errc() && rest == end && number >= least) return "";
+    return "'" + text + "' is no number from " + std::to_string(least) + " on";
+  });
+}
+
+std::string noneOf(const std::string& text, const std::vector<std::string>& words) {
+  return "'" + text + "' is not " + listOf(words);
 }
 
 }  // namespace
@@ -57,16 +79,19 @@ void Options::addOptionalText(const std::string& option, const char* form,
       ->type_name(form);
 }
 
+void Options::addFlagOrText(const std::string& option, const char* form, bool& isGiven,
+                            std::string& value, const char* help) {
+  const auto set = [&isGiven, &value](const std::string& text) {
+    isGiven = true;
+    value = text;
+  };
+  // Both limits: with one number it would be a flag, whose value is "true".
+  app_.add_option_function<std::string>(option, set, help)->type_name(form)->expected(0, 0);
+}
+
 void Options::addTexts(const std::string& option, const char* form,
                        std::vector<std::string>& values, const char* help) {
   app_.add_option(option, values, help)->type_name(form)->allow_extra_args(false);
-}
-
-void Options::addWord(const std::string& option, const char* form, std::string& value,
-                      const std::vector<std::string>& words, const char* help) {
-  app_.add_option(option, value, help)
-      ->type_name(form)
-      ->check(CLI::IsMember(words).description(listOf(words)));
 }
 
 void Options::addWords(const std::string& option, const char* form,
@@ -75,14 +100,17 @@ void Options::addWords(const std::string& option, const char* form,
   app_.add_option(option, values, help)
       ->type_name(form)
       ->allow_extra_args(false)
-      ->check(CLI::IsMember(words).description(listOf(words)));
+      ->check(check([words](const std::string& text) {
+                const bool isOne = std::find(words.begin(), words.end(), text) != words.end();
+                return isOne ? "" : noneOf(text, words);
+              }).description(listOf(words)));
 }
 
 template <class Number>
 void Options::addNumber(const std::string& option, Number& value, const char* help) {
   app_.add_option(option, value, help)
       ->type_name("N")
-      ->check(silent(CLI::NonNegativeNumber))
+      ->check(checkNumber<Number>(0))
       ->capture_default_str();
 }
 template void Options::addNumber(const std::string&, unsigned&, const char*);
@@ -91,7 +119,7 @@ template void Options::addNumber(const std::string&, unsigned long&, const char*
 void Options::addPositiveNumber(const std::string& option, std::size_t& value, const char* help) {
   app_.add_option(option, value, help)
       ->type_name("N")
-      ->check(silent(CLI::PositiveNumber))
+      ->check(checkNumber<std::size_t>(1))
       ->capture_default_str();
 }
 
@@ -99,11 +127,18 @@ void Options::addNumberedChoice(const std::string& option, const char* form,
                                 const std::function<void(int)>& set,
                                 const std::map<std::string, int>& words, const std::string& shown,
                                 const char* help) {
-  CLI::CheckedTransformer transformer(words);
-  transformer.description("");
+  std::vector<std::string> names;
+  names.reserve(words.size());
+  for (const auto& [word, number] : words) names.push_back(word);
+  const auto replaceByNumber = [words, names](std::string& text) -> std::string {
+    const auto found = words.find(text);
+    if (found == words.end()) return noneOf(text, names);
+    text = std::to_string(found->second);
+    return "";
+  };
   app_.add_option_function<int>(option, set, help)
       ->type_name(form)
-      ->transform(transformer)
+      ->transform(check(replaceByNumber))
       ->default_str(shown);
 }
 

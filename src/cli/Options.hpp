@@ -37,12 +37,12 @@ class Options {
   /// Adds an option that takes any text and knows whether it was given.
   void addOptionalText(const std::string& option, const char* form,
                        std::optional<std::string>& value, const char* help);
+  /// Adds an option that sets `isGiven`, and takes a text only behind "=".
+  void addFlagOrText(const std::string& option, const char* form, bool& isGiven, std::string& value,
+                     const char* help);
   /// Adds an option that takes a text and may be repeated.
   void addTexts(const std::string& option, const char* form, std::vector<std::string>& values,
                 const char* help);
-  /// Adds an option that takes one of `words`.
-  void addWord(const std::string& option, const char* form, std::string& value,
-               const std::vector<std::string>& words, const char* help);
   /// Adds an option that takes one of `words` and may be repeated.
   void addWords(const std::string& option, const char* form, std::vector<std::string>& values,
                 const std::vector<std::string>& words, const char* help);

@@ -13,7 +13,9 @@ void addOutput(Options& options, std::string& output) {
 
 void addTarget(Options& options, Target& target) {
   addOutput(options, target.output);
-  options.addFlag("--in-place", target.inPlace, "Replace the document with the result");
+  options.addFlagOrText("--in-place", "[=SUFFIX]", target.inPlace, target.suffix,
+                        "Replace the document with the result; with SUFFIX keep the old file under "
+                        "its name and SUFFIX");
   options.exclude("--in-place", "--output");
 }
 

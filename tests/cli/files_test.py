@@ -216,6 +216,24 @@ class OtherUserTest(FilesCase):
         self.expect_refused(other_user()(*CHANGE, self.source), "Permission denied")
         self.assertEqual(self.read(self.source), SOURCE.encode())
 
+    def test_folder_that_the_user_may_not_write_is_named(self):
+        self.own(NOBODY, NOBODY, 0o644)
+        os.chmod(self.folder, 0o755)
+        message = "its folder takes no new file: Permission denied"
+        self.expect_refused(other_user()(*CHANGE, self.source), message)
+        out = self.path("out")
+        self.expect_refused(other_user()("print", self.source, "-o", out), message, out)
+        self.assertEqual(self.read(self.source), SOURCE.encode())
+
+    def test_file_that_is_kept_goes_to_nobody_else(self):
+        self.own(0, ANOTHER, 0o664)
+        self.assertEqual(other_user(ANOTHER)("set", self.source, "--everything", "--create", "--set", "x=2",
+                                             "--in-place=.bak").returncode, 0)
+        kept = os.stat(self.source + ".bak")
+        self.assertEqual((kept.st_uid, kept.st_gid, mode_of(self.source + ".bak")),
+                         (0, ANOTHER, 0o664))
+        self.expect_owner(NOBODY, ANOTHER, 0o664)
+
     def test_file_that_the_user_may_only_write_is_replaced(self):
         self.own(0, 0, 0o622)
         given = os.path.join(self.folder, "given.xml")
@@ -268,6 +286,173 @@ class NameTest(FilesCase):
         self.assertEqual(os.listdir(self.folder), ["source.xml"])
 
 
+class KeepTest(FilesCase):
+    """--in-place=SUFFIX keeps the old file under its name with the suffix."""
+
+    def keep(self, path=None, suffix=".bak", change="x=2"):
+        path = path or self.source
+        return tarn("set", path, "--everything", "--create", "--set", change, f"--in-place={suffix}")
+
+    def expect_kept(self, path, kept, before=SOURCE.encode()):
+        self.assertEqual(self.read(kept), before)
+        self.assertNotEqual(self.read(path), before)
+
+    def test_old_file_is_kept_as_it_was(self):
+        os.chmod(self.source, 0o6640)
+        os.utime(self.source, ns=(1, 10**18))
+        before = os.stat(self.source)
+        self.expect(self.keep(), 0, f"{self.source}: 1 of 1 object changed, 1 value set\n")
+        self.expect_kept(self.source, self.source + ".bak")
+        kept = os.stat(self.source + ".bak")
+        for part in ("st_ino", "st_uid", "st_gid", "st_mode", "st_mtime_ns", "st_nlink"):
+            self.assertEqual(getattr(kept, part), getattr(before, part), part)
+        self.assertEqual(mode_of(self.source), 0o6640)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["source.xml", "source.xml.bak"])
+
+    def test_every_command_that_replaces_keeps(self):
+        delta = self.file(document(managed_object("B-1", "create")), "delta.xml")
+        for suffix, arguments in (("~", ["add", self.source, delta]),
+                                  (".2", ["merge", self.source, delta]),
+                                  ("true", ["remove", self.source, "A-1"])):
+            self.file(SOURCE, "source.xml")
+            self.assertEqual(tarn(*arguments, f"--in-place={suffix}").returncode, 0)
+            self.expect_kept(self.source, self.source + suffix)
+
+    def test_earlier_kept_file_is_replaced(self):
+        self.file("earlier", "source.xml.bak")
+        self.assertEqual(self.keep().returncode, 0)
+        self.expect_kept(self.source, self.source + ".bak")
+        between = self.read(self.source)
+        self.assertEqual(self.keep(change="x=3").returncode, 0)
+        self.expect_kept(self.source, self.source + ".bak", between)
+
+    def test_what_is_no_regular_file_is_not_replaced(self):
+        def link(path):
+            os.symlink("source.xml", path)
+        for make, remove in ((os.mkdir, os.rmdir), (os.mkfifo, os.remove), (link, os.remove)):
+            path = self.path("source.xml.bak")
+            make(path)
+            self.expect_refused(self.keep(),
+                                "is no regular file, and the old file cannot be kept there", path)
+            self.assertEqual(self.read(self.source), SOURCE.encode())
+            self.assertEqual(sorted(os.listdir(self.folder)), ["source.xml", "source.xml.bak"])
+            remove(path)
+
+    def test_input_is_not_replaced(self):
+        delta = self.file(document(managed_object("A-1", "update")), "source.xml.bak")
+        before = self.read(delta)
+        result = tarn("merge", self.source, delta, "--in-place=.bak")
+        self.assertEqual((result.returncode, result.stderr.decode()), (
+            5, f"{delta}: error: has been read, and the old file cannot be kept there\n"))
+        self.assertEqual((self.read(self.source), self.read(delta)), (SOURCE.encode(), before))
+
+    def test_kept_file_that_is_another_name_of_the_file(self):
+        os.link(self.source, self.source + ".bak")
+        self.expect(self.keep(), 0, f"{self.source}: 1 of 1 object changed, 1 value set\n",
+                    f"{self.source}: note: other names of the file keep what it held\n")
+        self.expect_kept(self.source, self.source + ".bak")
+        self.assertEqual(sorted(os.listdir(self.folder)), ["source.xml", "source.xml.bak"])
+
+    def test_it_is_kept_beside_the_file_that_a_link_leads_to(self):
+        os.mkdir(self.path("data"))
+        os.rename(self.source, self.path("data/real.xml"))
+        os.symlink("data/real.xml", self.source)
+        self.assertEqual(self.keep().returncode, 0)
+        self.assertTrue(os.path.islink(self.source))
+        self.expect_kept(self.source, self.path("data/real.xml.bak"))
+        self.assertEqual(sorted(os.listdir(self.path("data"))), ["real.xml", "real.xml.bak"])
+
+    def test_names_may_be_as_long_as_the_file_system_allows(self):
+        limit = os.pathconf(self.folder, "PC_NAME_MAX")
+        os.remove(self.source)
+        for size, suffix in ((limit - 4, ".bak"), (limit - 1, "~"), (limit - 6, ".saved"),
+                             (limit - 250, "s" * 250)):
+            path = self.file(SOURCE, "n" * size)
+            self.assertEqual(self.keep(path, suffix).returncode, 0)
+            self.expect_kept(path, path + suffix)
+            self.assertEqual(len(os.listdir(self.folder)), 2)
+            os.remove(path)
+            os.remove(path + suffix)
+        for size, suffix in ((limit - 3, ".bak"), (limit, "~")):
+            path = self.file(SOURCE, "n" * size)
+            self.expect_refused(self.keep(path, suffix), "File name too long", path + suffix)
+            self.assertEqual(self.read(path), SOURCE.encode())
+            os.remove(path)
+
+    def test_suffix_is_only_what_is_behind_the_equals_sign(self):
+        for arguments in ([self.source, "--in-place"], ["--in-place", self.source]):
+            self.file(SOURCE, "source.xml")
+            self.assertEqual(tarn("set", *arguments, "--everything", "--create", "--set", "x=2").returncode, 0)
+            self.assertIn(b">2<", self.read(self.source))
+            self.assertEqual(os.listdir(self.folder), ["source.xml"])
+
+    def test_wrong_usage(self):
+        for suffix, message in (("", "there is no value behind '--in-place='"),
+                                ("a/b", "the SUFFIX of --in-place holds a '/'"),
+                                ("/", "the SUFFIX of --in-place holds a '/'")):
+            self.expect(self.keep(suffix=suffix), 64, "", f"tarn: error: {message}\n")
+        self.assertEqual(tarn("set", self.source, "--everything", "--create", "--set", "x=2", "--in-place=.bak", "-o",
+                              self.path("out")).returncode, 64)
+        self.assertEqual(self.read(self.source), SOURCE.encode())
+        self.assertEqual(os.listdir(self.folder), ["source.xml"])
+
+
+class StandardInputTest(FilesCase):
+    TWICE = "tarn: error: standard input is named more than once, but can be read once only\n"
+
+    def test_it_is_read_once_only(self):
+        for arguments in (["merge", "-", "-"], ["merge", self.source, "-", "-"],
+                          ["merge", "-", self.source, "/dev/stdin"], ["add", "-", "-"],
+                          ["add", "-", "/dev/fd/0"], ["set", "-", "--mask", "-", "--set", "x=2"],
+                          ["set", "-", "--class", "C", "--values", "-"],
+                          ["list", "-", "--dns-from", "-"], ["list", "-", "-"],
+                          ["remove", "-", "--dns-from", "-"]):
+            with self.subTest(arguments=arguments):
+                self.expect(tarn(*arguments, input=SOURCE.encode()), 64, "", self.TWICE)
+
+    def test_file_that_is_standard_input_may_be_opened_again(self):
+        with open(self.source, "rb") as file:
+            result = tarn("add", "-", "/dev/stdin", stdin=file)
+        self.expect(result, 3, "",
+                    "-: A-1: error: there is an object of that name\n")
+
+    def test_closed_standard_input_is_reported(self):
+        result = run("bash", "-c", '"$0" print - <&-', TARN)
+        self.expect(result, 5, "", "standard input: error: is closed\n")
+
+
+class MessageTest(FilesCase):
+    def test_name_that_is_empty_is_wrong_usage(self):
+        for arguments in (["print", ""], ["print", self.source, "-o", ""],
+                          ["merge", self.source, ""], ["set", "", "--everything", "--create", "--set", "x=1", "--in-place"]):
+            self.expect(tarn(*arguments), 64, "", "tarn: error: the name of a file is empty\n")
+
+    def test_option_with_nothing_behind_its_equals_sign_takes_no_file_for_its_value(self):
+        other = self.file(SOURCE, "other.xml")
+        self.expect(tarn("merge", "--output=", other, self.source, self.source), 64, "",
+                    "tarn: error: there is no value behind '--output='\n")
+        self.assertEqual(self.read(other), SOURCE.encode())
+        self.assertEqual(tarn("remove", "--", self.source, "--a=").returncode, 4)
+
+    def test_what_cannot_be_read(self):
+        for path, message in ((self.path("none"), "No such file or directory"),
+                              (self.folder, "Is a directory"),
+                              (os.path.join(self.source, "x"), "Not a directory")):
+            for command in ("print", "list"):
+                self.expect_refused(tarn(command, path), message, path)
+
+    def test_folder_of_the_result_that_does_not_exist(self):
+        path = self.path("none/out.xml")
+        self.expect_refused(tarn("print", self.source, "-o", path), "its folder does not exist", path)
+
+    def test_help_that_cannot_be_written_is_reported(self):
+        for arguments in (["--help"], ["set", "--help"], ["--version"], ["help"]):
+            with open("/dev/full", "wb") as full:
+                result = tarn(*arguments, stdout=full)
+            self.assertEqual((result.returncode, result.stderr),
+                             (5, b"standard output: error: No space left on device\n"))
+
+
 class KindTest(FilesCase):
     def test_in_place_refuses_what_is_no_regular_file(self):
         fifo = self.path("fifo")
@@ -298,6 +483,21 @@ class KindTest(FilesCase):
         reader.join()
         self.assertIn(b'name="y"', read[0])
         self.assertTrue(stat.S_ISFIFO(os.stat(fifo).st_mode))
+
+
+    def test_result_that_has_been_written_is_noted_when_the_report_cannot_be(self):
+        fifo = self.path("fifo")
+        os.mkfifo(fifo)
+        read = []
+        reader = threading.Thread(target=lambda: read.append(self.read(fifo)))
+        reader.start()
+        with open("/dev/full", "wb") as full:
+            result = tarn("set", self.source, "--everything", "--create", "--set", "y=1", "-o", fifo, stdout=full)
+        reader.join()
+        self.assertIn(b'name="y"', read[0])
+        self.assertEqual((result.returncode, result.stderr.decode()), (
+            5, f"{fifo}: note: the result has been written\n"
+               "standard output: error: No space left on device\n"))
 
 
 class OpenFileTest(FilesCase):

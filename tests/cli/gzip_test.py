@@ -56,6 +56,26 @@ class GzipTest(CommandCase):
         self.assertEqual(tarn("set", path, "--everything", "--create", "--set", "x=2", "--in-place").returncode, 0)
         self.assertIn(b'name="x">2<', gzip.decompress(self.read(path)))
 
+    def test_file_that_is_replaced_in_place_stays_what_it_is(self):
+        for name in ("packed.xml", "packed.gz", "p"):
+            path = self.packed(GOOD, name)
+            before = self.read(path)
+            self.assertEqual(tarn("set", path, "--everything", "--create", "--set", "x=2", "--in-place=.bak").returncode, 0)
+            self.assertIn(b'name="x">2<', gzip.decompress(self.read(path)))
+            self.assertEqual(self.read(path + ".bak"), before)
+        path = self.file(GOOD, "plain.xml.gz")
+        self.assertEqual(tarn("set", path, "--everything", "--create", "--set", "x=2", "--in-place").returncode, 0)
+        self.assertIn(b'name="x">2<', self.read(path))
+
+    def test_name_decides_for_an_output(self):
+        printed = tarn("print", self.file(GOOD)).stdout
+        packed = self.packed(GOOD, "packed.xml")
+        self.expect(tarn("print", packed, "-o", packed), 0)
+        self.assertEqual(self.read(packed), printed)
+        plain = self.file(GOOD, "plain.xml.gz")
+        self.expect(tarn("print", plain, "-o", plain), 0)
+        self.assertEqual(gzip.decompress(self.read(plain)), printed)
+
     def test_large_text_survives_both_ways(self):
         text = document("".join(managed_object(f"A-{n}", body=f"<p name='x'>{n * 7919}</p>")
                                 for n in range(30000)))

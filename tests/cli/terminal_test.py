@@ -1,15 +1,20 @@
 #!/usr/bin/env python3
 """The command on a terminal, in pipes, and under signals. Argument: the command."""
 
+import concurrent.futures
+import fcntl
 import json
 import os
 import pty
 import random
 import signal
+import struct
 import subprocess
 import sys
+import termios
 import threading
 import time
+import unicodedata
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "support"))
 from command_case import (EXAMPLES, TARN, CommandCase, document, main, managed_object,  # noqa: E402
@@ -22,11 +27,16 @@ RED_ERROR = b"\x1b[1;31merror:\x1b[0m"
 LONGER_THAN_UNSHOWN = 1.4
 
 
-def on_terminal(*arguments, terminal_for="both", environment=None, feed=None):
-    """Runs the command on a pseudo-terminal; returns its status and its output."""
+def on_terminal(*arguments, terminal_for="both", environment=None, feed=None, columns=0):
+    """Runs the command on a pseudo-terminal; returns its status and its output.
+
+    Of 0 `columns` the terminal does not say how many it has.
+    """
     master, slave = pty.openpty()
+    fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
     streams = {"both": (slave, slave), "stderr": (subprocess.DEVNULL, slave)}[terminal_for]
-    clean = {name: value for name, value in os.environ.items() if name != "NO_COLOR"}
+    clean = {name: value for name, value in os.environ.items() if name not in ("NO_COLOR", "COLUMNS")}
+    clean["TERM"] = "xterm"
     process = subprocess.Popen([TARN, *arguments], stdin=subprocess.DEVNULL, stdout=streams[0],
                                stderr=streams[1], env={**clean, **(environment or {})})
     os.close(slave)
@@ -65,6 +75,14 @@ class ColorTest(CommandCase):
             self.assertEqual((status, output), (0, self.good.encode() + b": ok\r\n"))
         self.assertIn(GREEN_OK, on_terminal("check", self.good, environment={"NO_COLOR": ""})[1])
 
+    def test_terminal_that_knows_no_colours_gets_none(self):
+        for kind in ("dumb", ""):
+            environment = {"TERM": kind}
+            self.assertEqual(on_terminal("check", self.good, self.bad, environment=environment), (
+                1, f"{self.good}: ok\r\n{self.bad}:1:2: error: expected element name\r\n".encode()))
+            self.assertIn(GREEN_OK, on_terminal("check", "--color", "always", self.good,
+                                                environment=environment)[1])
+
     def test_always_colours_a_pipe_even_with_no_color(self):
         result = tarn("check", "--color", "always", self.good, self.bad,
                       env={**os.environ, "NO_COLOR": "1"})
@@ -85,8 +103,21 @@ def feed_slowly(path):
         file.write(GOOD[40:].encode())
 
 
-def check_slowly(path):
-    return on_terminal("check", path, terminal_for="stderr", feed=lambda: feed_slowly(path))
+CLEAR = b"\r\x1b[K"
+
+
+def check_slowly(path, **options):
+    return on_terminal("check", path, terminal_for="stderr", feed=lambda: feed_slowly(path), **options)
+
+
+def lines_of(output):
+    """The lines that the progress has shown one after the other."""
+    return [line.decode() for line in output.split(CLEAR) if line]
+
+
+def width_of(line):
+    return sum(0 if unicodedata.combining(c) else 2 if unicodedata.east_asian_width(c) in "WF" else 1
+               for c in line)
 
 
 class ProgressTest(CommandCase):
@@ -100,7 +131,74 @@ class ProgressTest(CommandCase):
         status, output = check_slowly(path)
         self.assertEqual(status, 0)
         self.assertIn(b"Reading " + path.encode() + b": 0 MiB", output)
-        self.assertTrue(output.endswith(b"\r\x1b[K"))
+        self.assertTrue(output.endswith(CLEAR))
+
+    def lines_on(self, *terminals):
+        """For each terminal the only line that reading a pipe with a long name shows there, or None."""
+        name = "a-folder-of-the-network-\u6771\u4eac\u6771\u4eac-and-its-name-e\u0301\u0301.xml"
+
+        def line_on(number):
+            os.mkdir(self.path(f"{number:02}"))
+            path = self.pipe(f"{number:02}/{name}")
+            status, output = check_slowly(path, **terminals[number])
+            lines = set(lines_of(output))
+            self.assertEqual((status, len(lines) < 2), (0, True))
+            return path, lines.pop() if lines else None
+        with concurrent.futures.ThreadPoolExecutor(len(terminals)) as pool:
+            return list(pool.map(line_on, range(len(terminals))))
+
+    def test_line_fits_the_terminal(self):
+        widths = {20: {"columns": 20}, 40: {"columns": 40}, 41: {"columns": 41}, 80: {"columns": 80},
+                  42: {"environment": {"COLUMNS": "42"}},
+                  39: {"columns": 39, "environment": {"COLUMNS": "200"}}}
+        for (columns, (_, line)) in zip(widths, self.lines_on(*widths.values())):
+            with self.subTest(columns=columns):
+                # The last column stays free, and one more when a wide character does not fit.
+                width = width_of(line)
+                self.assertIn(columns - width, (1, 2) if columns > 20 else (6,))
+                self.assertRegex(line, "^Reading /.*\\.\\.\\..*e\u0301\u0301\\.xml: 0 MiB$" if columns > 20
+                                 else "^Reading: 0 MiB$")
+
+    def test_terminal_that_does_not_say_its_width_has_80_columns(self):
+        for _, line in self.lines_on({}, {"environment": {"COLUMNS": "wide"}}):
+            self.assertIn(80 - width_of(line), (1, 2))
+
+    def test_line_on_a_wide_terminal_is_whole_and_on_a_narrow_one_loses_parts(self):
+        (path, whole), (_, amount), (_, none) = self.lines_on(
+            {"columns": 200}, {"columns": 8}, {"columns": 5})
+        self.assertEqual((whole, amount, none), (f"Reading {path}: 0 MiB", "0 MiB", None))
+
+    def test_it_is_not_shown_on_a_terminal_that_cannot_clear_it(self):
+        path = self.pipe()
+        for kind in ("dumb", ""):
+            self.assertEqual(check_slowly(path, environment={"TERM": kind}), (0, b""))
+
+    def test_it_is_cleared_before_other_lines(self):
+        good = self.file(GOOD, "good.xml")
+        path = self.pipe()
+        status, output = on_terminal("check", "--jobs", "1", good, path, good, feed=lambda: feed_slowly(path))
+        self.assertEqual(status, 0)
+        shown = output.replace(b"\r\n", b"\n")
+        self.assertIn(b"Reading " + path.encode(), shown)
+        lines = [line.split(CLEAR)[-1] for line in shown.split(b"\n")]
+        self.assertEqual(lines, [each.encode() + b": " + GREEN_OK for each in (good, path, good)]
+                         + [b""])
+
+    def test_output_on_the_terminal_and_into_a_pipe_has_no_progress(self):
+        objects = "".join(managed_object(f"A-{n}", body=f"<p name='x'>{'y' * 100}</p>")
+                          for n in range(2000))
+        source = self.file(document(objects), "source.xml")
+        path = self.pipe()
+        delta = document(managed_object("B-1", "create"))
+
+        def feed():
+            with open(path, "w", encoding="utf-8") as file:
+                time.sleep(LONGER_THAN_UNSHOWN)
+                file.write(delta)
+        _, output = on_terminal("merge", source, path, feed=feed)
+        document_text = output.replace(b"\r\n", b"\n").split(CLEAR)[-1]
+        self.assertEqual(document_text.count(b"<managedObject"), 2001)
+        self.assertNotIn(b"Writing standard output", output)
 
     def test_slow_writing_is_shown_too(self):
         source = self.file(document(managed_object("A-1", body="<p name='x'>" + "x" * 12000000
@@ -146,7 +244,7 @@ class PipeTest(CommandCase):
         result = subprocess.run(["bash", "-c", '"$0" check "$1" >&-', TARN, self.file(GOOD)],
                                 stderr=subprocess.PIPE, check=False)
         self.assertEqual((result.returncode, result.stderr),
-                         (5, b"standard output: error: Bad file descriptor\n"))
+                         (5, b"standard output: error: is closed\n"))
 
 
 class SignalTest(CommandCase):
@@ -266,6 +364,19 @@ class HelpTest(CommandCase):
                  "tarn list has no option '--fromat', did you mean '--format'?"),
                 (["check", "x", "--zzzzzzzzz"], "tarn check has no option '--zzzzzzzzz'"),
                 (["help", "tre"], "no command 'tre', did you mean 'tree'?")):
+            with self.subTest(arguments=arguments):
+                self.expect(tarn(*arguments), 64, "", f"tarn: error: {message}\n")
+
+    def test_wrong_value_of_an_option_is_reported_in_words(self):
+        for arguments, message in (
+                (["check", "x", "--jobs", "-1"], "--jobs: '-1' is no number from 0 on"),
+                (["check", "x", "--jobs=1x"], "--jobs: '1x' is no number from 0 on"),
+                (["check", "x", "--jobs", str(2**32)], f"--jobs: '{2**32}' is too large"),
+                (["tree", "x", "--depth", "0"], "--depth: '0' is no number from 1 on"),
+                (["list", "x", "--format", "1"], "--format: '1' is not csv, dn, dn0, json, jsonl, table or tsv"),
+                (["--color", "red", "check", "x"], "--color: 'red' is not always, auto or never"),
+                (["list", "x", "--operation", "drop"],
+                 "--operation: 'drop' is not create, delete, update, auto or none")):
             with self.subTest(arguments=arguments):
                 self.expect(tarn(*arguments), 64, "", f"tarn: error: {message}\n")
 

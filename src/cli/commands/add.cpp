@@ -4,6 +4,7 @@
 #include "commonOptions.hpp"
 #include "documents/Outcomes.hpp"
 #include "documents/documentFile.hpp"
+#include "files/InputFile.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/exceptions/ModelException.hpp"
 #include "libtarn/util/TarnFactory.hpp"
@@ -24,6 +25,7 @@ struct AddRequest {
 };
 
 Status addObjects(const AddRequest& request) {
+  requireOneStandardInput({request.file, request.objectFile});
   Destination destination(request.file, request.target);
   Document document(request.file);
   const Document objects(request.objectFile);

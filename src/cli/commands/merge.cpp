@@ -8,10 +8,12 @@
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
 #include "documents/documentFile.hpp"
+#include "files/InputFile.hpp"
 #include "libtarn/editor/TarnMerge.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/exceptions/ModelException.hpp"
 #include "output/HostLog.hpp"
+#include "output/Progress.hpp"
 #include "output/outputFile.hpp"
 #include "output/printable.hpp"
 #include "output/terminal.hpp"
@@ -81,6 +83,7 @@ struct Applied {
 Applied applyDelta(const MergeRequest& request, const std::string& path, Document& source) {
   refuseSameFile(request.source, path);
   Document delta(path, rulesOf(request));
+  const Progress progress("Merging", path);
   try {
     TarnMerge merge(source);
     if (!merge.mergeDocument(delta)) {
@@ -93,6 +96,7 @@ Applied applyDelta(const MergeRequest& request, const std::string& path, Documen
 }
 
 void validateMerged(const MergeRequest& request, Document& merged) {
+  const Progress progress("Validating", request.source);
   if (merged.validate() == 0) return;
   HostLog::takeError();
   const std::string message = "merged document: " + merged.getDiagnostic().message;
@@ -101,6 +105,9 @@ void validateMerged(const MergeRequest& request, Document& merged) {
 }
 
 Status mergeDeltas(const MergeRequest& request) {
+  std::vector<std::string> inputs = request.deltas;
+  inputs.push_back(request.source);
+  requireOneStandardInput(inputs);
   std::optional<Destination> destination;
   if (!request.checkOnly) destination.emplace(request.source, request.target);
   Document source(request.source, rulesOf(request));

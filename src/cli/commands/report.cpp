@@ -5,6 +5,7 @@
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
 #include "documents/documentFile.hpp"
+#include "output/counted.hpp"
 #include "output/reportPage.hpp"
 #include "output/terminal.hpp"
 
@@ -22,8 +23,9 @@ Status writeReport(const ReportRequest& request) {
   Document document(request.file);
   const ReportPage page = reportPage(request.file, document);
   if (page.violationsLeftOut > 0) {
-    reportNote(request.file,
-               fmt::format("{} violations are left out of the page", page.violationsLeftOut));
+    reportNote(request.file, fmt::format("{} {} left out of the page",
+                                         counted(page.violationsLeftOut, "violation"),
+                                         page.violationsLeftOut == 1 ? "is" : "are"));
   }
   destination.write(page.text);
   destination.commit();

@@ -1,14 +1,14 @@
 #include "documents/documentFile.hpp"
 
-#include <cstdio>
-
 #include "CommandError.hpp"
 #include "documents/faults.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/util/dumpTarnDocument.hpp"
 #include "output/HostLog.hpp"
+#include "output/Progress.hpp"
 #include "output/outputFile.hpp"
+#include "output/terminal.hpp"
 
 namespace tarn {
 
@@ -26,6 +26,7 @@ void loadDocument(const std::string& path, Document& document, Rules rules) {
 }
 
 void loadDocument(TextFile& file, Document& document, Rules rules) {
+  const Progress progress("Loading", file.path());
   if (document.parse(file.read(), rules == Rules::Checked) == 0) return;
   throwRefused(file, document.getDiagnostic());
 }
@@ -46,14 +47,33 @@ LibTarnCmData& requireCmData(const Document& document, const std::string& path) 
   return *cmData;
 }
 
-void writeResult(Document& document, Destination& destination, const std::string& report) {
+namespace {
+
+std::string textOf(Document& document, const std::string& path) {
+  const Progress progress("Printing", path);
   std::string text;
   libtarn::util::dumpTarnDocument(document, text);
-  destination.write(text);
-  if (destination.isStandardOutput()) {
-    std::fputs(report.c_str(), stderr);
-  } else {
+  return text;
+}
+
+// The status of a report that cannot be written says nothing of a result that is in its place.
+void writeReport(const Destination& destination, const std::string& report) {
+  try {
     writeOutput(report);
+  } catch (const CommandError&) {
+    if (destination.isWritten()) reportNote(destination.name(), "the result has been written");
+    throw;
+  }
+}
+
+}  // namespace
+
+void writeResult(Document& document, Destination& destination, const std::string& report) {
+  destination.write(textOf(document, destination.name()));
+  if (destination.isStandardOutput()) {
+    writeMessage(report);
+  } else {
+    writeReport(destination, report);
   }
   HostLog::flush();  // which takes memory
   destination.commit();

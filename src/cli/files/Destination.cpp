@@ -84,7 +84,11 @@ const char* kindOf(mode_t mode) {
 }  // namespace
 
 Destination::Destination(const std::string& source, const Target& target)
-    : name_(target.inPlace ? source : target.output) {
+    : name_(target.inPlace ? source : target.output), isInPlace_(target.inPlace) {
+  if (name_.empty()) throwNoName();
+  if (target.suffix.find('/') != std::string::npos) {
+    throwUsageError("the SUFFIX of --in-place holds a '/'");
+  }
   if (name_ == STANDARD_OUTPUT) {
     descriptor_ = STDOUT_FILENO;
     return;
@@ -100,7 +104,7 @@ Destination::Destination(const std::string& source, const Target& target)
   const bool exists = ::stat(followed.path.c_str(), &status) == 0;
   if (!exists && errno != ENOENT) throwFileError(name_, errno);
   if (!exists || S_ISREG(status.st_mode)) {
-    replacement_.emplace(name_, followed.path);
+    replacement_.emplace(name_, followed.path, target.suffix);
   } else if (S_ISDIR(status.st_mode)) {
     throwFileError(name_, EISDIR);
   } else if (target.inPlace) {
@@ -111,11 +115,17 @@ Destination::Destination(const std::string& source, const Target& target)
 bool Destination::isStandardOutput() const { return descriptor_ == STDOUT_FILENO; }
 
 void Destination::write(const std::string& text) {
-  if (isGzipName(name_)) {
+  if (isCompressed()) {
     writeContent(gzip(name_, text));
   } else {
     writeContent(text);
   }
+  isWritten_ = !replacement_;
+}
+
+// A file stays what it is, whatever its name.
+bool Destination::isCompressed() const {
+  return isInPlace_ ? replacement_ && replacement_->holdsGzip() : isGzipName(name_);
 }
 
 void Destination::commit() {

@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <ctime>
 #include <new>
@@ -21,6 +22,8 @@
 #include "CommandError.hpp"
 #include "files/InputFile.hpp"
 #include "files/accessRights.hpp"
+#include "files/blockSizes.hpp"
+#include "output/Progress.hpp"
 #include "output/outputFile.hpp"
 #include "output/terminal.hpp"
 
@@ -58,6 +61,28 @@ bool isSameState(const struct stat& a, const struct stat& b) {
          isSameTime(a.st_ctim, b.st_ctim);
 }
 
+// When the file gets a second name, only the time of its status changes.
+bool isSameContent(const struct stat& a, const struct stat& b) {
+  return isSameFile(a, b) && a.st_size == b.st_size && isSameTime(a.st_mtim, b.st_mtim);
+}
+
+// A new file cannot be made in the folder, although the file itself may be writable.
+[[noreturn]] void throwFolderError(const std::string& path, int error) {
+  if (error != EACCES && error != EPERM && error != EROFS) throwFileError(path, error);
+  throw CommandError(Status::FileError, path,
+                     "its folder takes no new file: " + std::generic_category().message(error));
+}
+
+void requireNoInput(const std::filesystem::path& path) {
+  std::error_code isNone;
+  const std::string target = std::filesystem::weakly_canonical(path, isNone).string();
+  if (isNone == std::errc::not_enough_memory) throw std::bad_alloc();
+  if (!isNone && InputFile::hasReadFileAt(target)) {
+    throw CommandError(Status::FileError, path,
+                       "has been read, and the old file cannot be kept there");
+  }
+}
+
 // A folder without read permission can be opened as a path only, and not be flushed.
 Descriptor openFolder(const std::string& name) {
   Descriptor folder(::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -67,14 +92,35 @@ Descriptor openFolder(const std::string& name) {
 
 }  // namespace
 
-FileReplacement::FileReplacement(std::string name, std::filesystem::path target)
+FileReplacement::FileReplacement(std::string name, std::filesystem::path target,
+                                 const std::string& suffix)
     : name_(std::move(name)),
       target_(std::move(target)),
       folderName_(target_.has_parent_path() ? target_.parent_path().string() : "."),
       baseName_(target_.filename().string()),
+      keptName_(suffix.empty() ? "" : baseName_ + suffix),
       folder_(openFolder(folderName_)) {
+  if (!folder_.isOpen() && errno == ENOENT) {
+    throw CommandError(Status::FileError, name_, "its folder does not exist");
+  }
   if (!folder_.isOpen()) throwFileError(name_, errno);
+  if (!keptName_.empty()) requireKeepable();
   lockTarget();
+}
+
+std::filesystem::path FileReplacement::keptPath() const {
+  return target_.parent_path() / keptName_;
+}
+
+// An earlier kept file is replaced. Anything else of that name is not what a user wants to lose.
+void FileReplacement::requireKeepable() const {
+  struct stat status {};
+  if (::fstatat(folder_.get(), keptName_.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (errno != ENOENT) throwFileError(keptPath(), errno);
+  } else if (!S_ISREG(status.st_mode)) {
+    throw CommandError(Status::FileError, keptPath(),
+                       "is no regular file, and the old file cannot be kept there");
+  }
 }
 
 void FileReplacement::lockTarget() {
@@ -128,27 +174,77 @@ bool FileReplacement::isUnchanged() const {
 }
 
 void FileReplacement::write(const std::string& content) {
+  const Progress progress("Writing", name_);
   if (file_.isOpen() && status_.st_nlink > 1) {
     reportNote(name_, "other names of the file keep what it held");
   }
   temporary_.emplace(folder_.get(), baseName_);
   Descriptor& temporary = temporary_->file();
-  if (!temporary.isOpen() || !writeAll(temporary.get(), name_, content)) {
-    throwFileError(name_, errno);
-  }
+  if (!temporary_->isThere()) throwFolderError(name_, errno);
+  if (!writeAll(temporary.get(), name_, content)) throwFileError(name_, errno);
+  finish(*temporary_);
+}
+
+// Rights and data are on the disk before the file gets its name.
+void FileReplacement::finish(TemporaryFile& made) const {
   if (file_.isOpen()) {
-    takeOverAccess(name_, file_.get(), status_, temporary.get());
+    takeOverAccess(name_, file_.get(), status_, made.file().get());
   } else {
-    giveUsualAccess(name_, folderName_, temporary.get());
+    giveUsualAccess(name_, folderName_, made.file().get());
   }
-  if (::fsync(temporary.get()) != 0 || !temporary.close()) throwFileError(name_, errno);
+  if (::fsync(made.file().get()) != 0 || !made.file().close()) throwFileError(name_, errno);
 }
 
 void FileReplacement::commit() {
   if (!isUnchanged()) throwChangedError(name_);
+  if (!keptName_.empty() && file_.isOpen()) {
+    keep();
+    if (!isUnchanged()) throwChangedError(name_);
+  }
   if (!temporary_->moveTo(baseName_)) throwFileError(name_, errno);
   // Writes the new name to the disk. The data is already there, so a failure does not matter.
   ::fsync(folder_.get());
+}
+
+// Gives the old file a second name, so that the first one always leads to a file.
+void FileReplacement::keep() {
+  requireKeepable();
+  requireNoInput(keptPath());
+  TemporaryFile second(folder_.get(), baseName_, TemporaryFile::Kind::SecondName);
+  if (!second.isThere()) return keepCopy();
+  if (!second.isFile(status_)) throwChangedError(name_);
+  if (!second.moveTo(keptName_)) throwFileError(keptPath(), errno);
+  struct stat status {};
+  if (::fstat(file_.get(), &status) != 0) throwFileError(name_, errno);
+  if (isSameContent(status, status_)) status_ = status;
+}
+
+// For file systems without second names, and for files of others.
+void FileReplacement::keepCopy() {
+  TemporaryFile copy(folder_.get(), baseName_);
+  if (!copy.isThere()) throwFolderError(keptPath(), errno);
+  std::string block;
+  for (off_t offset = 0; readBlock(block, offset); offset += static_cast<off_t>(block.size())) {
+    if (!writeAll(copy.file().get(), keptPath(), block)) throwFileError(keptPath(), errno);
+  }
+  finish(copy);
+  if (!isUnchanged()) throwChangedError(name_);
+  if (!copy.moveTo(keptName_)) throwFileError(keptPath(), errno);
+}
+
+// Returns false at the end of the file.
+bool FileReplacement::readBlock(std::string& block, off_t offset) const {
+  block.resize(READ_BLOCK);
+  const ssize_t count = ::pread(file_.get(), block.data(), block.size(), offset);
+  if (count < 0) throwFileError(name_, errno);
+  block.resize(static_cast<std::size_t>(count));
+  return count > 0;
+}
+
+bool FileReplacement::holdsGzip() const {
+  constexpr std::array<char, 2> MAGIC = {'\x1f', '\x8b'};
+  std::array<char, 2> start{};
+  return ::pread(file_.get(), start.data(), start.size(), 0) == 2 && start == MAGIC;
 }
 
 }  // namespace tarn

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -20,6 +21,7 @@
 #include <utility>
 
 #include "CommandError.hpp"
+#include "output/outputFile.hpp"
 
 #ifdef TARN_WITH_ZLIB
 #include <zlib.h>
@@ -63,6 +65,27 @@ void rememberPath(int descriptor, const struct stat& status) {
   readPaths.insert(path);
 }
 
+[[noreturn]] void throwStandardInputTwice() {
+  throwUsageError("standard input is named more than once, but can be read once only");
+}
+
+// Also /dev/stdin and the like, except when standard input is a file, which can be opened again.
+bool isStandardInput(const std::string& name) {
+  struct stat named {};
+  struct stat input {};
+  return name == STANDARD_INPUT ||
+         (::stat(name.c_str(), &named) == 0 && ::fstat(STDIN_FILENO, &input) == 0 &&
+          !S_ISREG(input.st_mode) && named.st_dev == input.st_dev && named.st_ino == input.st_ino);
+}
+
+int openInput(const std::string& path) {
+  static std::atomic<bool> isStandardInputOpened{false};
+  if (path.empty()) throwNoName();
+  if (path != STANDARD_INPUT) return ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (isStandardInputOpened.exchange(true)) throwStandardInputTwice();
+  return ::dup(STDIN_FILENO);
+}
+
 #ifdef TARN_WITH_ZLIB
 
 [[noreturn]] void throwReadError(const std::string& path, gzFile file) {
@@ -81,6 +104,10 @@ constexpr const char* MAGIC = "\x1f\x8b";
 #endif
 
 }  // namespace
+
+void requireOneStandardInput(const std::vector<std::string>& names) {
+  if (std::count_if(names.begin(), names.end(), isStandardInput) > 1) throwStandardInputTwice();
+}
 
 #ifdef TARN_WITH_ZLIB
 
@@ -108,6 +135,10 @@ std::size_t InputFile::read(char* block, std::size_t size) {
   return 0;
 }
 
+std::uint64_t InputFile::position() const {
+  return static_cast<std::uint64_t>(std::max<z_off_t>(gzoffset(reader_->file), 0));
+}
+
 void InputFile::rewind() {
   if (gzrewind(reader_->file) != 0) throwReadError(path_, reader_->file);
 }
@@ -122,6 +153,7 @@ struct InputFile::Reader {
 
   int descriptor;
   bool isAtStart = true;
+  std::uint64_t position = 0;
 };
 
 std::size_t InputFile::read(char* block, std::size_t size) {
@@ -133,18 +165,21 @@ std::size_t InputFile::read(char* block, std::size_t size) {
   if (std::exchange(reader_->isAtStart, false) && count >= 2 && std::memcmp(block, MAGIC, 2) == 0) {
     throw CommandError(Status::FileError, path_, "this build cannot read compressed files");
   }
+  reader_->position += static_cast<std::size_t>(count);
   return static_cast<std::size_t>(count);
 }
 
+std::uint64_t InputFile::position() const { return reader_->position; }
+
 void InputFile::rewind() {
   if (::lseek(reader_->descriptor, 0, SEEK_SET) != 0) throwFileError(path_, errno);
+  reader_->position = 0;
 }
 
 #endif
 
 InputFile::InputFile(const std::string& path) : path_(path) {
-  const int descriptor =
-      path == STANDARD_INPUT ? ::dup(STDIN_FILENO) : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  const int descriptor = openInput(path);
   if (descriptor < 0) throwFileError(path_, errno);
   try {
     reader_ = std::make_unique<Reader>(descriptor);
@@ -154,6 +189,9 @@ InputFile::InputFile(const std::string& path) : path_(path) {
   }
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) throwFileError(path_, errno);
+  if (path == STANDARD_INPUT && isReserved(descriptor)) {
+    throw CommandError(Status::FileError, "standard input", "is closed");
+  }
   if (S_ISDIR(status.st_mode)) throwFileError(path_, EISDIR);
   if (S_ISREG(status.st_mode)) rememberPath(descriptor, status);
   // The file offset of standard input may be anywhere.

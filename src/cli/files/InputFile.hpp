@@ -4,11 +4,17 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tarn {
 
+/// Throws CommandError when more than one of `names`, the inputs of a command, is standard input,
+/// which can be read once only. Called before anything is read.
+void requireOneStandardInput(const std::vector<std::string>& names);
+
 /// Reads a file, or standard input for "-", from its start, and decompresses it when it is a gzip
-/// file. All functions throw CommandError when it cannot be read.
+/// file. All functions throw CommandError when it cannot be read; so does a second object for
+/// standard input.
 class InputFile {
  public:
   explicit InputFile(const std::string& path);
@@ -30,6 +36,8 @@ class InputFile {
   bool isSeekable() const { return isSeekable_; }
   /// Size of the file in bytes as it is on the disk, compressed or not; 0 for a pipe.
   std::uint64_t size() const { return size_; }
+  /// How many of these bytes have been read so far.
+  std::uint64_t position() const;
 
  private:
   struct Reader;

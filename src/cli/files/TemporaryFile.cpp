@@ -2,15 +2,18 @@
 
 #include <fcntl.h>
 #include <sys/random.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <utility>
+
+#include "output/SignalBlock.hpp"
 
 namespace tarn {
 
@@ -18,57 +21,29 @@ namespace {
 
 constexpr std::size_t SUFFIX_SIZE = 7;  // a dot and six characters
 constexpr int MOST_NAMES = 100;
+constexpr std::size_t MOST_FILES = 2;
 
-// The file that a signal handler removes.
+// A file that a signal handler removes. A folder less than 0: none.
 struct FileInTheMaking {
   int folder = -1;
   std::array<char, NAME_MAX + 1> name{};
 };
-FileInTheMaking fileInTheMaking;
+std::array<FileInTheMaking, MOST_FILES> filesInTheMaking;
+// The signals that have the handler.
+sigset_t handled;
 
-extern "C" void removeFileInTheMaking(int signalNumber) {
-  ::unlinkat(fileInTheMaking.folder, fileInTheMaking.name.data(), 0);
+extern "C" void removeFilesInTheMaking(int signalNumber) {
+  for (const FileInTheMaking& each : filesInTheMaking) {
+    if (each.folder >= 0) ::unlinkat(each.folder, each.name.data(), 0);
+  }
   // The handler was for one signal only; now it ends the program.
   ::raise(signalNumber);
 }
 
-// Signals with the kernel's numbers. The C library reserves two signals and lets nobody block or
-// handle them, but when another process sends one it still ends the program.
-using SignalSet = std::array<unsigned long, (_NSIG - 1) / (sizeof(unsigned long) * CHAR_BIT)>;
-
-SignalSet librarySignals() {
-  constexpr std::size_t WORD_BITS = sizeof(unsigned long) * CHAR_BIT;
-  SignalSet signals{};
-  for (const std::size_t number : {32U, 33U}) {
-    signals[(number - 1) / WORD_BITS] |= 1UL << (number - 1) % WORD_BITS;
-  }
-  return signals;
+bool isAnyInTheMaking() {
+  return std::any_of(filesInTheMaking.begin(), filesInTheMaking.end(),
+                     [](const FileInTheMaking& each) { return each.folder >= 0; });
 }
-
-SignalSet allSignals() {
-  SignalSet signals{};
-  signals.fill(~0UL);
-  return signals;
-}
-
-// Returns what was blocked before.
-SignalSet changeBlocked(int how, const SignalSet& signals) {
-  SignalSet earlier{};
-  ::syscall(SYS_rt_sigprocmask, how, signals.data(), earlier.data(), sizeof(signals));
-  return earlier;
-}
-
-/// Blocks all signals.
-class SignalBlock {
- public:
-  SignalBlock() : earlier_(changeBlocked(SIG_BLOCK, allSignals())) {}
-  SignalBlock(const SignalBlock&) = delete;
-  SignalBlock& operator=(const SignalBlock&) = delete;
-  ~SignalBlock() { changeBlocked(SIG_SETMASK, earlier_); }
-
- private:
-  SignalSet earlier_;
-};
 
 // True if the signal ends the program by default, and may be handled.
 bool endsProgram(int signalNumber) {
@@ -99,62 +74,89 @@ std::string randomSuffix() {
   return suffix;
 }
 
+void handleSignals() {
+  sigemptyset(&handled);
+  struct sigaction action {};
+  action.sa_handler = removeFilesInTheMaking;
+  action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+  for (int number = 1; number < _NSIG; ++number) {
+    if (!endsProgram(number)) continue;
+    if (::sigaction(number, &action, nullptr) == 0) sigaddset(&handled, number);
+  }
+}
+
+void leaveSignals() {
+  for (int number = 1; number < _NSIG; ++number) {
+    if (sigismember(&handled, number) == 1) ::signal(number, SIG_DFL);
+  }
+}
+
 }  // namespace
 
-TemporaryFile::TemporaryFile(int folder, const std::string& name) : folder_(folder) {
-  sigemptyset(&handled_);
+// Signals that the C library reserves cannot be handled, so they wait until no file is left.
+TemporaryFile::TemporaryFile(int folder, const std::string& name, Kind kind) : folder_(folder) {
   changeBlocked(SIG_BLOCK, librarySignals());
   // No signal may arrive after the file is created and before the handler knows of it.
   const SignalBlock block;
-  create(name);
-  if (file_.isOpen()) handleSignals();
+  const std::string stem = stemOf(folder_, name);
+  for (int i = 0; i < MOST_NAMES && !isThere_; ++i) {
+    name_ = stem + randomSuffix();
+    isThere_ = create(name, kind);
+    if (!isThere_ && errno != EEXIST) return;
+  }
+  if (isThere_) enter();
 }
 
 TemporaryFile::~TemporaryFile() {
   {
     const SignalBlock block;
     if (isThere_) ::unlinkat(folder_, name_.c_str(), 0);
-    leaveSignals();
+    leave();
   }
-  changeBlocked(SIG_UNBLOCK, librarySignals());
+  if (!isAnyInTheMaking()) changeBlocked(SIG_UNBLOCK, librarySignals());
 }
 
 bool TemporaryFile::moveTo(const std::string& name) {
   const SignalBlock block;
   if (::renameat(folder_, name_.c_str(), folder_, name.c_str()) != 0) return false;
-  isThere_ = false;
-  leaveSignals();
+  // Of two names of one file the kernel removes neither.
+  ::unlinkat(folder_, name_.c_str(), 0);
+  leave();
   return true;
 }
 
-void TemporaryFile::create(const std::string& name) {
-  const std::string stem = stemOf(folder_, name);
-  for (int i = 0; i < MOST_NAMES && !file_.isOpen(); ++i) {
-    name_ = stem + randomSuffix();
-    file_ = Descriptor(
-        ::openat(folder_, name_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!file_.isOpen() && errno != EEXIST) return;
-  }
-  isThere_ = file_.isOpen();
+bool TemporaryFile::isFile(const struct stat& status) const {
+  struct stat own {};
+  return ::fstatat(folder_, name_.c_str(), &own, AT_SYMLINK_NOFOLLOW) == 0 &&
+         own.st_dev == status.st_dev && own.st_ino == status.st_ino;
 }
 
-void TemporaryFile::handleSignals() {
-  fileInTheMaking.folder = folder_;
-  std::memcpy(fileInTheMaking.name.data(), name_.c_str(), name_.size() + 1);
-  struct sigaction action {};
-  action.sa_handler = removeFileInTheMaking;
-  action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
-  for (int number = 1; number < _NSIG; ++number) {
-    if (!endsProgram(number)) continue;
-    if (::sigaction(number, &action, nullptr) == 0) sigaddset(&handled_, number);
+// Returns false, with errno, when name_ cannot be given.
+bool TemporaryFile::create(const std::string& name, Kind kind) {
+  if (kind == Kind::SecondName) {
+    return ::linkat(folder_, name.c_str(), folder_, name_.c_str(), 0) == 0;
+  }
+  file_ = Descriptor(
+      ::openat(folder_, name_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+  return file_.isOpen();
+}
+
+void TemporaryFile::enter() {
+  if (!isAnyInTheMaking()) handleSignals();
+  for (FileInTheMaking& each : filesInTheMaking) {
+    if (each.folder >= 0) continue;
+    each.folder = folder_;
+    std::memcpy(each.name.data(), name_.c_str(), name_.size() + 1);
+    return;
   }
 }
 
-void TemporaryFile::leaveSignals() {
-  for (int number = 1; number < _NSIG; ++number) {
-    if (sigismember(&handled_, number) == 1) ::signal(number, SIG_DFL);
+void TemporaryFile::leave() {
+  if (!std::exchange(isThere_, false)) return;
+  for (FileInTheMaking& each : filesInTheMaking) {
+    if (each.folder >= 0 && name_ == each.name.data()) each.folder = -1;
   }
-  sigemptyset(&handled_);
+  if (!isAnyInTheMaking()) leaveSignals();
 }
 
 }  // namespace tarn

@@ -10,7 +10,7 @@
 #include "CommandError.hpp"
 #include "files/blockSizes.hpp"
 #include "libtarn/util/XmlCheck.hpp"
-#include "output/terminal.hpp"
+#include "output/Progress.hpp"
 
 namespace tarn {
 
@@ -51,7 +51,7 @@ std::vector<char> TextFile::read() {
     const void* const nul = std::memchr(block.data(), '\0', count);
     text.insert(text.end(), block.data(), block.data() + count);
     if (nul) refuseNul(text, count - offsetIn(block, nul));
-    progress.advance(count);
+    progress.reach(file_.position());
   }
   text.push_back('\0');
   if (!file_.isSeekable()) copy_ = text;

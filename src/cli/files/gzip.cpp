@@ -12,6 +12,7 @@
 #include <new>
 
 #include "files/blockSizes.hpp"
+#include "output/Progress.hpp"
 #endif
 
 namespace tarn {
@@ -24,7 +25,7 @@ bool isGzipName(const std::string& path) {
 
 #ifdef TARN_WITH_ZLIB
 
-std::string gzip(const std::string& /*path*/, const std::string& text) {
+std::string gzip(const std::string& path, const std::string& text) {
   constexpr int WITH_GZIP_HEADER = 16;
   constexpr int MEMORY_LEVEL = 8;
   z_stream stream{};
@@ -33,6 +34,7 @@ std::string gzip(const std::string& /*path*/, const std::string& text) {
     throw std::bad_alloc();
   }
   const std::unique_ptr<z_stream, decltype(&deflateEnd)> end(&stream, &deflateEnd);
+  Progress progress("Compressing", path, text.size());
   std::string result;
   std::array<char, GZIP_BLOCK> block{};
   std::size_t taken = 0;
@@ -48,6 +50,7 @@ std::string gzip(const std::string& /*path*/, const std::string& text) {
     stream.avail_out = static_cast<uInt>(block.size());
     state = deflate(&stream, taken == text.size() ? Z_FINISH : Z_NO_FLUSH);
     result.append(block.data(), block.size() - stream.avail_out);
+    progress.reach(stream.total_in);
   }
   return result;
 }

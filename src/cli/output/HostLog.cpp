@@ -1,12 +1,12 @@
 #include "output/HostLog.hpp"
 
-#include <cstdio>
 #include <memory>
 #include <new>
 #include <utility>
 
 #include "libtarn/util/Logger.hpp"
 #include "output/printable.hpp"
+#include "output/terminal.hpp"
 
 namespace tarn {
 
@@ -30,7 +30,7 @@ HostLog::Level levelOf(const libtarn::util::Logger::Level& level) {
   return HostLog::Level::Debug;
 }
 
-void writeLine(const std::string& line) { std::fprintf(stderr, "%s\n", printable(line).c_str()); }
+void writeLine(const std::string& line) { writeMessage(printable(line) + "\n"); }
 
 }  // namespace
 

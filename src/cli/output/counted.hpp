@@ -5,9 +5,10 @@
 
 namespace tarn {
 
-/// Returns a number with its noun: "1 object", "2 objects".
-inline std::string counted(std::size_t number, const std::string& noun) {
-  return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
+/// "1 object", "2 objects": the count and the noun, which is given in the singular and takes an
+/// "s".
+inline std::string counted(std::size_t count, const char* noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 }  // namespace tarn

@@ -8,6 +8,10 @@ namespace tarn {
 /// report.
 struct OutputClosed {};
 
+/// True if the standard stream `descriptor` was closed when the command began: main() has put in
+/// its place what can be neither read nor written.
+bool isReserved(int descriptor);
+
 /// Writes `text` to standard output. Throws CommandError when not all of it can be written, and
 /// OutputClosed.
 void writeOutput(const std::string& text);

@@ -70,21 +70,6 @@ Character firstOf(std::string_view text) {
   return {size, code, isPrintableCode(code)};
 }
 
-// Offset of the first character that is not printable, or the size of `text`.
-std::size_t printableSize(std::string_view text) {
-  std::size_t position = 0;
-  while (position < text.size()) {
-    if (text[position] >= ' ' && text[position] <= '~') {
-      ++position;
-      continue;
-    }
-    const Character character = firstOf(text.substr(position));
-    if (!character.isPrintable) break;
-    position += character.size;
-  }
-  return position;
-}
-
 template <class Append>
 std::string escaped(std::string_view text, Append append) {
   std::string result;
@@ -101,6 +86,20 @@ std::string escaped(std::string_view text, Append append) {
 }
 
 }  // namespace
+
+std::size_t printableSize(std::string_view text) {
+  std::size_t position = 0;
+  while (position < text.size()) {
+    if (text[position] >= ' ' && text[position] <= '~') {
+      ++position;
+      continue;
+    }
+    const Character character = firstOf(text.substr(position));
+    if (!character.isPrintable) break;
+    position += character.size;
+  }
+  return position;
+}
 
 // Does not stop at the first other character: nearly all texts have none, and the loop is faster.
 bool isPrintableAscii(std::string_view text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,9 @@ namespace tarn {
 // characters (C0, DEL and C1, which is two bytes in UTF-8), line and paragraph separators, marks
 // that change the direction of writing. These are not printable, and neither is a byte that is not
 // UTF-8, since some terminals read 0x80 to 0x9F as C1. All other characters are printable.
+
+/// Returns how many bytes at the start of `text` are printable characters.
+std::size_t printableSize(std::string_view text);
 
 /// True if every character of `text` is printable.
 bool isPrintable(std::string_view text);

@@ -5,30 +5,24 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <new>
 
+#include "output/Progress.hpp"
 #include "output/printable.hpp"
 
 namespace tarn {
 
 namespace {
 
-constexpr std::int64_t FIRST_SHOW = 1000;  // milliseconds
-constexpr std::int64_t NEXT_SHOW = 100;
-constexpr std::uint64_t MEBIBYTE = 1U << 20U;
-
 ColorChoice colorChoice = ColorChoice::Auto;
-std::atomic<bool> progressIsActive{false};
 
 bool hasColor(int descriptor) {
   if (colorChoice != ColorChoice::Auto) return colorChoice == ColorChoice::Always;
   const char* const noColor = std::getenv("NO_COLOR");
-  return (!noColor || *noColor == '\0') && isatty(descriptor) != 0;
+  return (!noColor || *noColor == '\0') && isCapableTerminal(descriptor);
 }
 
 const char* codeOf(Style style) {
@@ -49,12 +43,29 @@ std::string styledFor(int descriptor, Style style, const std::string& text) {
   return hasColor(descriptor) ? fmt::format("\x1b[{}m{}\x1b[0m", codeOf(style), text) : text;
 }
 
-std::int64_t now() {
-  const auto time = std::chrono::steady_clock::now().time_since_epoch();
-  return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
+/// The first character of a text. The locale's character set is UTF-8, set by main(). An invalid
+/// byte counts as one character.
+struct Character {
+  std::size_t size;     // bytes
+  std::size_t columns;  // on a terminal
+};
+
+// `text` is not empty.
+Character firstOf(std::string_view text) {
+  wchar_t character = L'\0';
+  std::mbstate_t state{};
+  const std::size_t size = std::mbrtowc(&character, text.data(), text.size(), &state);
+  if (size == 0 || size > text.size()) return {1, 1};
+  const int columns = ::wcwidth(character);
+  return {size, columns > 0 ? static_cast<std::size_t>(columns) : 0};
 }
 
 }  // namespace
+
+bool isCapableTerminal(int descriptor) {
+  const char* const kind = std::getenv("TERM");
+  return kind && *kind != '\0' && std::string_view(kind) != "dumb" && ::isatty(descriptor) != 0;
+}
 
 void setColorChoice(ColorChoice choice) { colorChoice = choice; }
 
@@ -62,22 +73,42 @@ std::string styled(Style style, const std::string& text) {
   return styledFor(STDOUT_FILENO, style, text);
 }
 
-// The locale's character set is UTF-8, set by main(). An invalid byte counts as one character.
 std::size_t displayWidth(std::string_view text) {
   const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80U; };
   if (std::all_of(text.begin(), text.end(), isAscii)) return text.size();
   std::size_t width = 0;
-  std::mbstate_t state{};
-  for (std::size_t i = 0; i < text.size();) {
-    wchar_t character = L'\0';
-    const std::size_t size = std::mbrtowc(&character, text.data() + i, text.size() - i, &state);
-    const bool isCharacter = size > 0 && size <= text.size() - i;
-    if (!isCharacter) state = std::mbstate_t{};
-    const int columns = isCharacter ? ::wcwidth(character) : 1;
-    width += columns > 0 ? static_cast<std::size_t>(columns) : 0;
-    i += isCharacter ? size : 1;
+  while (!text.empty()) {
+    const Character character = firstOf(text);
+    width += character.columns;
+    text.remove_prefix(character.size);
   }
   return width;
+}
+
+std::string shortened(const std::string& text, std::size_t columns) {
+  constexpr std::string_view MARK = "...";
+  std::size_t width = displayWidth(text);
+  if (width <= columns) return text;
+  if (columns <= MARK.size()) return "";
+  const std::size_t startColumns = (columns - MARK.size()) / 3;
+  const std::size_t endColumns = columns - MARK.size() - startColumns;
+  std::string start;
+  std::string_view rest = text;
+  for (std::size_t taken = 0; width > endColumns;) {
+    const Character character = firstOf(rest);
+    taken += character.columns;
+    width -= character.columns;
+    if (taken <= startColumns) start += rest.substr(0, character.size);
+    rest.remove_prefix(character.size);
+  }
+  // Marks that combine with a character that is left out.
+  while (!rest.empty() && firstOf(rest).columns == 0) rest.remove_prefix(firstOf(rest).size);
+  return start.append(MARK).append(rest);
+}
+
+void writeMessage(std::string_view lines) {
+  const ProgressPause pause;
+  std::fwrite(lines.data(), 1, lines.size(), stderr);
 }
 
 void reportError(std::string_view line) {
@@ -89,52 +120,39 @@ void reportError(std::string_view line) {
       text.replace(position + 2, word.size(), styledFor(STDERR_FILENO, Style::Bad, word));
     }
     text += '\n';
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    writeMessage(text);
   } catch (const std::bad_alloc&) {
-    std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
+    writeMessage(line);
+    writeMessage("\n");
   }
 }
 
 void reportNoMemory(const char* subject) {
-  std::fprintf(stderr, "%s: error: not enough memory\n", subject);
+  std::string_view text(subject);
+  const ProgressPause pause;
+  while (!text.empty()) {
+    const std::size_t size = printableSize(text);
+    std::fwrite(text.data(), 1, size, stderr);
+    text.remove_prefix(size);
+    if (text.empty()) break;
+    std::fprintf(stderr, "\\x%02X", static_cast<unsigned>(static_cast<unsigned char>(text[0])));
+    text.remove_prefix(1);
+  }
+  std::fputs(": error: not enough memory\n", stderr);
 }
 
 void reportNote(const std::string& subject, const std::string& message) {
-  std::fprintf(stderr, "%s: note: %s\n", printable(subject).c_str(), message.c_str());
+  writeMessage(printable(subject) + ": note: " + printable(message) + "\n");
 }
 
 bool confirms(const std::string& question) {
   if (::isatty(STDIN_FILENO) == 0 || ::isatty(STDERR_FILENO) == 0) return true;
+  const ProgressPause pause;
   std::fprintf(stderr, "%s [y/N] ", question.c_str());
   std::array<char, 16> answer{};
   if (!std::fgets(answer.data(), answer.size(), stdin)) return false;
   const std::string_view text(answer.data());
   return text == "y\n" || text == "Y\n" || text == "yes\n";
-}
-
-Progress::Progress(const char* action, const std::string& path, std::uint64_t total)
-    : label_(fmt::format("{} {}", action, printable(path))),
-      total_(total),
-      nextShow_(now() + FIRST_SHOW),
-      isActive_(isatty(STDERR_FILENO) != 0 && !progressIsActive.exchange(true)) {}
-
-Progress::~Progress() {
-  if (isShown_) std::fputs("\r\x1b[K", stderr);
-  if (isActive_) progressIsActive = false;
-}
-
-void Progress::advance(std::uint64_t bytes) {
-  done_ += bytes;
-  if (!isActive_ || now() < nextShow_) return;
-  nextShow_ = now() + NEXT_SHOW;
-  show();
-}
-
-void Progress::show() {
-  isShown_ = true;
-  const std::string amount = total_ > 0 ? fmt::format("{} %", done_ * 100 / total_)
-                                        : fmt::format("{} MiB", done_ / MEBIBYTE);
-  std::fprintf(stderr, "\r\x1b[K%s: %s", label_.c_str(), amount.c_str());
 }
 
 }  // namespace tarn

@@ -6,6 +6,7 @@ Arguments: the command, and the library that holds it up while it flushes the ne
 
 import fcntl
 import os
+import pty
 import signal
 import stat
 import subprocess
@@ -35,10 +36,10 @@ class HeldCase(CommandCase):
         super().setUp()
         self.mark = self.path("mark")
 
-    def start(self, *arguments, **options):
+    def start(self, *arguments, variables=None, **options):
         return subprocess.Popen([TARN, *arguments], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                 env=dict(os.environ, LD_PRELOAD=HELD_DISK,
-                                         TARN_HELD_FILE=self.mark), **options)
+                                         TARN_HELD_FILE=self.mark, **(variables or {})), **options)
 
     def start_held(self, *arguments, **options):
         """Starts the command and waits until the new file is complete but has not replaced the old one."""
@@ -219,6 +220,98 @@ class FreshnessTest(HeldCase):
         self.expect_untouched(out, "something")
 
 
+class KeepTest(HeldCase):
+    """--in-place=SUFFIX: the old file is kept."""
+
+    KEEP = ["set", "--p", "a=2", "--in-place=.bak"]
+    # How the old file gets its second name: a link, or a copy where links are impossible.
+    WAYS = ({}, {"TARN_NO_LINKS": "1"})
+
+    def files(self):
+        return {name: self.read(self.path(name)) for name in os.listdir(self.folder)
+                if name != os.path.basename(self.mark)}
+
+    def test_copy_is_made_where_a_file_gets_no_second_name(self):
+        path = self.file(SOURCE + "\n" * 1_000_000, "source.xml")
+        before = self.read(path)
+        os.chmod(path, 0o6640)
+        self.file("earlier", "source.xml.bak")
+        result = run(TARN, *self.KEEP, path,
+                     env=dict(os.environ, LD_PRELOAD=HELD_DISK, TARN_NO_LINKS="1"))
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        files = self.files()
+        self.assertEqual(sorted(files), ["source.xml", "source.xml.bak"])
+        self.assertIn(b">2<", files["source.xml"])
+        self.assertEqual(files["source.xml.bak"], before)
+        for name in files:
+            self.assertEqual(stat.S_IMODE(os.stat(self.path(name)).st_mode), 0o6640)
+
+    def test_there_is_a_file_at_every_moment(self):
+        for variables in self.WAYS:
+            path = self.file(SOURCE, "source.xml")
+            os.replace(self.file("earlier", "earlier"), path + ".bak")
+            for number, kept in (("1", b"earlier"), ("2", SOURCE.encode())):
+                process = self.start_held(*self.KEEP, path,
+                                          variables={"TARN_HELD_RENAME": number, **variables})
+                files = self.files()
+                self.assertEqual((files["source.xml"], files["source.xml.bak"]),
+                                 (SOURCE.encode(), kept))
+                process.kill()
+                process.communicate()
+                os.remove(self.mark)
+                self.assertEqual(self.read(path), SOURCE.encode())
+                for name in set(self.files()) - {"source.xml", "source.xml.bak"}:
+                    os.remove(self.path(name))
+
+    def test_signals_leave_no_temporary_file(self):
+        for variables in self.WAYS:
+            for number in ("1", "2"):
+                path = self.file(SOURCE, "source.xml")
+                process = self.start_held(*self.KEEP, path,
+                                          variables={"TARN_HELD_RENAME": number, **variables})
+                process.send_signal(signal.SIGTERM)
+                self.assertEqual(self.finish(process)[0], -signal.SIGTERM)
+                files = self.files()
+                self.assertEqual(sorted(files), ["source.xml", "source.xml.bak"])
+                self.assertEqual(files["source.xml.bak"], SOURCE.encode())
+                self.assertEqual(files["source.xml"] == SOURCE.encode(), number == "1")
+
+    def test_file_that_changed_meanwhile_is_left_and_nothing_kept(self):
+        other = SOURCE.replace(">1<", ">7<")
+        for variables in self.WAYS:
+            path = self.file(SOURCE, "source.xml")
+            self.file("earlier", "source.xml.bak")
+            process = self.start_held(*self.KEEP, path, variables=variables)
+            os.replace(self.file(other, "other"), path)
+            status, _, err = self.finish(process)
+            self.assertEqual((status, err), (
+                5, f"{path}: error: was changed meanwhile and is left as it is\n".encode()))
+            self.assertEqual(self.files(),
+                             {"source.xml": other.encode(), "source.xml.bak": b"earlier"})
+
+    def test_file_that_changed_while_the_old_one_was_kept_is_left(self):
+        other = SOURCE.replace(">1<", ">7<")
+        for variables in self.WAYS:
+            path = self.file(SOURCE, "source.xml")
+            process = self.start_held(*self.KEEP, path,
+                                      variables={"TARN_HELD_RENAME": "1", **variables})
+            os.replace(self.file(other, "other"), path)
+            self.assertEqual(self.finish(process)[0], 5)
+            self.assertEqual(self.files(), {"source.xml": other.encode(),
+                                            "source.xml.bak": SOURCE.encode()})
+
+    def test_place_that_became_a_folder_is_left(self):
+        path = self.file(SOURCE, "source.xml")
+        process = self.start_held(*self.KEEP, path)
+        os.mkdir(self.path("source.xml.bak"))
+        status, _, err = self.finish(process)
+        self.assertEqual((status, err), (
+            5, f"{path}.bak: error: is no regular file, and the old file cannot be kept there\n"
+            .encode()))
+        self.assertEqual(self.read(path), SOURCE.encode())
+        self.assertEqual(sorted(os.listdir(self.folder)), ["source.xml", "source.xml.bak"])
+
+
 class ReportTest(HeldCase):
     def test_file_is_replaced_only_when_its_report_is_written(self):
         path = self.file(SOURCE, "source.xml")
@@ -239,11 +332,50 @@ class ReportTest(HeldCase):
         path = self.file(SOURCE, "source.xml")
         result = run("bash", "-c", 'exec "$@" >&-', "bash", TARN, *CHANGE, path)
         self.assertEqual((result.returncode, result.stderr),
-                         (5, b"standard output: error: Bad file descriptor\n"))
+                         (5, b"standard output: error: is closed\n"))
         self.expect_untouched(path)
         result = run("bash", "-c", 'exec "$@" <&- 2>&-', "bash", TARN, *CHANGE, path)
         self.assertEqual(result.returncode, 0)
         self.assertTrue(self.read(path).endswith(b"</tarn>\n"))
+
+
+class ProgressTest(HeldCase):
+    def test_work_of_which_nobody_knows_how_much_is_done_is_shown_with_its_seconds(self):
+        path = self.file(SOURCE, "source.xml")
+        master, slave = pty.openpty()
+        self.addCleanup(os.close, master)
+        process = subprocess.Popen(
+            [TARN, *CHANGE, path], stdout=subprocess.DEVNULL, stderr=slave,
+            env=dict(os.environ, LD_PRELOAD=HELD_DISK, TARN_HELD_FILE=self.mark, TERM="xterm",
+                     COLUMNS="200"))
+        os.close(slave)
+        output = b""
+        while f"\r\x1b[KWriting {path}: 2 s".encode() not in output:
+            output += os.read(master, 1000)
+        self.assertIn(f"\r\x1b[KWriting {path}: 1 s".encode(), output)
+        os.remove(self.mark)
+        self.assertEqual(process.wait(), 0)
+        self.assertTrue(os.read(master, 10000).endswith(b"\r\x1b[K"))
+
+    def test_signal_while_it_is_shown_leaves_no_temporary_file(self):
+        for number in (signal.SIGTERM, signal.SIGINT, 32):
+            path = self.file(SOURCE, "source.xml")
+            master, slave = pty.openpty()
+            process = subprocess.Popen(
+                [TARN, *CHANGE, path], stdout=subprocess.DEVNULL, stderr=slave,
+                env=dict(os.environ, LD_PRELOAD=HELD_DISK, TARN_HELD_FILE=self.mark, TERM="xterm"))
+            self.wait_until_held(process)
+            self.assertEqual(len(os.listdir(f"/proc/{process.pid}/task")), 2)
+            process.send_signal(number)
+            if number == 32:  # waits until the file has been replaced
+                os.remove(self.mark)
+            self.assertEqual(process.wait(), -number)
+            os.close(slave)
+            os.close(master)
+            self.assertEqual(b">2<" in self.read(path), number == 32)
+            self.assertEqual([name for name in os.listdir(self.folder) if "source.xml." in name], [])
+            if os.path.exists(self.mark):
+                os.remove(self.mark)
 
 
 class LockTest(HeldCase):
@@ -294,27 +426,63 @@ class LockTest(HeldCase):
             fcntl.flock(file, fcntl.LOCK_EX)
             self.assertEqual(run(TARN, *CHANGE, path).returncode, 0)
 
-    def expect_no_loss(self, script):
-        """Runs `script` in a shell: $0 is the command, $1 the file and $2 the change."""
+    def start_writers(self, script, path, changes):
+        """Runs `script` in a shell for each change: $0 is the command, $1 the file, $2 the change."""
+        return [subprocess.Popen(["bash", "-c", script, TARN, path, change],
+                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                for change in changes]
+
+    def expect_no_loss(self, script, change_of="{}=1".format):
+        """Eight writers at once, ten times; `change_of` makes the change from its name."""
         path = self.file(document(managed_object("A-1")), "source.xml")
         for number in range(10):
             names = [f"r{number}w{writer}" for writer in range(8)]
-            writers = [subprocess.Popen(["bash", "-c", script, TARN, path, name + "=1"],
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-                       for name in names]
+            writers = self.start_writers(script, path, [change_of(name) for name in names])
             succeeded = [writer.wait() == 0 for writer in writers]
             text = self.read(path).decode()
             self.assertEqual([f'"{name}"' in text for name in names], succeeded)
             self.assertIn(True, succeeded)
-        self.assertEqual(os.listdir(self.folder), ["source.xml"])
         return succeeded
 
     def test_eight_writers_lose_no_change(self):
         succeeded = self.expect_no_loss('exec "$0" set "$1" --everything --create --set "$2" --in-place')
         self.assertNotIn(False, succeeded)
+        self.assertEqual(os.listdir(self.folder), ["source.xml"])
+
+    def test_eight_writers_that_keep_the_old_file_lose_no_change(self):
+        succeeded = self.expect_no_loss('exec "$0" set "$1" --everything --create --set "$2" --in-place=.bak')
+        self.assertNotIn(False, succeeded)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["source.xml", "source.xml.bak"])
+        self.assertEqual(self.read(self.path("source.xml.bak")).count(b"<p "), 79)
+
+    def test_eight_writers_that_add_objects_lose_none(self):
+        def object_file(name):
+            return self.file(document(managed_object(name)), name)
+        succeeded = self.expect_no_loss('exec "$0" add "$1" "$2" --in-place', object_file)
+        self.assertNotIn(False, succeeded)
 
     def test_eight_writers_that_read_standard_input_lose_no_change(self):
         self.expect_no_loss('exec "$0" set - --everything --create --set "$2" -o "$1" <"$1"')
+        self.assertEqual(os.listdir(self.folder), ["source.xml"])
+
+    def test_eight_writers_and_a_program_that_does_not_lock_lose_no_change(self):
+        path = self.file(SOURCE, "source.xml")
+        for number in range(10):
+            held = self.start_held("set", path, "--everything", "--create", "--set", f"held{number}=1", "--in-place")
+            names = [f"r{number}w{writer}" for writer in range(7)]
+            # They wait for the lock of a file that is another one when they get it.
+            writers = self.start_writers('exec "$0" set "$1" --everything --create --set "$2" --in-place', path,
+                                         [name + "=1" for name in names])
+            given = self.read(path).replace(b"</managedObject>",
+                                            b'<p name="given%d">1</p></managedObject>' % number)
+            os.replace(self.file(given, "other"), path)
+            self.assertEqual(self.finish(held)[0], 5)
+            self.assertEqual([writer.wait() for writer in writers], [0] * 7)
+            text = self.read(path).decode()
+            for name in [*names, f"given{number}"]:
+                self.assertIn(f'"{name}"', text)
+            self.assertNotIn(f"held{number}", text)
+        self.assertEqual(os.listdir(self.folder), ["source.xml"])
 
 
 if __name__ == "__main__":
