@@ -118,7 +118,7 @@ void ObjectLines::appendPairs(const Scalars& scalars) {
 }
 
 std::size_t ObjectLines::numberOf(const std::string& names) {
-  const auto [it, isNew] = numbers_.insert({names, numbers_.size()});
+  const auto [it, isNew] = numbers_.try_emplace(names, numbers_.size());
   if (isNew) inOrder_.push_back(&it->first);
   return it->second;
 }

@@ -15,6 +15,7 @@
 // Lines that have the name of a mark, one for each of its objects.
 
 const index = JSON.parse(document.getElementById("index").firstChild.data);
+const ownViolations = index.own.messages.length + index.own.leftOut;  // of no object
 const NONE = -1;
 
 class Lines {

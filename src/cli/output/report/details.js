@@ -1,6 +1,6 @@
 // The right side: what one object holds.
 
-const MOST_COLUMNS = 30;
+const MOST_COLUMNS = 10;
 const right = document.getElementById("right");
 
 function pairTable(pairs) {
@@ -12,9 +12,9 @@ function pairTable(pairs) {
   }, "tr");
 }
 
-// A row an item, a column a component.
+// A row an item, a column a component; on a narrow screen a block an item.
 function itemTable(items, columns) {
-  const table = make("table"), head = make("tr");
+  const table = make("table", "items"), head = make("tr", "head");
   for (const name of columns) {
     head.append(makeText("th", name));
     head.lastChild.scope = "col";
@@ -22,7 +22,10 @@ function itemTable(items, columns) {
   table.append(head);
   return appendInSteps(table, items.length, place => {
     const values = new Map(items[place]), row = make("tr");
-    for (const name of columns) row.append(makeText("td", values.get(name) ?? ""));
+    for (const name of columns) {
+      row.append(makeText("td", values.get(name) ?? ""));
+      row.lastChild.dataset.name = printable(name);
+    }
     return row;
   }, "tr");
 }
@@ -84,7 +87,7 @@ async function showObject(object) {
 }
 
 function showNothing(message) {
-  if (index.own.messages.length + index.own.leftOut > 0) {
+  if (ownViolations > 0) {
     right.replaceChildren(make("h3", "", "Violations of the document"), violationList(index.own.messages, index.own.leftOut));
   } else {
     right.replaceChildren();

@@ -1,6 +1,7 @@
 // What connects the parts: the chosen object with its link, the search field, keys.
 
 const MOST_OF_LINK = 100000;  // characters; browsers refuse links of megabytes
+const CHOOSE = "Choose an object to see what it holds.";
 const search = document.getElementById("search");
 const count = document.getElementById("count");
 let chosen = NONE;
@@ -61,11 +62,11 @@ function setChosen(object) {
 
 // An object without a name has the link "#".
 function chooseFromLink() {
-  if (!location.href.includes("#")) return chooseNothing("Choose an object to see what it holds.");
+  if (!location.href.includes("#")) return chooseNothing(CHOOSE);
   let name = location.hash.slice(1);
   try { name = decodeURIComponent(name); } catch { /* not encoded: the name as it is */ }
   const object = objectNamed(name);
-  if (object === NONE) return chooseNothing(name === "" ? "Choose an object to see what it holds." : `No object has the name "${name}".`);
+  if (object === NONE) return chooseNothing(name === "" ? CHOOSE : `No object has the name "${name}".`);
   setChosen(object);
   if (list.view === treeView) treeView.reveal(tree.nodeOf[object]);
 }
@@ -76,21 +77,27 @@ function chooseNothing(message) {
   showNothing(message);
 }
 
+function showMarked(mark, button) {
+  if (button === pressed) return clearSearch();
+  search.value = "";
+  ++searches;
+  press(button);
+  showResults(`Objects with ${mark.name}s`, mark.objects);
+  showCount(`${counted(mark.objects.length, "object")} with ${mark.name}s`, true);
+  if (mark.name !== "violation" || ownViolations === 0 || chosen === NONE) return;
+  // Those of the document stand where the chosen object is.
+  history.pushState(null, "", location.href.split("#")[0]);
+  chooseNothing(CHOOSE);
+}
+
 function addMarkButton(mark) {
-  const own = mark.name === "violation" ? index.own.messages.length + index.own.leftOut : 0;
-  const sum = mark.before[tree.count] + own;
+  const isViolation = mark.name === "violation";
+  const sum = mark.before[tree.count] + (isViolation ? ownViolations : 0);
   if (sum === 0) return;
-  const leftOut = mark.name === "violation" ? index.leftOut : 0;
+  const leftOut = isViolation ? index.leftOut : 0;
   const button = make("button", "bad", counted(sum, mark.name) + (leftOut > 0 ? `, ${leftOut} left out` : ""));
   button.setAttribute("aria-pressed", "false");
-  button.onclick = () => {
-    if (button === pressed) return clearSearch();
-    search.value = "";
-    ++searches;
-    press(button);
-    showResults(`Objects with ${mark.name}s`, mark.objects);
-    showCount(`${counted(mark.objects.length, "object")} with ${mark.name}s`, true);
-  };
+  button.onclick = () => showMarked(mark, button);
   document.getElementById("marks").append(button);
 }
 

@@ -87,6 +87,15 @@ const list = {
     if (takesFocus) this.focus();
   },
 
+  // Brings a row into the middle of the view, unless it is in view.
+  bring(place) {
+    const height = this.rowHeight(), top = place * height - this.box.scrollTop * this.scale();
+    if (top < 0 || top > this.box.clientHeight - height) {
+      this.box.scrollTop = (place * height - this.box.clientHeight / 2) / this.scale();
+    }
+    this.goTo(place, false);
+  },
+
   focus() { this.made.get(this.view.rows.length > 0 ? this.view.key(this.current) : null)?.focus({preventScroll: true}); },
 
   onKey(event) {
@@ -198,7 +207,7 @@ const treeView = {
     for (let above = tree.parent[node]; above !== NONE; above = tree.parent[above]) this.open[above] = 1;
     this.fill();
     list.update();
-    list.goTo(this.placeOf(node), false);
+    list.bring(this.placeOf(node));
   },
 };
 

@@ -4,6 +4,11 @@
 const SLICE = 20;  // milliseconds
 // What lines hold as codes although JSON would not need it.
 const ESCAPED = /[<>\u007f-\u009f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]/g;
+const CODES = /\\u[0-9a-f]{4}|\\./g;
+const NUMBERS_OF_NAMES = /\[\d+/g;
+// The number of the names of an object's parameters. Most lines match; others are parsed.
+const FIRST_NUMBER = /^\[(?:"[^"\\]*",){4}\[(\d+)[,\]]/;
+const MOST_BEFORE_NUMBER = 1000;  // characters
 
 // `text` as it stands in a line, in lower case.
 function rawOf(text) {
@@ -11,13 +16,13 @@ function rawOf(text) {
 }
 
 function textQuery(text) {
-  // Such a text may also be found between the values of a line.
-  const isAmbiguous = /^[\d,[\]]+$/.test(text);
+  const raw = rawOf(text).slice(1, -1);
+  const mayBeBetween = /[,[\]\\]/.test(raw);
   return {
-    raw: rawOf(text).slice(1, -1),
+    raw,
     ofNames: names => names.some(name => name.toLowerCase().includes(text)),
-    // A backslash in a line begins a character that is written as a code.
-    isCertain: line => !isAmbiguous && !line.includes("\\"),
+    // False when the text may stand between values, or is a part of a code or of a number of names.
+    isCertain: line => !mayBeBetween && line.toLowerCase().replace(CODES, "\0").replace(NUMBERS_OF_NAMES, "[").includes(raw),
     matches: object => object.texts().some(each => each.toLowerCase().includes(text)),
   };
 }
@@ -71,6 +76,11 @@ class Found {
     return values;
   }
 
+  hasNames(numbers) {
+    return numbers.has(this.pairs[0]) || this.extensions.some(([, pairs]) => numbers.has(pairs[0]))
+      || this.lists.some(([, ...values]) => values.some(value => typeof value !== "string" && numbers.has(value[0])));
+  }
+
   texts() {
     const texts = [this.name, this.class, this.operation, this.version];
     const add = pairs => { for (const pair of this.pairsOf(pairs)) texts.push(...pair); };
@@ -104,19 +114,36 @@ function* linesWith(block, starts, raw) {
   }
 }
 
+// Numbers of the lists of names that have the text, which objects name only by that number.
+function* namesWith(read, query) {
+  for (const block of read.names.blocks) {
+    for (let line = 0; line + 1 < read.names.startsOf(block).length; ++line) {
+      yield query.ofNames(read.names.parse(block, line)) ? block.first + line : null;
+    }
+  }
+}
+
 // Yields numbers of objects, and null now and then so that the caller can pause.
 function* matchesIn(read, query) {
-  // When a name of many objects has the text, each is looked at.
-  let isOfNames = false;
-  for (const block of read.names.blocks) {
-    read.names.startsOf(block).slice(1).forEach((_, line) => { isOfNames ||= query.ofNames(read.names.parse(block, line)); });
+  const names = new Set();
+  for (const number of namesWith(read, query)) {
+    if (number !== null) names.add(number);
     yield null;
   }
   for (const block of read.objects.blocks) {
     const starts = read.objects.startsOf(block);
-    for (const line of linesWith(block, starts, isOfNames ? null : query.raw)) {
-      const isCertain = !isOfNames && query.isCertain(block.text.slice(starts[line], starts[line + 1] - 1));
-      yield isCertain || query.matches(new Found(read.objects.parse(block, line), read.namesOf)) ? block.first + line : null;
+    const textOf = line => block.text.slice(starts[line], starts[line + 1] - 1);
+    const found = line => new Found(read.objects.parse(block, line), read.namesOf);
+    const holds = line => query.isCertain(textOf(line)) || query.matches(found(line));
+    const hasNames = line => names.has(Number(FIRST_NUMBER.exec(textOf(line).slice(0, MOST_BEFORE_NUMBER))?.[1]))
+      || found(line).hasNames(names);
+    if (names.size === 0) {
+      for (const line of linesWith(block, starts, query.raw)) yield holds(line) ? block.first + line : null;
+    } else {
+      const candidates = new Set(linesWith(block, starts, query.raw));
+      for (let line = 0; line + 1 < starts.length; ++line) {
+        yield hasNames(line) || candidates.has(line) && holds(line) ? block.first + line : null;
+      }
     }
     yield null;
   }
