@@ -100,7 +100,7 @@ class PageWriter {
   void appendIndex() {
     page_ += "{\"file\":";
     appendPageText(page_, path_);
-    page_ += ",\"own\":{\"messages\":";
+    page_ += R"(,"own":{"messages":)";
     appendTexts(page_, search_.aroundObjects().messages);
     page_ += ",\"leftOut\":" + std::to_string(search_.aroundObjects().leftOut);
     page_ += "},\"leftOut\":" + std::to_string(search_.leftOut());

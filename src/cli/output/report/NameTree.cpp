@@ -1,6 +1,7 @@
 #include "output/report/NameTree.hpp"
 
 #include <algorithm>
+#include <deque>
 #include <map>
 #include <utility>
 
@@ -41,7 +42,9 @@ class NameTree {
     nodes_[number].object = &object;
   }
 
-  std::vector<TreeName> inOrder() const {
+  /// The last call: frees first what only add() needs.
+  std::vector<TreeName> inOrder() {
+    numbers_.clear();
     std::vector<TreeName> names;
     names.reserve(nodes_.size() - 1);
     std::size_t depth = 0;
@@ -88,7 +91,7 @@ class NameTree {
     return number;
   }
 
-  std::vector<Node> nodes_;          // the first is above all names
+  std::deque<Node> nodes_;           // the first is above all names
   std::vector<std::uint32_t> path_;  // of the object before
   std::map<std::pair<std::uint32_t, std::string_view>, std::uint32_t> numbers_;
 };
