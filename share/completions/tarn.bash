@@ -31,7 +31,7 @@ _tarn() {
     merge) options="$target --check-only --validate" ;;
     stats) options="$selection --json" ;;
     tree) options="$selection --depth --byte-order" ;;
-    report) options="-o --output" ;;
+    report) options="$selection --byte-order -o --output" ;;
     help) options=$commands ;;
   esac
   COMPREPLY=()

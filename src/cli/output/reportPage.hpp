@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "libtarn/model/LibTarnDocument.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
 
 namespace tarn {
 
@@ -13,7 +15,9 @@ struct ReportPage {
   std::size_t violationsLeftOut;
 };
 
-/// The page for the document that was loaded from `path`.
-ReportPage reportPage(const std::string& path, libtarn::model::LibTarnDocument& document);
+/// The page for `objects` of the document that was loaded from `path`. Siblings in its tree stand
+/// in the order of `objects`.
+ReportPage reportPage(const std::string& path, libtarn::model::LibTarnDocument& document,
+                      const std::vector<const libtarn::model::LibTarnManagedObject*>& objects);
 
 }  // namespace tarn
