@@ -2,6 +2,8 @@
 
 // Everything that a host of the library needs.
 
+#include "libtarn/editor/Difference.hpp"
+#include "libtarn/editor/TarnDiff.hpp"
 #include "libtarn/editor/TarnMerge.hpp"
 #include "libtarn/editor/exceptions/EditorException.hpp"
 #include "libtarn/model/Diagnostic.hpp"
