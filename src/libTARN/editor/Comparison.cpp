@@ -119,6 +119,13 @@ void Comparison::compareParameters(const Node* older, const Node* newer) {
   compareScalars(Part::Parameter, older, newer, model::NAME_ATTRIBUTE);
 }
 
+void Comparison::compareParameterText(const Node& older, const char* text) {
+  if (valueOf(older) == text) return;
+  place_.name = keyOf(older).data();
+  noteValue(Part::Parameter, &older, &older);
+  differences_.back().newValue = text;
+}
+
 void Comparison::compareScalars(Part part, const Node* older, const Node* newer,
                                 std::string_view key) {
   if (!older || !newer || valueOf(*older) != valueOf(*newer)) noteValue(part, older, newer);

@@ -46,6 +46,8 @@ class Comparison {
 
   void enterObjects(const Object* older, const Object* newer);
   void compareParameters(const Node* older, const Node* newer);
+  /// Compares a parameter with one that differs from it in nothing but the NUL-terminated text.
+  void compareParameterText(const Node& older, const char* text);
   void compareLists(const Node* older, const Node* newer);
   void compareExtensions(const Node* older, const Node* newer);
 
