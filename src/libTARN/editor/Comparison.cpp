@@ -21,7 +21,12 @@ constexpr std::string_view ITEM_TAG = model::Structure::TAG_NAME;
 constexpr std::string_view EXTENSION_TAG = model::LibTarnExtension::TAG_NAME;
 constexpr std::string_view LOG_TAG = model::Log::TAG_NAME;
 
-bool isScalar(const Node& node) { return nameOf(node) == SCALAR_TAG; }
+constexpr std::string_view NAME = model::NAME_ATTRIBUTE;
+
+static_assert(SCALAR_TAG.size() == 1);
+bool isScalar(const Node& node) {
+  return node.name_size() == SCALAR_TAG.size() && *node.name() == SCALAR_TAG[0];
+}
 bool isItem(const Node& node) { return nameOf(node) == ITEM_TAG; }
 bool isValue(const Node& node) { return isScalar(node) || isItem(node); }
 bool isLog(const Node& node) { return nameOf(node) == LOG_TAG; }
@@ -38,10 +43,29 @@ const Node* skipToValue(const Node* node) {
 // The value of the attribute "name"; an absent one counts as "".
 std::string_view keyOf(const Node& element) {
   const Attribute* attribute = element.first_attribute();
-  while (attribute && nameOf(*attribute) != model::NAME_ATTRIBUTE) {
+  while (attribute && !sameBytes(nameOf(*attribute), NAME)) {
     attribute = attribute->next_attribute();
   }
   return attribute ? valueOf(*attribute) : std::string_view("");
+}
+
+constexpr std::size_t NO_RANK = 3;
+
+// Position of its kind among the parts of objects.
+std::size_t rankOf(const Node& node) {
+  if (isScalar(node)) return 0;
+  if (nameOf(node) == LIST_TAG) return 1;
+  return nameOf(node) == EXTENSION_TAG ? 2 : NO_RANK;
+}
+
+// The first bytes as a number: names whose numbers differ have the order of the numbers.
+std::uint64_t startOf(std::string_view name) {
+  std::uint64_t start = 0;
+  for (std::size_t i = 0; i < sizeof(start); ++i) {
+    const auto byte = i < name.size() ? static_cast<unsigned char>(name[i]) : 0U;
+    start = start << 8U | byte;
+  }
+  return start;
 }
 
 Difference::Part partOf(std::string_view attribute) {
@@ -81,6 +105,21 @@ void Comparison::listContents(const Object* older, const Object* newer) {
 void Comparison::compareContents(const Node* older, const Node* newer) {
   compareObjectAttributes(older, newer);
   compareTexts(older, newer);
+  compareChildren(older, newer);
+  place_.name = nullptr;
+}
+
+// Most objects have the same children in the same order as before.
+void Comparison::compareChildren(const Node* older, const Node* newer) {
+  if (older && newer && pairInOrder(*older, *newer)) {
+    if (unequal_.size() > 1) std::sort(unequal_.begin(), unequal_.end());
+    for (const Unequal& each : unequal_) {
+      if (each.rank == 0) compareParameters(each.older, each.newer);
+      if (each.rank == 1) compareLists(each.older, each.newer);
+      if (each.rank == 2) compareExtensions(each.older, each.newer);
+    }
+    return;
+  }
   compareOthers(older, newer, isPartOfObject);
   compareNamed(older, newer, SCALAR_TAG, ofObject_,
                [this](const Node* a, const Node* b) { compareParameters(a, b); });
@@ -88,7 +127,32 @@ void Comparison::compareContents(const Node* older, const Node* newer) {
                [this](const Node* a, const Node* b) { compareLists(a, b); });
   compareNamed(older, newer, EXTENSION_TAG, ofObject_,
                [this](const Node* a, const Node* b) { compareExtensions(a, b); });
-  place_.name = nullptr;
+}
+
+// Returns false unless all children are parts of objects, and every two have one kind and one name.
+bool Comparison::pairInOrder(const Node& older, const Node& newer) {
+  unequal_.clear();
+  const Node* x = older.first_node();
+  const Node* y = newer.first_node();
+  for (std::size_t number = 0; x && y; ++number) {
+    const std::size_t rank = rankOf(*x);
+    if (rank == NO_RANK || rankOf(*y) != rank) return false;
+    if (!sameTree(*x, *y)) {
+      const std::string_view name = keyOf(*x);
+      if (!sameBytes(name, keyOf(*y))) return false;
+      unequal_.push_back({rank, name, startOf(name), number, x, y});
+    }
+    x = x->next_sibling();
+    y = y->next_sibling();
+  }
+  return !x && !y;
+}
+
+bool Comparison::Unequal::operator<(const Unequal& other) const {
+  if (rank != other.rank) return rank < other.rank;
+  if (start != other.start) return start < other.start;
+  const int order = name.compare(other.name);
+  return order != 0 ? order < 0 : number < other.number;
 }
 
 // The attributes that are parts of their own come first.
@@ -119,16 +183,18 @@ void Comparison::compareParameters(const Node* older, const Node* newer) {
   compareScalars(Part::Parameter, older, newer, model::NAME_ATTRIBUTE);
 }
 
-void Comparison::compareParameterText(const Node& older, const char* text) {
-  if (valueOf(older) == text) return;
+void Comparison::compareParameterText(const Node& older, const Node& other) {
+  const std::string_view text = valueOf(other);
+  const std::size_t end = text.find('\0');
+  if (sameBytes(valueOf(older), text.substr(0, end))) return;
   place_.name = keyOf(older).data();
-  noteValue(Part::Parameter, &older, &older);
-  differences_.back().newValue = text;
+  noteValue(Part::Parameter, &older, &other);
 }
 
 void Comparison::compareScalars(Part part, const Node* older, const Node* newer,
                                 std::string_view key) {
-  if (!older || !newer || valueOf(*older) != valueOf(*newer)) noteValue(part, older, newer);
+  if (!older || !newer || !sameBytes(valueOf(*older), valueOf(*newer)))
+    noteValue(part, older, newer);
   compareAttributes(older, newer, key);
   compareOthers(older, newer, isNothing);
 }

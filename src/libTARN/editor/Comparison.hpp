@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -19,6 +21,7 @@ using model::nameOf;
 using model::Node;
 using model::Record;
 using model::sameAttributes;
+using model::sameBytes;
 using model::sameTree;
 using model::valueOf;
 
@@ -46,8 +49,9 @@ class Comparison {
 
   void enterObjects(const Object* older, const Object* newer);
   void compareParameters(const Node* older, const Node* newer);
-  /// Compares a parameter with one that differs from it in nothing but the NUL-terminated text.
-  void compareParameterText(const Node& older, const char* text);
+  /// Compares a parameter with itself as it is after it has got the text of another one, which ends
+  /// at a NUL.
+  void compareParameterText(const Node& older, const Node& other);
   void compareLists(const Node* older, const Node* newer);
   void compareExtensions(const Node* older, const Node* newer);
 
@@ -76,6 +80,20 @@ class Comparison {
     std::vector<Named> newer;
   };
 
+  /// Two children of two objects that differ.
+  struct Unequal {
+    std::size_t rank;  // of their kind
+    std::string_view name;
+    std::uint64_t start;  // of the name, in the order of names
+    std::size_t number;   // among the children
+    const Node* older;
+    const Node* newer;
+
+    bool operator<(const Unequal& other) const;
+  };
+
+  bool pairInOrder(const Node& older, const Node& newer);
+  void compareChildren(const Node* older, const Node* newer);
   Difference& noteWhole(Part part, const Record* older, const Record* newer);
   void noteValue(Part part, const Record* older, const Record* newer);
   void compareContents(const Node* older, const Node* newer);
@@ -99,6 +117,7 @@ class Comparison {
   Children ofObject_;
   Children ofParameter_;
   Children attributes_;
+  std::vector<Unequal> unequal_;
 };
 
 template <class IsKnown>

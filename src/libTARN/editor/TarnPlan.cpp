@@ -10,11 +10,14 @@
 #include "libtarn/editor/TarnPlan.hpp"
 
 #include <algorithm>
+#include <cstring>
+#include <functional>
 #include <new>
 #include <optional>
 #include <string_view>
 #include <utility>
 
+#include "../model/Internals.hpp"
 #include "../model/TypedChildren.hpp"
 #include "../model/UndoLog.hpp"
 #include "../text/patternText.hpp"
@@ -67,39 +70,101 @@ bool isBefore(const Step& a, const Step& b) { return a.name < b.name; }
 /// An element that updates bring for a name.
 template <class Imp>
 struct Brought {
-  std::string_view name;
+  const char* name;
   const Imp* element;
+
+  bool hasNameOf(const Brought& other) const { return std::strcmp(name, other.name) == 0; }
+  bool isBefore(const Brought& other) const { return std::strcmp(name, other.name) < 0; }
+};
+
+/// A parameter or list, and the source's of that name, or null.
+template <class Imp, class Element>
+struct Replacement : Brought<Imp> {
+  const Element* current;
 };
 
 template <class Imp>
 using AllBrought = std::vector<Brought<Imp>>;
 
 // Sorts by name; the order of equal names stays.
-template <class Imp>
-void sortByName(AllBrought<Imp>& all) {
-  const auto before = [](const Brought<Imp>& a, const Brought<Imp>& b) { return a.name < b.name; };
+template <class Entry>
+void sortByName(std::vector<Entry>& all) {
+  const auto before = [](const Entry& a, const Entry& b) { return a.isBefore(b); };
   if (std::is_sorted(all.begin(), all.end(), before)) return;
   std::stable_sort(all.begin(), all.end(), before);
 }
 
 // Keeps the last one of each name. They are sorted.
-template <class Imp>
-void keepLast(AllBrought<Imp>& all) {
+template <class Entry>
+void keepLast(std::vector<Entry>& all) {
   auto kept = all.begin();
   for (auto each = all.begin(); each != all.end(); ++each) {
     const auto next = each + 1;
-    if (next == all.end() || next->name != each->name) *kept++ = *each;
+    if (next == all.end() || !next->hasNameOf(*each)) *kept++ = *each;
   }
   all.erase(kept, all.end());
 }
 
+// The parameters of an object in the order of their names, without following changes of the index.
+
+model::indexation::ScalarCollection scalarsOf(const Object& object) {
+  if (!model::Internals::isLibraryIndexed(object)) return object.getScalarParameters();
+  const auto& index = model::Internals::scalarIndex(object);
+  index.getCollection();  // sorts
+  return index.getUnordered();
+}
+
+model::indexation::ListCollection listsOf(const Object& object) {
+  if (!model::Internals::isLibraryIndexed(object)) return object.getListParameters();
+  const auto& index = model::Internals::listIndex(object);
+  index.getCollection();  // sorts
+  return index.getUnordered();
+}
+
+/// Finds the parameters that a delta has in those of a source. Both are in the order of names, so
+/// that most are found by a step or two in the source's; a look-up finds the others.
+template <class Element>
+class SourceParameters {
+ public:
+  using Collection = model::indexation::TarnCollection<model::indexation::ParameterEntry<Element>>;
+  using LookUp = std::function<const Element*(const char*)>;
+
+  SourceParameters(const Collection& collection, bool isInOrder, LookUp lookUp)
+      : next_(collection.begin()),
+        end_(collection.end()),
+        follows_(isInOrder),
+        lookUp_(std::move(lookUp)) {}
+
+  /// Returns the parameter of the name, or null. Names come in their order.
+  const Element* find(const char* name) {
+    constexpr int MOST_STEPS = 8;
+    for (int steps = 0; follows_; ++steps, ++next_) {
+      if (next_ == end_) return nullptr;
+      const int order = std::strcmp(next_->first, name);
+      if (order > 0) return nullptr;
+      if (order == 0) return next_->second;
+      if (steps == MOST_STEPS) follows_ = false;
+    }
+    return lookUp_(name);
+  }
+
+ private:
+  typename Collection::iterator next_;
+  typename Collection::iterator end_;
+  bool follows_;
+  LookUp lookUp_;
+};
+
 /// What the updates of one object bring together.
 struct Updates {
-  AllBrought<ScalarImp> scalars;
-  AllBrought<ListImp> lists;
+  std::vector<Replacement<ScalarImp, model::Scalar>> scalars;
+  std::vector<Replacement<ListImp, model::List>> lists;
   AllBrought<LibTarnExtensionImp> extensions;
 
+  std::size_t count = 0;  // of updates
+
   void clear() {
+    count = 0;
     scalars.clear();
     lists.clear();
     extensions.clear();
@@ -213,36 +278,56 @@ class Planner {
   void bring(const Step& step) {
     const std::size_t scalars = updates_.scalars.size();
     const std::size_t lists = updates_.lists.size();
-    const std::size_t extensions = updates_.extensions.size();
     try {
       bringAll(*step.object);
     } catch (const ModelException&) {
+      // Extensions come last, so that a copy that throws has brought none.
       updates_.scalars.resize(scalars);
       updates_.lists.resize(lists);
-      updates_.extensions.resize(extensions);
       throw;
     }
   }
 
   void bringAll(const Object& delta) {
-    for (const auto& [name, scalar] : delta.getScalarParameters()) {
+    ++updates_.count;
+    const bool isInOrder = model::Internals::isLibraryIndexed(*original_);
+    SourceParameters<model::Scalar> scalars(
+        scalarsOf(*original_), isInOrder,
+        [this](const char* name) { return original_->getScalarParameter(name); });
+    for (const auto& [name, scalar] : scalarsOf(delta)) {
       const auto& element = model::implementation<ScalarImp>(*scalar);
-      updates_.scalars.push_back(
-          {name, original_->getScalarParameter(name) ? &element : copied(element)});
+      const model::Scalar* const current = scalars.find(name);
+      updates_.scalars.push_back({{name, current ? &element : copied(element)}, current});
     }
-    for (const auto& [name, list] : delta.getListParameters()) {
-      updates_.lists.push_back({name, copied(model::implementation<ListImp>(*list))});
+    SourceParameters<model::List> lists(listsOf(*original_), isInOrder, [this](const char* name) {
+      return original_->getListParameter(name);
+    });
+    for (const auto& [name, list] : listsOf(delta)) {
+      const auto& element = model::implementation<ListImp>(*list);
+      const model::List* const current = lists.find(name);
+      updates_.lists.push_back({{name, copied(element)}, current});
     }
-    AllBrought<LibTarnExtensionImp> extensions;
-    for (auto* each = delta.getExtensions(); each; each = each->getNextSiblingElement()) {
-      extensions.push_back({model::textOrEmpty(each->getName()),
-                            &model::implementation<LibTarnExtensionImp>(*each)});
+    bringExtensions(delta);
+  }
+
+  void bringExtensions(const Object& delta) {
+    const std::size_t begin = updates_.extensions.size();
+    collectExtensions(delta, extensions_);
+    keepLast(extensions_);
+    for (auto& each : extensions_) each.element = copied(*each.element);
+    updates_.extensions.insert(updates_.extensions.end(), extensions_.begin(), extensions_.end());
+    if (begin == 0) return;
+    sortByName(updates_.extensions);
+    keepLast(updates_.extensions);
+  }
+
+  static void collectExtensions(const Object& object, AllBrought<LibTarnExtensionImp>& all) {
+    all.clear();
+    for (auto* each = object.getExtensions(); each; each = each->getNextSiblingElement()) {
+      all.push_back({model::textOrEmpty(each->getName()),
+                     &model::implementation<LibTarnExtensionImp>(*each)});
     }
-    sortByName(extensions);
-    keepLast(extensions);
-    for (const auto& each : extensions) {
-      updates_.extensions.push_back({each.name, copied(*each.element)});
-    }
+    sortByName(all);
   }
 
   template <class Imp>
@@ -277,17 +362,18 @@ class Planner {
 
   // Of a parameter that the source has, only the text changes.
   void compareScalars() {
-    sortByName(updates_.scalars);
+    if (updates_.count > 1) sortByName(updates_.scalars);
     auto each = updates_.scalars.begin();
     while (each != updates_.scalars.end()) {
-      const auto first = each;
-      while (each + 1 != updates_.scalars.end() && each[1].name == first->name) ++each;
-      const ScalarImp& last = *each++->element;
-      model::Scalar* const found = original_->getScalarParameter(first->name.data());
-      if (!found) {
+      const auto first = each++;
+      if (updates_.count > 1) {
+        while (each != updates_.scalars.end() && each->hasNameOf(*first)) ++each;
+      }
+      const ScalarImp& last = *each[-1].element;
+      if (!first->current) {
         comparison_.compareParameters(nullptr, added(*first->element, last));
-      } else if (const auto* const before = childOf<ScalarImp>(found)) {
-        comparison_.compareParameterText(*before, last.getValue());
+      } else if (const auto* const before = childOf<ScalarImp>(first->current)) {
+        comparison_.compareParameterText(*before, last);
       }
     }
   }
@@ -301,34 +387,29 @@ class Planner {
   }
 
   void compareLists() {
-    sortByName(updates_.lists);
-    keepLast(updates_.lists);
+    if (updates_.count > 1) {
+      sortByName(updates_.lists);
+      keepLast(updates_.lists);
+    }
     for (const auto& each : updates_.lists) {
-      model::List* const found = original_->getListParameter(std::string(each.name));
-      comparison_.compareLists(childOf<ListImp>(found), each.element);
+      comparison_.compareLists(childOf<ListImp>(each.current), each.element);
     }
   }
 
   // All of a name are replaced by one.
   void compareExtensions() {
     if (updates_.extensions.empty()) return;
-    sortByName(updates_.extensions);
-    keepLast(updates_.extensions);
-    AllBrought<LibTarnExtensionImp> existing;
-    for (auto* each = original_->getExtensions(); each; each = each->getNextSiblingElement()) {
-      existing.push_back({model::textOrEmpty(each->getName()),
-                          &model::implementation<LibTarnExtensionImp>(*each)});
-    }
-    sortByName(existing);
-    auto before = existing.begin();
+    collectExtensions(*original_, extensions_);
+    auto before = extensions_.begin();
+    const auto end = extensions_.end();
     for (const auto& each : updates_.extensions) {
-      while (before != existing.end() && before->name < each.name) ++before;
+      while (before != end && before->isBefore(each)) ++before;
       const LibTarnExtensionImp* replacement = each.element;
-      if (before == existing.end() || before->name != each.name) {
+      if (before == end || !before->hasNameOf(each)) {
         comparison_.compareExtensions(nullptr, replacement);
         continue;
       }
-      for (; before != existing.end() && before->name == each.name; ++before) {
+      for (; before != end && before->hasNameOf(each); ++before) {
         comparison_.compareExtensions(before->element, replacement);
         replacement = nullptr;
       }
@@ -352,6 +433,7 @@ class Planner {
   bool isMade_ = false;                                   // whether a step has created `current_`
   std::vector<std::pair<const Object*, bool>> resolved_;  // "auto", and whether it was there
   Updates updates_;
+  AllBrought<LibTarnExtensionImp> extensions_;  // reused
 };
 
 // Both are in byte order of the names.

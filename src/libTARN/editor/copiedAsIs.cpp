@@ -1,6 +1,7 @@
 #include "copiedAsIs.hpp"
 
 #include <cstring>
+#include <string_view>
 
 #include "../model/Internals.hpp"
 #include "../model/TypedChildren.hpp"
@@ -24,8 +25,7 @@ namespace {
 
 // A copied text ends at a NUL.
 bool isWhole(const Record& record) {
-  return record.value_size() == 0 ||
-         std::memchr(record.value(), '\0', record.value_size()) == nullptr;
+  return std::memchr(record.value(), '\0', record.value_size()) == nullptr;
 }
 
 // Few enough to be compared with one another.
@@ -51,13 +51,18 @@ bool hasOnlyName(const Node& element) {
 
 template <class Imp>
 const Imp* exactly(const Node& node) {
-  const auto* const typed = model::typedAs<Imp>(const_cast<Node*>(&node));
-  return typed && model::isExactly<Imp>(*typed) ? typed : nullptr;
+  constexpr std::string_view TAG = Imp::TAG_NAME;
+  const auto& element = static_cast<const libDomXml::DomElement&>(node);
+  if (!model::isExactly<Imp>(element) || !model::sameBytes(nameOf(node), TAG)) return nullptr;
+  return static_cast<const Imp*>(&element);
+}
+
+bool isWholeScalar(const Node& scalar) {
+  return !scalar.first_node() && isWhole(scalar) && areDistinct(scalar);
 }
 
 bool isScalarCopiedAsIs(const Node& node) {
-  const auto* const scalar = exactly<model::ScalarImp>(node);
-  return scalar && isCopiedAsIs(*scalar);
+  return exactly<model::ScalarImp>(node) && isWholeScalar(node);
 }
 
 /// Checks that the children of one kind are those of the index, so that their names differ.
@@ -98,8 +103,7 @@ bool isItemCopiedAsIs(const Node& node) {
 }  // namespace
 
 bool isCopiedAsIs(const model::ScalarImp& scalar) {
-  return model::isExactly<model::ScalarImp>(scalar) && !scalar.first_node() && isWhole(scalar) &&
-         areDistinct(scalar);
+  return model::isExactly<model::ScalarImp>(scalar) && isWholeScalar(scalar);
 }
 
 bool isCopiedAsIs(const model::ListImp& list) {

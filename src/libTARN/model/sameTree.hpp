@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -18,10 +20,36 @@ inline std::string_view valueOf(const Record& record) {
   return {record.value(), record.value_size()};
 }
 
+/// Like memcmp() == 0, without a call for a short text: most names and values are.
+inline bool sameBytes(const char* a, const char* b, std::size_t size) {
+  const auto differ = [](const char* x, const char* y, auto word) {
+    auto other = word;
+    std::memcpy(&word, x, sizeof(word));
+    std::memcpy(&other, y, sizeof(word));
+    return word != other;
+  };
+  if (size > 2 * sizeof(std::uint64_t)) return std::memcmp(a, b, size) == 0;
+  // Two words, which may overlap.
+  if (size >= sizeof(std::uint64_t)) {
+    const std::size_t last = size - sizeof(std::uint64_t);
+    return !differ(a, b, std::uint64_t{}) && !differ(a + last, b + last, std::uint64_t{});
+  }
+  if (size >= sizeof(std::uint32_t)) {
+    const std::size_t last = size - sizeof(std::uint32_t);
+    return !differ(a, b, std::uint32_t{}) && !differ(a + last, b + last, std::uint32_t{});
+  }
+  for (std::size_t i = 0; i < size; ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
+}
+
+inline bool sameBytes(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && sameBytes(a.data(), b.data(), a.size());
+}
+
 inline bool sameTexts(const Record& a, const Record& b) {
-  return a.name_size() == b.name_size() && a.value_size() == b.value_size() &&
-         std::memcmp(a.name(), b.name(), a.name_size()) == 0 &&
-         std::memcmp(a.value(), b.value(), a.value_size()) == 0;
+  return sameBytes(nameOf(a), nameOf(b)) && sameBytes(valueOf(a), valueOf(b));
 }
 
 /// Returns true if the attributes are the same ones in the same order.

@@ -192,6 +192,25 @@ TEST(TarnDiffTest, LogsAreComparedOnlyWhenAskedFor) {
             (Strings{"+Header  header"}));
 }
 
+// The parser leaves the same bytes of each two of these texts.
+TEST(TarnDiffTest, TextsThatLookAlikeAfterAParseAreDifferent) {
+  const struct {
+    const char* older;
+    const char* newer;
+    Strings differences;
+  } CASES[] = {
+      {"<list name='l'><p >1</p></list>",
+       "<list name='l'><p>>1</p></list>",
+       {"~ListValue A-1 l[1] 1 -> >1"}},
+      {"<p name=\"a>12\">12\">z</p>",
+       "<p name=\"&#97;>12\">z</p>",
+       {"~Parameter A-1 a>12 12\">z -> z"}},
+  };
+  for (const auto& each : CASES) {
+    EXPECT_EQ(comparedBodies(each.older, each.newer), each.differences);
+  }
+}
+
 // Documents that a load accepts, or leaves, or that a host made
 
 TEST(TarnDiffTest, DocumentWithoutBodyIsEmpty) {

@@ -80,6 +80,40 @@ TEST(TarnPlanTest, LaterDeltasSeeWhatEarlierOnesDo) {
   EXPECT_EQ(tarn_test::brokenDocument(*source), "");
 }
 
+// More parameters than a step or two away, in the array and in the tree of an index.
+TEST(TarnPlanTest, FewParametersOfManyAreFound) {
+  for (const int count : {30, 60, 500}) {
+    std::string parameters;
+    std::string lists;
+    for (int i = 0; i < count; ++i) {
+      const std::string name = std::to_string(1000 + i);
+      parameters += "<p name='" + name + "'>1</p>";
+      lists += "<list name='" + name + "'><p>1</p></list>";
+    }
+    const std::string text = documentText(objectText("A-1", "", parameters + lists));
+    const auto original = loaded(text);
+    const auto source = loaded(text);
+    // Of 500, the index of these turns into a tree.
+    for (const auto& each : {original.get(), source.get()}) {
+      each->getLibTarnCmData()->getLibTarnManagedObject("A-1")->removeScalarParameter("1003");
+    }
+    std::string changes;
+    for (const char* const name : {"1001", "1002", "1003", "1025", "1026", "10265", "1499", "2"}) {
+      changes += std::string("<p name='") + name + "'>2</p><list name='" + name + "'/>";
+    }
+    const auto delta = loaded(documentText(objectText("A-1", "update", changes)));
+    TarnPlan plan(*source, *delta);
+    const Strings differences = differencesOf(plan);
+    EXPECT_EQ(differences.front(), "~Parameter A-1 1001 1 -> 2");
+    ASSERT_TRUE(plan.apply());
+    Strings found;
+    for (const Difference& each : libtarn::editor::TarnDiff(*original, *source).getDifferences()) {
+      found.push_back(tarn_test::describe(each));
+    }
+    EXPECT_EQ(differences, found) << count;
+  }
+}
+
 TEST(TarnPlanTest, OtherClassAndVersionAreOmitted) {
   const auto source = loaded(documentText("<managedObject class='C' distName='A-1'/>"));
   const auto delta = loaded(
