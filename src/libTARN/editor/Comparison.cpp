@@ -4,6 +4,7 @@
 
 #include "../text/attributeNames.hpp"
 #include "../text/patternText.hpp"
+#include "libtarn/Assertion.hpp"
 #include "libtarn/model/LibTarnManagedObjectImp.hpp"
 #include "libtarn/model/List.hpp"
 #include "libtarn/model/Log.hpp"
@@ -68,6 +69,14 @@ std::uint64_t startOf(std::string_view name) {
   return start;
 }
 
+// The one of two that is there.
+template <class Element>
+const Element& eitherOf(const Element* older, const Element* newer) {
+  const Element* const there = older ? older : newer;
+  TARN_ASSERT(there, "older || newer");
+  return *there;
+}
+
 Difference::Part partOf(std::string_view attribute) {
   if (attribute == model::CLASS_ATTRIBUTE) return Difference::Part::Class;
   if (attribute == model::VERSION_ATTRIBUTE) return Difference::Part::Version;
@@ -84,7 +93,7 @@ void Comparison::enterObjects(const Object* older, const Object* newer) {
   place_.oldObject = older;
   place_.newObject = newer;
   place_.distName =
-      model::textOrEmpty((older ? older : newer)->getLiteralAttribute(model::DIST_NAME_ATTRIBUTE));
+      model::textOrEmpty(eitherOf(older, newer).getLiteralAttribute(model::DIST_NAME_ATTRIBUTE));
 }
 
 void Comparison::compareObjects(const Object& older, const Object& newer) {
@@ -179,7 +188,7 @@ void Comparison::compareObjectAttributes(const Node* older, const Node* newer) {
 // Parts of objects
 
 void Comparison::compareParameters(const Node* older, const Node* newer) {
-  place_.name = keyOf(older ? *older : *newer).data();
+  place_.name = keyOf(eitherOf(older, newer)).data();
   compareScalars(Part::Parameter, older, newer, model::NAME_ATTRIBUTE);
 }
 
@@ -201,7 +210,7 @@ void Comparison::compareScalars(Part part, const Node* older, const Node* newer,
 
 void Comparison::compareLists(const Node* older, const Node* newer) {
   if (older && newer && sameTree(*older, *newer)) return;
-  place_.name = keyOf(older ? *older : *newer).data();
+  place_.name = keyOf(eitherOf(older, newer)).data();
   noteIfAlone(Part::List, older, newer);
   compareAttributes(older, newer, model::NAME_ATTRIBUTE);
   compareTexts(older, newer);
@@ -227,7 +236,7 @@ void Comparison::compareValues(const Node* older, const Node* newer) {
 }
 
 void Comparison::compareValue(const Node* older, const Node* newer) {
-  if (isItem(older ? *older : *newer)) {
+  if (isItem(eitherOf(older, newer))) {
     compareItems(older, newer);
   } else {
     compareScalars(Part::ListValue, older, newer, {});
@@ -241,7 +250,7 @@ void Comparison::compareItems(const Node* older, const Node* newer) {
   compareTexts(older, newer);
   compareOthers(older, newer, isScalar);
   compareNamed(older, newer, SCALAR_TAG, ofParameter_, [this](const Node* a, const Node* b) {
-    place_.component = keyOf(a ? *a : *b).data();
+    place_.component = keyOf(eitherOf(a, b)).data();
     compareScalars(Part::Component, a, b, model::NAME_ATTRIBUTE);
   });
   place_.component = nullptr;
@@ -249,13 +258,13 @@ void Comparison::compareItems(const Node* older, const Node* newer) {
 
 void Comparison::compareExtensions(const Node* older, const Node* newer) {
   if (older && newer && sameTree(*older, *newer)) return;
-  place_.name = keyOf(older ? *older : *newer).data();
+  place_.name = keyOf(eitherOf(older, newer)).data();
   noteIfAlone(Part::Extension, older, newer);
   compareAttributes(older, newer, model::NAME_ATTRIBUTE);
   compareTexts(older, newer);
   compareOthers(older, newer, isScalar);
   compareNamed(older, newer, SCALAR_TAG, ofParameter_, [this](const Node* a, const Node* b) {
-    place_.component = keyOf(a ? *a : *b).data();
+    place_.component = keyOf(eitherOf(a, b)).data();
     compareScalars(Part::ExtensionParameter, a, b, model::NAME_ATTRIBUTE);
   });
   place_.component = nullptr;
@@ -302,7 +311,7 @@ void Comparison::compareAttributes(const Node* older, const Node* newer, std::st
   const bool showsKey = older && newer;
   std::string_view previous;
   pairUp(attributes_, [&](const Record* a, const Record* b) {
-    const Record& there = a ? *a : *b;
+    const Record& there = eitherOf(a, b);
     const bool isFirst = nameOf(there) != previous;
     previous = nameOf(there);
     if (a && b && valueOf(*a) == valueOf(*b)) return;
