@@ -1,7 +1,7 @@
 // The phases whose instructions instructions.py counts under callgrind. Each phase is one function;
 // its count includes everything that it calls.
 //
-// Usage: instructions DOCUMENT load|print|merge
+// Usage: instructions DOCUMENT load|print|merge|plan|apply|diff|diff_all
 
 #include <cstdio>
 #include <cstring>
@@ -36,9 +36,36 @@ extern "C" {
   return libtarn::editor::TarnMerge(source).mergeDocument(delta);
 }
 
+[[gnu::noinline]] bool measured_plan(LibTarnDocument& source, LibTarnDocument& delta) {
+  return libtarn::editor::TarnPlan(source, delta).getConflicts().empty();
+}
+
+[[gnu::noinline]] bool measured_apply(libtarn::editor::TarnPlan& plan) { return plan.apply(); }
+
+// A document with one value in a hundred changed, and one with every value changed.
+
+[[gnu::noinline]] bool measured_diff(const LibTarnDocument& older, const LibTarnDocument& newer) {
+  return !libtarn::editor::TarnDiff(older, newer).getDifferences().empty();
+}
+
+[[gnu::noinline]] bool measured_diff_all(const LibTarnDocument& older,
+                                         const LibTarnDocument& newer) {
+  return !libtarn::editor::TarnDiff(older, newer).getDifferences().empty();
+}
+
 }  // extern "C"
 
 namespace {
+
+// `text` with another last character in every `step`-th value.
+std::vector<char> withOtherValues(std::vector<char> text, std::size_t step) {
+  std::size_t number = 0;
+  for (std::size_t i = 1; i + 3 < text.size(); ++i) {
+    const bool isValue = text[i] != '>' && std::memcmp(&text[i + 1], "</p", 3) == 0;
+    if (isValue && number++ % step == 0) text[i] = text[i] == '7' ? '8' : '7';
+  }
+  return text;
+}
 
 bool run(const std::vector<char>& text, const char* phase) {
   LibTarnDocument document;
@@ -47,9 +74,18 @@ bool run(const std::vector<char>& text, const char* phase) {
   if (std::strcmp(phase, "load") == 0) return true;
   if (std::strcmp(phase, "print") == 0) return measured_print(document);
   LibTarnDocument delta;
-  if (delta.parse(text, false) != 0) return false;
+  const bool isDiff = std::strncmp(phase, "diff", 4) == 0;
+  const bool isOfAll = std::strcmp(phase, "diff_all") == 0;
+  if (delta.parse(isDiff ? withOtherValues(text, isOfAll ? 1 : 100) : text, false) != 0)
+    return false;
+  if (isDiff) return (isOfAll ? measured_diff_all : measured_diff)(document, delta);
   for (LibTarnManagedObject* object : delta.getLibTarnCmData()->getLibTarnManagedObjects()) {
     object->setOperation(LibTarnManagedObject::Operation::UPDATE);
+  }
+  if (std::strcmp(phase, "plan") == 0) return measured_plan(document, delta);
+  if (std::strcmp(phase, "apply") == 0) {
+    libtarn::editor::TarnPlan plan(document, delta);
+    return measured_apply(plan);
   }
   return measured_merge(document, delta);
 }
@@ -58,7 +94,8 @@ bool run(const std::vector<char>& text, const char* phase) {
 
 int main(int argc, char** argv) {
   if (argc != 3) {
-    std::fprintf(stderr, "usage: instructions DOCUMENT load|print|merge\n");
+    std::fprintf(stderr,
+                 "usage: instructions DOCUMENT load|print|merge|plan|apply|diff|diff_all\n");
     return 64;
   }
   std::ifstream file(argv[1], std::ios::binary);

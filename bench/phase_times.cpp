@@ -1,5 +1,5 @@
-// Times of the phases of a document in one run: load, validation, merge of a small delta, merge of
-// a delta that updates every object.
+// Times of the phases of a document in one run: load, validation, comparison with a changed
+// document, merge of a small delta, merge of a delta that updates every object.
 //
 // Usage: phase_times DOCUMENT [ROUNDS]     medians of that number of rounds (7)
 
@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -16,6 +17,7 @@
 
 #include "libtarn/libtarn.hpp"
 
+using libtarn::editor::TarnDiff;
 using libtarn::editor::TarnMerge;
 using libtarn::model::LibTarnDocument;
 using libtarn::model::LibTarnManagedObject;
@@ -90,6 +92,23 @@ void fillDelta(const LibTarnDocument& document, std::size_t count, LibTarnDocume
   }
 }
 
+// `text` with another last character in every `step`-th value.
+std::vector<char> withOtherValues(std::vector<char> text, std::size_t step) {
+  std::size_t number = 0;
+  for (std::size_t i = 1; i + 3 < text.size(); ++i) {
+    const bool isValue = text[i] != '>' && std::memcmp(&text[i + 1], "</p", 3) == 0;
+    if (isValue && number++ % step == 0) text[i] = text[i] == '7' ? '8' : '7';
+  }
+  return text;
+}
+
+void measureComparison(const LibTarnDocument& document, const std::vector<char>& text,
+                       std::size_t step, const char* phase, PhaseTimes& times) {
+  LibTarnDocument changed;
+  changed.parse(withOtherValues(text, step), false);
+  times.measure(phase, [&] { return !TarnDiff(document, changed).getDifferences().empty(); });
+}
+
 void measureRound(const std::vector<char>& text, PhaseTimes& times) {
   std::vector<char> copy = text;
   times.measure("load, validation and end of a document", [&] {
@@ -100,6 +119,8 @@ void measureRound(const std::vector<char>& text, PhaseTimes& times) {
   LibTarnDocument source;
   times.measure(LOAD, [&] { return source.parse(std::move(copy), false) == 0; });
   times.measure("validation", [&] { return source.validate() == 0; });
+  measureComparison(source, text, 100, "comparison, 1 % of the values changed", times);
+  measureComparison(source, text, 1, "comparison, every value changed", times);
   {
     LibTarnDocument small;
     fillDelta(source, SMALL_DELTA, small);

@@ -2,7 +2,10 @@
 
 // Everything that a host of the library needs.
 
+#include "libtarn/editor/Difference.hpp"
+#include "libtarn/editor/TarnDiff.hpp"
 #include "libtarn/editor/TarnMerge.hpp"
+#include "libtarn/editor/TarnPlan.hpp"
 #include "libtarn/editor/exceptions/EditorException.hpp"
 #include "libtarn/model/Diagnostic.hpp"
 #include "libtarn/model/DistinguishedName.hpp"

@@ -23,7 +23,9 @@
 namespace {
 
 using namespace libtarn::model;
+using libtarn::editor::TarnDiff;
 using libtarn::editor::TarnMerge;
+using libtarn::editor::TarnPlan;
 using tarn_test::brokenDocument;
 using tarn_test::documentTextWithLog;
 using tarn_test::HeapFault;
@@ -190,6 +192,18 @@ Work merge(Blocks blocks) {
           }};
 }
 
+Work compareAndPlan(Blocks blocks) {
+  return {"compare and plan",
+          [blocks](Documents& documents) {
+            documents.source = loaded(blocks, documents.sourceText);
+            documents.delta = loaded(blocks, documentText(OBJECTS / 2, 2 * OBJECTS));
+          },
+          [](Documents& documents) {
+            TarnDiff(documents.source->get(), documents.delta->get());
+            TarnPlan(documents.source->get(), documents.delta->get()).apply();
+          }};
+}
+
 Work print(Blocks blocks) {
   return {
       "print",
@@ -201,8 +215,8 @@ Work print(Blocks blocks) {
 }
 
 std::vector<Work> allWorks(Blocks blocks) {
-  return {load(blocks),  loadAgain(blocks), edit(blocks), change(blocks),
-          clone(blocks), merge(blocks),     print(blocks)};
+  return {load(blocks),  loadAgain(blocks), edit(blocks),           change(blocks),
+          clone(blocks), merge(blocks),     compareAndPlan(blocks), print(blocks)};
 }
 
 // Empty when nothing is broken.
@@ -353,6 +367,28 @@ TEST(MemoryFaultTest, PoolMayEndWithinEveryOperation) {
                   LibTarnDocument&) { object.clone(document.getFactory()); }},
       {"merge", [](LibTarnDocument& document, LibTarnManagedObject&,
                    LibTarnDocument& delta) { TarnMerge(document).mergeDocument(delta); }},
+      // One delta deletes what the next one creates. The third has to undo both.
+      {"plan",
+       [](LibTarnDocument& document, LibTarnManagedObject&, LibTarnDocument& delta) {
+         const auto text = [](const char* operation) {
+           return tarn_test::documentText(
+               tarn_test::objectText("A-0", operation, "<p name='b'>2</p>") +
+               tarn_test::objectText("A-7919", operation));
+         };
+         LibTarnDocument removal;
+         removal.parse(text("delete").c_str(), false);
+         LibTarnDocument creation;
+         creation.parse(text("create").c_str(), false);
+         const std::string before = tarn_test::printed(document);
+         try {
+           TarnPlan plan(document, {&removal, &creation, &delta});
+           EXPECT_TRUE(plan.getConflicts().empty());
+           EXPECT_TRUE(plan.apply());
+         } catch (const std::bad_alloc&) {
+           EXPECT_EQ(tarn_test::printed(document), before);
+           throw;
+         }
+       }},
       {"views", [](LibTarnDocument& document, LibTarnManagedObject&, LibTarnDocument&) {
          document.getLibTarnCmData()->getLibTarnManagedObjectsByClass("C1");
          document.getLibTarnCmData()->getLibTarnManagedObjects();

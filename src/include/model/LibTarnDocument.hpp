@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <limits>
+#include <cstdint>
 #include <list>
 #include <memory>
 #include <string>
@@ -99,10 +99,8 @@ class TARN_API LibTarnDocument {
   /// Validator's walk. Only the first `limit` are recorded, and only while the texts of those
   /// before hold fewer than `byteLimit` bytes. `*count` becomes the number of all, unless `count`
   /// is null. Duplicate names are found only when no other rule is broken.
-  int validate(std::vector<validation::Violation>* violations,
-               std::size_t limit = std::numeric_limits<std::size_t>::max(),
-               std::size_t byteLimit = std::numeric_limits<std::size_t>::max(),
-               std::size_t* count = nullptr);
+  int validate(std::vector<validation::Violation>* violations, std::size_t limit = SIZE_MAX,
+               std::size_t byteLimit = SIZE_MAX, std::size_t* count = nullptr);
   /// Returns whether an element below the root has a tag that is only the beginning of the one that
   /// the format has for it, such as "li". A copy has the whole tag, in a merge as well, and rules
   /// that the element did not have to follow. Walks the document; does not recurse on the depth.

@@ -95,5 +95,20 @@ void UndoLog::ObjectAdded::undo() const {
   if (object->parent() == cmData) cmData->removeWithoutMemory(object->getDistName());
 }
 
+void UndoLog::removeObject(LibTarnCmDataImp& cmData, LibTarnManagedObjectImp& object) {
+  const bool isChild = object.parent() == &cmData;
+  edits_.emplace_back(
+      ObjectRemoved{&cmData, &object, isChild ? object.next_sibling() : nullptr, isChild});
+  cmData.removeWithoutMemory(object.getDistName());
+}
+
+// Adding links it as the last child.
+void UndoLog::ObjectRemoved::undo() const {
+  if (object->parent() || cmData->hasLibTarnManagedObject(object->getDistName())) return;
+  cmData->addLibTarnManagedObject(*object);
+  cmData->remove_node(object);
+  if (wasChild) cmData->insert_node(next, object);
+}
+
 }  // namespace model
 }  // namespace libtarn

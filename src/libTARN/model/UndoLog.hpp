@@ -46,6 +46,8 @@ class UndoLog {
   Element* putIntoIndex(indexation::ITarnUniqueIndex<Element>& index, Element& element);
   /// Adds an object, unless its name is taken.
   void addObject(LibTarnCmDataImp& cmData, LibTarnManagedObjectImp& object);
+  /// Removes an object that is in the index. When it is put back, it is the last one of its class.
+  void removeObject(LibTarnCmDataImp& cmData, LibTarnManagedObjectImp& object);
 
  private:
   using Node = rapidxml::xml_node<char>;
@@ -87,8 +89,15 @@ class UndoLog {
     LibTarnManagedObjectImp* object;
     void undo() const;
   };
+  struct ObjectRemoved {
+    LibTarnCmDataImp* cmData;
+    LibTarnManagedObjectImp* object;
+    Node* next;  // the next sibling, or null
+    bool wasChild;
+    void undo() const;
+  };
   using Edit = std::variant<TextSet, OperationSet, ChildAppended, ChildUnlinked,
-                            PutIntoIndex<Scalar>, PutIntoIndex<List>, ObjectAdded>;
+                            PutIntoIndex<Scalar>, PutIntoIndex<List>, ObjectAdded, ObjectRemoved>;
 
   std::vector<Edit> edits_;
 };

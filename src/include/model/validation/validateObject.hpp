@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <limits>
+#include <cstdint>
 #include <vector>
 
 #include "libtarn/TarnApi.hpp"
@@ -22,8 +22,7 @@ struct Violation;
 /// bytes. `count`, when given, gets the number of all of them. Names that two objects have are a
 /// document's matter. Logs nothing. The object must be of this library (asserted).
 TARN_API int validateObject(const LibTarnManagedObject& object, std::vector<Violation>* violations,
-                            std::size_t limit = std::numeric_limits<std::size_t>::max(),
-                            std::size_t byteLimit = std::numeric_limits<std::size_t>::max(),
+                            std::size_t limit = SIZE_MAX, std::size_t byteLimit = SIZE_MAX,
                             std::size_t* count = nullptr);
 
 }  // namespace validation
