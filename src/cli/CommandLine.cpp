@@ -26,6 +26,19 @@ std::string withSuggestion(const std::string& message, const std::string& sugges
   return suggestion.empty() ? message : message + ", did you mean '" + suggestion + "'?";
 }
 
+// The message of a number of values that an option does not take has numbers and types.
+std::string messageOf(const CLI::ParseError& error) {
+  const std::string message = error.what();
+  const std::string line = message.substr(0, message.find('\n'));
+  if (error.get_name() != "ArgumentMismatch") return line;
+  const std::string option = line.substr(0, line.find_first_of(": "));
+  const auto says = [&line](const char* text) { return line.find(text) != std::string::npos; };
+  if (says("override")) return "--" + option + " takes no value";
+  if (says("missing")) return option + " needs a value";
+  if (says("received")) return option + " is given more than once";
+  return line;
+}
+
 }  // namespace
 
 CommandLine::CommandLine()
@@ -125,9 +138,7 @@ void CommandLine::refuse(const CLI::ParseError& error) const {
     throwUsageError(withSuggestion(fmt::format("{} has no option '{}'", command, option),
                                    nearest(option, names)));
   }
-  std::string message = error.what();
-  message = message.substr(0, message.find('\n'));
-  throwUsageError(message);
+  throwUsageError(messageOf(error));
 }
 
 }  // namespace tarn

@@ -55,6 +55,8 @@ class Options {
   void showDefault(const std::string& option);
   /// Refuses `option` without `other`.
   void allowOnlyWith(const std::string& option, const std::string& other);
+  /// Refuses `option` without any of `others`.
+  void allowOnlyWithAny(const std::string& option, const std::vector<std::string>& others);
   /// Refuses `option` together with `other`.
   void exclude(const std::string& option, const std::string& other);
 
