@@ -10,6 +10,7 @@
 #include "documents/ObjectPattern.hpp"
 #include "documents/Selection.hpp"
 #include "documents/documentFile.hpp"
+#include "documents/writtenText.hpp"
 #include "libtarn/model/RefusedChange.hpp"
 #include "libtarn/model/ResultCodes.hpp"
 #include "output/HostLog.hpp"
@@ -45,7 +46,14 @@ void change(Document& document, const ObjectPattern& mask, const ObjectPattern& 
   throw CommandError(Status::Conflict, path, "two objects would have one name");
 }
 
+void requireXmlTexts(const Changes& changes) {
+  requireXmlText(changes.className);
+  requireXmlText(changes.version);
+  for (const std::string& parameter : changes.parameters) requireXmlText(parameter);
+}
+
 Status setValues(const SetRequest& request) {
+  requireXmlTexts(request.changes);
   const ObjectPattern mask(request.selection);
   const ObjectPattern values(request.changes);
   Destination destination(request.file, request.target);

@@ -4,9 +4,9 @@
 
 #include "CommandError.hpp"
 #include "documents/faults.hpp"
+#include "documents/writtenText.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/ResultCodes.hpp"
-#include "libtarn/util/dumpTarnDocument.hpp"
 #include "output/HostLog.hpp"
 #include "output/outputFile.hpp"
 
@@ -26,6 +26,7 @@ void loadDocument(const std::string& path, Document& document, Rules rules) {
 }
 
 void loadDocument(TextFile& file, Document& document, Rules rules) {
+  document.path_ = file.path();
   if (document.parse(file.read(), rules == Rules::Checked) == 0) return;
   throwRefused(file, document.getDiagnostic());
 }
@@ -47,9 +48,7 @@ LibTarnCmData& requireCmData(const Document& document, const std::string& path) 
 }
 
 void writeResult(Document& document, Destination& destination, const std::string& report) {
-  std::string text;
-  libtarn::util::dumpTarnDocument(document, text);
-  destination.write(text);
+  destination.write(writtenText(document));
   if (destination.isStandardOutput()) {
     std::fputs(report.c_str(), stderr);
   } else {
