@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <map>
 #include <vector>
 
@@ -28,8 +29,8 @@ std::string withSuggestion(const std::string& message, const std::string& sugges
 
 // The message of a number of values that an option does not take has numbers and types.
 std::string messageOf(const CLI::ParseError& error) {
-  const std::string message = error.what();
-  const std::string line = message.substr(0, message.find('\n'));
+  std::string line = error.what();
+  line.resize(std::min(line.find('\n'), line.size()));
   if (error.get_name() != "ArgumentMismatch") return line;
   const std::string option = line.substr(0, line.find_first_of(": "));
   const auto says = [&line](const char* text) { return line.find(text) != std::string::npos; };

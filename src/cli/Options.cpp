@@ -105,6 +105,7 @@ void Options::addNumberedChoice(const std::string& option, const char* form,
                                 const std::map<std::string, int>& words, const std::string& shown,
                                 const char* help) {
   std::vector<std::string> known;
+  known.reserve(words.size());
   for (const auto& [word, number] : words) known.push_back(word);
   const auto toNumber = [words, known](std::string& word) {
     const auto found = words.find(word);

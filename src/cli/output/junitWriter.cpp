@@ -33,7 +33,7 @@ void appendEscaped(std::string& out, std::string_view text) {
         break;
       case '\xEF':
         if (text.substr(i, 3) == NO_XML[0] || text.substr(i, 3) == NO_XML[1]) {
-          out += text[i + 2] == NO_XML[0][2] ? "\\xEF\\xBF\\xBE" : "\\xEF\\xBF\\xBF";
+          out += text[i + 2] == NO_XML[0][2] ? R"(\xEF\xBF\xBE)" : R"(\xEF\xBF\xBF)";
           i += 2;
           break;
         }
