@@ -1,17 +1,23 @@
 // The second reading of any text: faults in order and within the text, whatever the limit. A text
 // without faults is accepted by the parser, and what the parser accepts is printed as a text that
-// has no faults but those that its names and values brought along.
+// has no faults but those that its names and values brought along. For a document of the model, the
+// quick check of what is printed finds as many faults as the whole reading.
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "../support/Text.hpp"
 #include "../support/check.hpp"
 #include "libtarn/DomDocument.hpp"
+#include "libtarn/model/LibTarnDocument.hpp"
 #include "libtarn/util/XmlCheck.hpp"
+#include "libtarn/util/checkPrinted.hpp"
+#include "libtarn/util/dumpTarnDocument.hpp"
 
 namespace {
 
@@ -105,6 +111,19 @@ void checkPrinted(libDomXml::DomDocument& document, const XmlFaults& faults) {
   }
 }
 
+void checkQuickCheck(char* text) {
+  libtarn::model::LibTarnDocument document;
+  if (document.parse(text, false) != 0) return;
+  std::string printed;
+  libtarn::util::dumpTarnDocument(document, printed);
+  // Not terminated, so that every read past the end is seen.
+  const std::vector<char> bytes(printed.begin(), printed.end());
+  const XmlFaults quick = libtarn::util::checkPrinted({bytes.data(), bytes.size()});
+  const XmlFaults whole = checkXml(printed);
+  fuzz::check(quick.count == whole.count && quick.list.size() == whole.list.size(),
+              "the quick check finds what the whole reading finds");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -117,6 +136,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   checkLimit(faults, view, size % 4);
   checkTags(faults, view);
 
+  checkQuickCheck(fuzz::Text(data, size).get());
   // Of a document type only the nesting is read, and in another way; the parser ends at a NUL.
   if (view.find("<!DOCTYPE") != std::string_view::npos) return 0;
   if (view.find('\0') != std::string_view::npos) return 0;

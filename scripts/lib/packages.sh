@@ -4,7 +4,7 @@ BUILD_PACKAGES=(g++ cmake ninja-build python3 libboost-dev libgtest-dev googlete
   libcli11-dev libfmt-dev nlohmann-json3-dev zlib1g-dev scdoc)
 TEST_PACKAGES=(clang clang-format clang-tidy libclang-rt-dev g++-i686-linux-gnu
   chromium chromium-driver python3-selenium valgrind patch libxml2-dev libxml2-utils libexpat1-dev
-  pkgconf make abigail-tools xz-utils doxygen)
+  python3-jsonschema python3-junitparser pkgconf make abigail-tools xz-utils doxygen)
 ALL_PACKAGES=(g++-arm-linux-gnueabihf g++-powerpc-linux-gnu qemu-user locales gcovr
   dpkg-dev file lintian debootstrap
   python3-clang)

@@ -11,6 +11,9 @@ _tarn() {
   for ((i = 1; i < COMP_CWORD; ++i)); do
     case " $commands " in *" ${COMP_WORDS[i]} "*) command=${COMP_WORDS[i]} && break ;; esac
   done
+  case $command:$previous in
+    check:--format) COMPREPLY=($(compgen -W "text json sarif junit" -- "$word")) && return ;;
+  esac
   case $previous in
     --log-level) COMPREPLY=($(compgen -W "debug info error none" -- "$word")) && return ;;
     --color) COMPREPLY=($(compgen -W "auto always never" -- "$word")) && return ;;
@@ -20,7 +23,7 @@ _tarn() {
   local options=""
   case $command in
     "") options="$commands --version" ;;
-    check) options="--all --limit --strict --json --jobs" ;;
+    check) options="--all --limit --strict --format --json --jobs" ;;
     print) options="-o --output" ;;
     list) options="$selection --format --columns --values --sort --limit --count --count-by --byte-order" ;;
     get) ;;

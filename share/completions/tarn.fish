@@ -11,6 +11,7 @@ complete -c tarn -l color -x -a "auto always never" -d "Colour the output"
 
 complete -c tarn -n "__fish_seen_subcommand_from check" -l all -d "Report every violation"
 complete -c tarn -n "__fish_seen_subcommand_from check" -l limit -x -d "Most violations for a file"
+complete -c tarn -n "__fish_seen_subcommand_from check" -l format -x -a "text json sarif junit" -d "What to write"
 complete -c tarn -n "__fish_seen_subcommand_from check stats" -l json -d "Write JSON"
 complete -c tarn -n "__fish_seen_subcommand_from check" -l strict -d "Also what other XML parsers refuse"
 complete -c tarn -n "__fish_seen_subcommand_from check" -l jobs -x -d "Documents at a time"

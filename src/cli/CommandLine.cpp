@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <map>
 #include <sstream>
 #include <vector>
@@ -26,6 +27,19 @@ std::vector<std::string> optionNames(const CLI::App& app) {
 
 std::string withSuggestion(const std::string& message, const std::string& suggestion) {
   return suggestion.empty() ? message : message + ", did you mean '" + suggestion + "'?";
+}
+
+// The message of a number of values that an option does not take has numbers and types.
+std::string messageOf(const CLI::ParseError& error) {
+  std::string line = error.what();
+  line.resize(std::min(line.find('\n'), line.size()));
+  if (error.get_name() != "ArgumentMismatch") return line;
+  const std::string option = line.substr(0, line.find_first_of(": "));
+  const auto says = [&line](const char* text) { return line.find(text) != std::string::npos; };
+  if (says("override")) return "--" + option + " takes no value";
+  if (says("missing")) return option + " needs a value";
+  if (says("received")) return option + " is given more than once";
+  return line;
 }
 
 }  // namespace
@@ -141,9 +155,7 @@ void CommandLine::refuse(const CLI::ParseError& error) const {
     throwUsageError(withSuggestion(fmt::format("{} has no option '{}'", command, option),
                                    nearest(option, names)));
   }
-  std::string message = error.what();
-  message = message.substr(0, message.find('\n'));
-  throwUsageError(message);
+  throwUsageError(messageOf(error));
 }
 
 }  // namespace tarn

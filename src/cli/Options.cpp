@@ -1,5 +1,7 @@
 #include "Options.hpp"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
@@ -22,6 +24,10 @@ std::string listOf(const std::vector<std::string>& words) {
   return list;
 }
 
+std::string expectation(const std::string& expected, const std::string& found) {
+  return "expected " + expected + ", not '" + found + "'";
+}
+
 // A check of a value. It has no description, which the help would show beside the form of the
 // value.
 CLI::Validator check(const std::function<std::string(std::string&)>& messageOf) {
@@ -34,14 +40,17 @@ CLI::Validator checkNumber(Number least) {
     Number number = 0;
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error == std::errc::result_out_of_range) return "'" + text + "' is too large";
+    if (error == std::errc::result_out_of_range && rest == end) return "too large: " + text;
     if (error == std::errc() && rest == end && number >= least) return "";
-    return "'" + text + "' is no number from " + std::to_string(least) + " on";
+    return expectation("a whole number, " + std::to_string(least) + " or more", text);
   });
 }
 
-std::string noneOf(const std::string& text, const std::vector<std::string>& words) {
-  return "'" + text + "' is not " + listOf(words);
+CLI::Validator oneOf(const std::vector<std::string>& words) {
+  return check([words](const std::string& text) {
+    const bool isOne = std::find(words.begin(), words.end(), text) != words.end();
+    return isOne ? "" : expectation(listOf(words), text);
+  });
 }
 
 }  // namespace
@@ -64,7 +73,7 @@ void Options::addOptionalArgument(const char* name, std::string& value, const ch
 }
 
 void Options::addFlag(const std::string& option, bool& value, const char* help) {
-  app_.add_flag(option, value, help);
+  app_.add_flag(option, value, help)->disable_flag_override();
 }
 
 void Options::addText(const std::string& option, const char* form, std::string& value,
@@ -94,16 +103,18 @@ void Options::addTexts(const std::string& option, const char* form,
   app_.add_option(option, values, help)->type_name(form)->allow_extra_args(false);
 }
 
+void Options::addWord(const std::string& option, const char* form, std::string& value,
+                      const std::vector<std::string>& words, const char* help) {
+  app_.add_option(option, value, help)->type_name(form)->check(oneOf(words));
+}
+
 void Options::addWords(const std::string& option, const char* form,
                        std::vector<std::string>& values, const std::vector<std::string>& words,
                        const char* help) {
   app_.add_option(option, values, help)
       ->type_name(form)
       ->allow_extra_args(false)
-      ->check(check([words](const std::string& text) {
-                const bool isOne = std::find(words.begin(), words.end(), text) != words.end();
-                return isOne ? "" : noneOf(text, words);
-              }).description(listOf(words)));
+      ->check(oneOf(words));
 }
 
 template <class Number>
@@ -132,7 +143,7 @@ void Options::addNumberedChoice(const std::string& option, const char* form,
   for (const auto& [word, number] : words) names.push_back(word);
   const auto replaceByNumber = [words, names](std::string& text) -> std::string {
     const auto found = words.find(text);
-    if (found == words.end()) return noneOf(text, names);
+    if (found == words.end()) return expectation(listOf(names), text);
     text = std::to_string(found->second);
     return "";
   };
@@ -155,8 +166,13 @@ void Options::showDefault(const std::string& option) {
   app_.get_option(option)->capture_default_str();
 }
 
-void Options::allowOnlyWith(const std::string& option, const std::string& other) {
-  app_.get_option(option)->needs(app_.get_option(other));
+// Validators run once the whole command line has been read.
+void Options::allowOnlyWithAny(const std::string& option, const std::vector<std::string>& others) {
+  app_.get_option(option)->check(check([&app = app_, others](const std::string& /*value*/) {
+    const bool isAllowed = std::any_of(others.begin(), others.end(),
+                                       [&app](const auto& other) { return app.count(other) > 0; });
+    return isAllowed ? std::string() : "only with " + listOf(others);
+  }));
 }
 
 void Options::exclude(const std::string& option, const std::string& other) {

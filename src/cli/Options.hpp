@@ -43,6 +43,9 @@ class Options {
   /// Adds an option that takes a text and may be repeated.
   void addTexts(const std::string& option, const char* form, std::vector<std::string>& values,
                 const char* help);
+  /// Adds an option that takes one of `words`.
+  void addWord(const std::string& option, const char* form, std::string& value,
+               const std::vector<std::string>& words, const char* help);
   /// Adds an option that takes one of `words` and may be repeated.
   void addWords(const std::string& option, const char* form, std::vector<std::string>& values,
                 const std::vector<std::string>& words, const char* help);
@@ -64,8 +67,8 @@ class Options {
   void require(const std::string& option);
   /// Shows in the help what the variable of `option` holds now.
   void showDefault(const std::string& option);
-  /// Refuses `option` without `other`.
-  void allowOnlyWith(const std::string& option, const std::string& other);
+  /// Refuses `option` without any of `others`.
+  void allowOnlyWithAny(const std::string& option, const std::vector<std::string>& others);
   /// Refuses `option` together with `other`.
   void exclude(const std::string& option, const std::string& other);
 

@@ -42,6 +42,7 @@
 #include "libtarn/util/TarnFactory.hpp"
 #include "libtarn/util/TextPosition.hpp"
 #include "libtarn/util/XmlCheck.hpp"
+#include "libtarn/util/checkPrinted.hpp"
 #include "libtarn/util/countElements.hpp"
 #include "libtarn/util/dumpElement.hpp"
 #include "libtarn/util/dumpTarnDocument.hpp"

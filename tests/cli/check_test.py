@@ -3,6 +3,7 @@
 
 import json
 import os
+import re
 import sys
 import threading
 
@@ -56,6 +57,8 @@ class CheckTest(CommandCase):
 {path}:5:3: error: </tarn> expected for <tarn>, found the end of the text
 {path}:1:1: note: <tarn> is opened here
 """)
+        path = self.file(document("\n<managedObject class='C' distName='A-1'>\n<foo/></managedObject>"))
+        self.expect(tarn("check", path), 1, "", f"{path}:3:5: A-1: error: unknown TARN object\n")
         # Who missed an end tag may have missed it everywhere.
         path = self.file("<tarn>" + "<c>" * 1000)
         self.assertEqual(tarn("check", path).stderr.decode().count("is opened here"), 10)
@@ -151,24 +154,73 @@ class CheckTest(CommandCase):
 {path}:9:41: A-2: error: {NAMELESS.replace("A-1", "A-2")}
 """)
 
-    def test_fifty_faults_are_fifty_lines(self):
-        kinds = ("<managedObject class='C' distName='A-{0}'><p/></managedObject>",
-                 "<managedObject class='C' distName='A{0}'/>",
-                 "<managedObject distName='A-{0}'/>",
-                 "<managedObject class='C' distName='A-{0}' operation='x'/>",
-                 "<managedObject class='C' distName='A-{0}'><p name='a'/><p name='a'/></managedObject>",
-                 "<managedObject class='C' distName='A-{0}'><list/></managedObject>",
-                 "<managedObject class='C' distName='A-{0}'><list name='l'><p/><item/></list>"
-                 "</managedObject>",
-                 "<managedObject class='C' distName='A-{0}'><extension><p/></extension></managedObject>",
-                 "<managedObject class='C' distName='A-{0}'><list name='l'/><list name='l'/>"
-                 "</managedObject>",
-                 "<unknown/>")
-        bodies = "".join("\n" + kinds[n % 10].format(n) for n in range(50))
-        path = self.file(document(bodies))
-        lines = tarn("check", "--all", path).stderr.decode().splitlines()
-        faulty = [int(line[len(path) + 1:].split(":")[0]) for line in lines if ": error: " in line]
-        self.assertEqual(sorted(faulty), list(range(2, 52)))
+    # For each rule an element that breaks it, and it alone. "{0}" stands for a number.
+    KINDS = {
+        "object-class": "<managedObject distName='A-{0}'/>",
+        "object-name": None,  # what has no name is a duplicate the second time
+        "invalid-object-name": "<managedObject class='C' distName='A{0}'/>",
+        "object-operation": "<managedObject class='C' distName='A-{0}' operation='x'/>",
+        "duplicate-object": "<managedObject class='C' distName='A-0'/>",
+        "parameter-name": "<managedObject class='C' distName='A-{0}'><p/></managedObject>",
+        "duplicate-parameter":
+            "<managedObject class='C' distName='A-{0}'><p name='a'/><p name='a'/></managedObject>",
+        "list-name": "<managedObject class='C' distName='A-{0}'><list/></managedObject>",
+        "duplicate-list": "<managedObject class='C' distName='A-{0}'><list name='l'/>"
+                          "<list name='l'/></managedObject>",
+        "mixed-list": "<managedObject class='C' distName='A-{0}'><list name='l'><p/><item/></list>"
+                      "</managedObject>",
+        "duplicate-component":
+            "<managedObject class='C' distName='A-{0}'><list name='l'><item><p name='a'/>"
+            "<p name='a'/></item></list></managedObject>",
+        "unknown-element": "<unknown/>",
+    }
+
+    def test_fifty_faults_of_every_rule_are_fifty_lines(self):
+        lines = ["<tarn>",                       # 1: version, xmlns, number of cmData
+                 "<cmData type='plan'/>",        # 2: header, no object
+                 "<cmData type='wrong'>",        # 3: type
+                 "<header>", "<log action='a'/>", "<log dateTime='d'/>", "</header>",
+                 "<managedObject class='C'/>",
+                 "<managedObject class='C' distName='A-0'/>"]
+        expected = [(1, "root-version"), (1, "root-namespace"), (1, "root-body"),
+                    (2, "body-header"), (2, "plan-without-object"), (3, "body-type"),
+                    (5, "log-time"), (6, "log-action"), (8, "object-name")]
+        kinds = [(rule, text) for rule, text in self.KINDS.items() if text]
+        for number in range(1, 51 - len(expected)):
+            rule, text = kinds[number % len(kinds)]
+            lines.append(text.format(number))
+            expected.append((len(lines), rule))
+        lines.append("</cmData></tarn>")
+        path = self.file("\n".join(lines))
+        self.assertEqual(len(expected), 50)
+        reported = tarn("check", "--all", path).stderr.decode().splitlines()
+        places = [int(line[len(path) + 1:].split(":")[0]) for line in reported
+                  if ": error: " in line]
+        self.assertEqual(sorted(places), [line for line, _ in expected])
+        found = json.loads(tarn("check", "--all", "--json", path).stdout)
+        self.assertEqual((found["result"], found["violationCount"]), (1, 50))
+        self.assertEqual(sorted((each["line"], each["rule"]) for each in found["violations"]),
+                         sorted(expected))
+        # Every rule of a document that is XML.
+        with open("src/cli/documents/faultRules.cpp", encoding="utf-8") as source:
+            ids = re.findall(r'ModelKind::.*:\n\s*return {"([a-z-]*)"', source.read())
+        self.assertEqual({rule for _, rule in expected} | {"malformed-xml"}, set(ids))
+        for each in found["violations"]:
+            with self.subTest(**each):
+                column = lines[each["line"] - 1].index("<")
+                if each["rule"] in ("parameter-name", "list-name", "mixed-list"):
+                    column = lines[each["line"] - 1].index("<", 1)
+                elif each["rule"].startswith("duplicate-") and each["rule"] != "duplicate-object":
+                    tag = "<list" if each["rule"] == "duplicate-list" else "<p"
+                    column = lines[each["line"] - 1].rindex(tag)
+                    first = lines[each["line"] - 1].index(tag)
+                    self.assertEqual((each["note"]["line"], each["note"]["column"]),
+                                     (each["line"], first + 1))
+                elif each["rule"] == "unknown-element" and each == found["violations"][0]:
+                    column = lines[each["line"] - 1].index("/")  # where the parser ended
+                elif each["rule"] == "duplicate-object":
+                    self.assertEqual((each["note"]["line"], each["note"]["column"]), (9, 1))
+                self.assertEqual(each["column"], column + 1)
 
     def test_strict_reports_what_other_parsers_refuse(self):
         text = document(managed_object("A-1", body="\n<p name='x' name='y'>a&b</item>\n"))
@@ -246,14 +298,17 @@ class CheckTest(CommandCase):
         self.assertEqual((result.returncode, result.stderr), (5, b""))
         self.assertEqual([json.loads(line) for line in result.stdout.splitlines()], [
             {"file": file, "result": code, "message": message, "line": line, "column": column,
-             "path": path, "dn": dn}
-            for file, code, message, line, column, path, dn in (
-                (good, 0, None, None, None, None, None),
-                (malformed, 1, "expected element name", 2, 2, None, None),
-                (broken, 2, NAMELESS, 1, 109, "tarn > cmData > managedObject:A-1 > p > ", "A-1"),
+             "path": path, "dn": dn, "rule": rule}
+            for file, code, message, line, column, path, dn, rule in (
+                (good, 0, None, None, None, None, None, None),
+                (malformed, 1, "expected element name", 2, 2, None, None, "malformed-xml"),
+                (broken, 2, NAMELESS, 1, 109, "tarn > cmData > managedObject:A-1 > p > ", "A-1",
+                 "parameter-name"),
                 (unloadable, 2, "The 'cmData' element has no attribute 'type'", 1, 7,
-                 "tarn > cmData > ", None),
-                (missing, 5, "No such file or directory", None, None, None, None))])
+                 "tarn > cmData > ", None, "body-type"),
+                (missing, 5, "No such file or directory", None, None, None, None, None))])
+        self.expect(tarn("check", "--format", "json", good, malformed, broken, unloadable, missing),
+                    5, result.stdout)
 
     def test_json_of_all_violations(self):
         path = self.file(document("", header="<header><log/></header>"))
@@ -316,11 +371,35 @@ class CheckTest(CommandCase):
         self.assertEqual(levels, ["DEBUG", "DEBUG", "INFO"])
 
     def test_wrong_usage_has_status_64(self):
-        for arguments in ([], ["--all"], ["--limit", "3", "x"], ["--all", "--limit", "-1", "x"],
-                          ["--all", "--limit", "x", "x"], ["x", "--log-level", "loud"]):
-            result = tarn("check", *arguments)
-            self.assertEqual((arguments, result.returncode, result.stdout), (arguments, 64, b""))
-            self.assertNotEqual(result.stderr, b"")
+        for arguments, message in (
+                ([], "FILE is required"),
+                (["--all"], "FILE is required"),
+                (["--limit", "3", "x"], "--limit: only with --all or --strict"),
+                (["--all", "--limit", "-1", "x"],
+                 "--limit: expected a whole number, 0 or more, not '-1'"),
+                (["--all", "--limit", "x", "x"],
+                 "--limit: expected a whole number, 0 or more, not 'x'"),
+                (["--all", "--limit", "9" * 30, "x"], "--limit: too large: " + "9" * 30),
+                (["--jobs=-1", "x"], "--jobs: expected a whole number, 0 or more, not '-1'"),
+                (["--jobs", "1.5", "x"], "--jobs: expected a whole number, 0 or more, not '1.5'"),
+                (["x", "--jobs"], "--jobs needs a value"),
+                (["--jobs", "1", "--jobs", "2", "x"], "--jobs is given more than once"),
+                (["--all=3", "x"], "--all takes no value"),
+                (["x", "--log-level", "loud"],
+                 "--log-level: expected debug, error, info or none, not 'loud'"),
+                (["--format", "yaml", "x"],
+                 "--format: expected text, json, sarif or junit, not 'yaml'"),
+                (["--json", "--format", "sarif", "x"],
+                 "--json means --format json, but --format sarif is given"),
+                (["-", "-"],
+                 "standard input is named more than once, but can be read once only")):
+            with self.subTest(arguments=arguments):
+                self.expect(tarn("check", *arguments, input=b""), 64, "",
+                            f"tarn: error: {message}\n")
+        good = self.file(document(managed_object("A-1")))
+        for arguments in (["--jobs", "3"], ["--strict", "--limit", "3"], ["--all", "--strict"],
+                          ["--json", "--format", "json"]):
+            self.assertEqual(tarn("check", *arguments, good).returncode, 0)
 
 
 if __name__ == "__main__":

@@ -369,14 +369,16 @@ class HelpTest(CommandCase):
 
     def test_wrong_value_of_an_option_is_reported_in_words(self):
         for arguments, message in (
-                (["check", "x", "--jobs", "-1"], "--jobs: '-1' is no number from 0 on"),
-                (["check", "x", "--jobs=1x"], "--jobs: '1x' is no number from 0 on"),
-                (["check", "x", "--jobs", str(2**32)], f"--jobs: '{2**32}' is too large"),
-                (["tree", "x", "--depth", "0"], "--depth: '0' is no number from 1 on"),
-                (["list", "x", "--format", "1"], "--format: '1' is not csv, dn, dn0, json, jsonl, table or tsv"),
-                (["--color", "red", "check", "x"], "--color: 'red' is not always, auto or never"),
+                (["check", "x", "--jobs", "-1"], "--jobs: expected a whole number, 0 or more, not '-1'"),
+                (["check", "x", "--jobs=1x"], "--jobs: expected a whole number, 0 or more, not '1x'"),
+                (["check", "x", "--jobs", str(2**32)], f"--jobs: too large: {2**32}"),
+                (["tree", "x", "--depth", "0"], "--depth: expected a whole number, 1 or more, not '0'"),
+                (["list", "x", "--format", "1"],
+                 "--format: expected csv, dn, dn0, json, jsonl, table or tsv, not '1'"),
+                (["--color", "red", "check", "x"],
+                 "--color: expected always, auto or never, not 'red'"),
                 (["list", "x", "--operation", "drop"],
-                 "--operation: 'drop' is not create, delete, update, auto or none")):
+                 "--operation: expected create, delete, update, auto or none, not 'drop'")):
             with self.subTest(arguments=arguments):
                 self.expect(tarn(*arguments), 64, "", f"tarn: error: {message}\n")
 

@@ -1,11 +1,11 @@
 // Validates documents, as many at a time as there are cores.
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <condition_variable>
 #include <exception>
 #include <filesystem>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <new>
 #include <optional>
@@ -16,96 +16,51 @@
 #include <vector>
 
 #include "CommandLine.hpp"
-#include "documents/Finding.hpp"
-#include "libtarn/util/TextPosition.hpp"
-#include "output/json.hpp"
-#include "output/outputFile.hpp"
-#include "output/printable.hpp"
+#include "documents/checkFile.hpp"
+#include "documents/faultRules.hpp"
+#include "files/InputFile.hpp"
+#include "output/FindingWriter.hpp"
 #include "output/terminal.hpp"
 
 namespace tarn {
-
-using libtarn::util::TextPosition;
 
 namespace {
 
 struct CheckRequest {
   std::vector<std::string> files;
   CheckScope scope;
+  std::string format;  ///< Empty when none is asked for.
   bool json = false;
   unsigned jobs = 0;  ///< Documents at a time; 0 for as many as there are cores.
 };
 
-constexpr const char* NO_MEMORY = "not enough memory";
+enum class Format { Text, Json, Sarif, Junit };
 
-void report(const std::string& path, const Fault& fault) {
-  reportError(errorLine(subjectOf(path, fault), fault.message));
-  if (!fault.note.empty()) reportNote(subjectAt(path, fault.notePlace), fault.note);
+const std::map<std::string, Format> FORMATS = {{"text", Format::Text},
+                                               {"json", Format::Json},
+                                               {"sarif", Format::Sarif},
+                                               {"junit", Format::Junit}};
+
+Format formatOf(const CheckRequest& request) {
+  if (request.format.empty()) return request.json ? Format::Json : Format::Text;
+  if (request.json && request.format != "json") {
+    throwUsageError("--json means --format json, but --format " + request.format + " is given");
+  }
+  return FORMATS.at(request.format);
 }
 
-void report(const std::string& path, const Finding& finding) {
-  if (finding.lacksMemory()) return reportError(errorLine(path, NO_MEMORY));
-  if (finding.error) return reportError(finding.error->what());
-  if (finding.status == Status::Done) {
-    return writeOutput(fmt::format("{}: {}\n", printable(path), styled(Style::Good, "ok")));
+std::unique_ptr<FindingWriter> makeWriter(Format format, const CheckScope& scope) {
+  switch (format) {
+    case Format::Text:
+      return makeTextWriter();
+    case Format::Json:
+      return makeJsonWriter(scope.all || scope.strict);
+    case Format::Sarif:
+      return makeSarifWriter(allRules());
+    case Format::Junit:
+      return makeJunitWriter();
   }
-  for (const Fault& fault : finding.faults) report(path, fault);
-  if (const std::size_t leftOut = finding.faultCount - finding.faults.size()) {
-    reportError(errorLine(
-        path, fmt::format("{} more {}", leftOut, leftOut == 1 ? "violation" : "violations")));
-  }
-}
-
-Json orNull(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
-
-void addPlace(Json& json, const std::optional<TextPosition>& place) {
-  json["line"] = place ? Json(place->line) : Json(nullptr);
-  json["column"] = place ? Json(place->column) : Json(nullptr);
-}
-
-Json jsonOf(const Fault& fault) {
-  Json json = {{"message", fault.message}};
-  addPlace(json, fault.place);
-  json["path"] = orNull(fault.path);
-  json["dn"] = orNull(fault.distName);
-  if (!fault.note.empty()) {
-    json["note"] = {{"message", fault.note}};
-    addPlace(json["note"], fault.notePlace);
-  }
-  return json;
-}
-
-// The first fault, or why there is none to be had.
-Json firstOf(const Finding& finding) {
-  if (!finding.faults.empty()) return jsonOf(finding.faults.front());
-  Fault none;
-  if (finding.error) {
-    none.message = finding.error->message();
-    none.place = finding.error->place();
-  }
-  if (finding.lacksMemory()) none.message = NO_MEMORY;
-  Json json = jsonOf(none);
-  json["message"] = orNull(none.message);
-  return json;
-}
-
-void reportJson(const std::string& path, const Finding& finding, const CheckScope& scope) {
-  Json json = {{"file", path}, {"result", static_cast<int>(finding.status)}};
-  json.update(firstOf(finding));
-  if (scope.all || scope.strict) {
-    json["violationCount"] = finding.faultCount;
-    json["violations"] = Json::array();
-    for (const Fault& fault : finding.faults) json["violations"].push_back(jsonOf(fault));
-  }
-  writeOutput(jsonText(json) + "\n");
-}
-
-void report(const std::string& path, const Finding& finding, const CheckRequest& request) {
-  if (request.json) {
-    reportJson(path, finding, request.scope);
-  } else {
-    report(path, finding);
-  }
+  return nullptr;
 }
 
 std::size_t workerCount(const CheckRequest& request) {
@@ -215,11 +170,12 @@ class Workers {
 };
 
 // Returns the status of the file.
-Status checkAndReport(std::size_t number, const CheckRequest& request, Workers* workers) {
+Status checkAndReport(std::size_t number, const CheckRequest& request, Workers* workers,
+                      FindingWriter& writer) {
   const std::string& path = request.files[number];
   try {
     const Finding finding = workers ? workers->finding(number) : checkFile(path, request.scope);
-    report(path, finding, request);
+    writer.add(path, finding);
     return finding.status;
   } catch (const std::bad_alloc&) {
     reportNoMemory(path.c_str());
@@ -228,7 +184,7 @@ Status checkAndReport(std::size_t number, const CheckRequest& request, Workers* 
 }
 
 // Returns the highest status of the files.
-Status checkFiles(const CheckRequest& request) {
+Status checkAndReportAll(const CheckRequest& request, FindingWriter& writer) {
   Status highest = Status::Done;
   std::optional<Workers> workers;
   try {
@@ -236,9 +192,20 @@ Status checkFiles(const CheckRequest& request) {
   } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the main thread does it
   }
   for (std::size_t i = 0; i < request.files.size(); ++i) {
-    highest = std::max(highest, checkAndReport(i, request, workers ? &*workers : nullptr));
+    highest = std::max(highest, checkAndReport(i, request, workers ? &*workers : nullptr, writer));
   }
   return highest;
+}
+
+Status checkFiles(const CheckRequest& asked) {
+  CheckRequest request = asked;
+  const Format format = formatOf(request);
+  requireOneStandardInput(request.files);
+  request.scope.unicodeColumns = format == Format::Sarif;
+  const std::unique_ptr<FindingWriter> writer = makeWriter(format, request.scope);
+  const Status status = checkAndReportAll(request, *writer);
+  writer->finish(status);
+  return status;
 }
 
 }  // namespace
@@ -249,10 +216,12 @@ void addCheck(CommandLine& line) {
   options.addFlag("--all", request.scope.all, "Report every violation");
   options.addNumber("--limit", request.scope.limit,
                     "Most violations to report for a file; 0 for all that fit 64 MiB");
-  options.allowOnlyWith("--limit", "--all");
+  options.allowOnlyWithAny("--limit", {"--all", "--strict"});
   options.addFlag("--strict", request.scope.strict,
                   "Report every violation, and what a conforming XML parser refuses");
-  options.addFlag("--json", request.json, "Write a JSON object for each file, on a line");
+  options.addWord("--format", "F", request.format, {"text", "json", "sarif", "junit"},
+                  "What to write: text (the default), json, sarif or junit");
+  options.addFlag("--json", request.json, "The same as --format json: an object a file, on a line");
   options.addNumber("--jobs", request.jobs,
                     "Documents to validate at a time; 0 for as many as there are cores");
 }

@@ -2,9 +2,9 @@
 
 #include "CommandError.hpp"
 #include "documents/faults.hpp"
+#include "documents/writtenText.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "libtarn/model/ResultCodes.hpp"
-#include "libtarn/util/dumpTarnDocument.hpp"
 #include "output/HostLog.hpp"
 #include "output/Progress.hpp"
 #include "output/outputFile.hpp"
@@ -27,6 +27,7 @@ void loadDocument(const std::string& path, Document& document, Rules rules) {
 
 void loadDocument(TextFile& file, Document& document, Rules rules) {
   const Progress progress("Loading", file.path());
+  document.path_ = file.path();
   if (document.parse(file.read(), rules == Rules::Checked) == 0) return;
   throwRefused(file, document.getDiagnostic());
 }
@@ -49,13 +50,6 @@ LibTarnCmData& requireCmData(const Document& document, const std::string& path) 
 
 namespace {
 
-std::string textOf(Document& document, const std::string& path) {
-  const Progress progress("Printing", path);
-  std::string text;
-  libtarn::util::dumpTarnDocument(document, text);
-  return text;
-}
-
 // The status of a report that cannot be written says nothing of a result that is in its place.
 void writeReport(const Destination& destination, const std::string& report) {
   try {
@@ -69,7 +63,7 @@ void writeReport(const Destination& destination, const std::string& report) {
 }  // namespace
 
 void writeResult(Document& document, Destination& destination, const std::string& report) {
-  destination.write(textOf(document, destination.name()));
+  destination.write(writtenText(document, destination.name()));
   if (destination.isStandardOutput()) {
     writeMessage(report);
   } else {

@@ -21,6 +21,14 @@ class Document : public libtarn::model::LibTarnDocument {
   Document() : LibTarnDocument(libtarn::model::OutOfMemory::Throw) {}
   /// Loads the file at `path`, as loadDocument() does.
   explicit Document(const std::string& path, Rules rules = Rules::Unchecked);
+
+  /// The file that was loaded last.
+  const std::string& path() const { return path_; }
+
+ private:
+  friend void loadDocument(TextFile& file, Document& document, Rules rules);
+
+  std::string path_;
 };
 
 /// Loads the file at `path`, "-" for standard input, into `document`. Throws CommandError for a
@@ -39,7 +47,8 @@ libtarn::model::LibTarnCmData& requireCmData(const Document& document, const std
 
 /// Writes the document to `destination`. Writes `report`, which says what was done, to standard
 /// output, or to standard error when the document goes to standard output. A file is replaced last,
-/// after the report. Throws CommandError and OutputClosed, with the file unchanged.
+/// after the report. Throws CommandError and OutputClosed, with the file unchanged, also for a
+/// document that other XML parsers would refuse: see writtenText().
 void writeResult(Document& document, Destination& destination, const std::string& report);
 
 }  // namespace tarn

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "documents/faultRules.hpp"
 #include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/model/validation/Diagnosis.hpp"
 #include "libtarn/util/XmlCheck.hpp"
@@ -39,6 +41,7 @@ struct Found {
 
 Found foundIn(ModelFinding&& finding) {
   Found found;
+  found.fault.rule = ruleOf(finding.kind).id;
   found.fault.message = std::move(finding.message);
   found.fault.path = std::move(finding.path);
   found.fault.distName = std::move(finding.distName);
@@ -50,6 +53,7 @@ Found foundIn(ModelFinding&& finding) {
 
 Found foundIn(XmlFault&& fault) {
   Found found;
+  found.fault.rule = ruleOf(fault.kind).id;
   found.fault.message = std::move(fault.message);
   found.fault.note = std::move(fault.relatedMessage);
   found.offset = fault.offset;
@@ -59,6 +63,7 @@ Found foundIn(XmlFault&& fault) {
 
 Found foundIn(const Diagnostic& refusal) {
   Found found;
+  found.fault.rule = ruleOf(ModelFinding::Kind::MalformedXml).id;
   found.fault.message = refusal.message;
   if (refusal.code == ParseResult::Malformed) found.offset = refusal.offset;
   return found;
@@ -72,52 +77,73 @@ std::string_view withoutNul(const std::vector<char>& text) {
   return {text.data(), text.size() - 1};
 }
 
-// One pass over the file finds all places.
-std::vector<Fault> placed(TextFile& file, std::vector<Found>&& found) {
-  std::vector<std::size_t> offsets;
-  for (const Found& each : found) {
-    if (each.offset != NO_OFFSET) offsets.push_back(each.offset);
-    if (each.noteOffset != NO_OFFSET) offsets.push_back(each.noteOffset);
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+
+// The columns of ascending offsets in UTF-16 code units, which editors and code reviews count.
+// Takes one pass over the text, whatever the length of its lines. Of invalid UTF-8 a column is only
+// near the fault.
+std::vector<std::size_t> unicodeColumns(std::string_view text,
+                                        const std::vector<std::size_t>& offsets) {
+  // Editors do not count a byte order mark.
+  std::size_t at =
+      text.substr(0, BYTE_ORDER_MARK.size()) == BYTE_ORDER_MARK ? BYTE_ORDER_MARK.size() : 0;
+  std::size_t column = 1;
+  std::vector<std::size_t> columns;
+  columns.reserve(offsets.size());
+  for (const std::size_t offset : offsets) {
+    for (; at < offset && at < text.size(); ++at) {
+      const auto byte = static_cast<unsigned char>(text[at]);
+      const bool isContinuation = (byte & 0xC0U) == 0x80U;
+      const bool isBeyondBasicPlane = byte >= 0xF0U;
+      column += isContinuation ? 0 : isBeyondBasicPlane ? 2 : 1;
+      if (byte == '\n') column = 1;
+    }
+    columns.push_back(column);
   }
-  std::sort(offsets.begin(), offsets.end());
-  offsets.erase(std::unique(offsets.begin(), offsets.end()), offsets.end());
-  const std::vector<TextPosition> places = file.locate(offsets);
-  const auto placeOf = [&](std::size_t offset) -> std::optional<TextPosition> {
+  return columns;
+}
+
+/// The places of offsets in a file, each of which it was given before.
+class Places {
+ public:
+  /// One pass over the file finds all places.
+  Places(TextFile& file, const std::vector<Found>& found, const CheckScope& scope) {
+    for (const Found& each : found) {
+      if (each.offset != NO_OFFSET) offsets_.push_back(each.offset);
+      if (each.noteOffset != NO_OFFSET) offsets_.push_back(each.noteOffset);
+    }
+    std::sort(offsets_.begin(), offsets_.end());
+    offsets_.erase(std::unique(offsets_.begin(), offsets_.end()), offsets_.end());
+    positions_ = file.locate(offsets_);
+    if (scope.unicodeColumns && !offsets_.empty()) {
+      unicodeColumns_ = unicodeColumns(withoutNul(file.read()), offsets_);
+    }
+  }
+
+  std::optional<FaultPlace> of(std::size_t offset) const {
     if (offset == NO_OFFSET) return std::nullopt;
-    const auto position = std::lower_bound(offsets.begin(), offsets.end(), offset);
-    return places[static_cast<std::size_t>(position - offsets.begin())];
-  };
+    const auto found = std::lower_bound(offsets_.begin(), offsets_.end(), offset);
+    const auto index = static_cast<std::size_t>(found - offsets_.begin());
+    return FaultPlace{positions_[index], unicodeColumns_.empty() ? 0 : unicodeColumns_[index]};
+  }
+
+ private:
+  std::vector<std::size_t> offsets_;
+  std::vector<TextPosition> positions_;
+  std::vector<std::size_t> unicodeColumns_;  // empty when they are not asked for
+};
+
+std::vector<Fault> placed(TextFile& file, std::vector<Found>&& found, const CheckScope& scope) {
+  const Places places(file, found, scope);
   std::vector<Fault> faults;
   faults.reserve(found.size());
   for (Found& each : found) {
-    each.fault.place = placeOf(each.offset);
-    each.fault.notePlace = placeOf(each.noteOffset);
+    each.fault.place = places.of(each.offset);
+    each.fault.notePlace = places.of(each.noteOffset);
     faults.push_back(std::move(each.fault));
   }
   return faults;
 }
-
-// The finding that the refusal names. A validation reports the first one in the order of names.
-Found namedBy(const Diagnostic& refusal, std::vector<ModelFinding>&& findings) {
-  for (ModelFinding& finding : findings) {
-    if (finding.message == refusal.message) return foundIn(std::move(finding));
-  }
-  return foundIn(refusal);
-}
-
-std::vector<Found> findNamed(TextFile& file, const Diagnostic& refusal) {
-  std::vector<Found> found;
-  if (refusal.code == ParseResult::Malformed) {
-    found.push_back(foundIn(refusal));
-    const std::vector<char> text = file.read();
-    append(checkXmlTags(withoutNul(text), MOST_END_TAGS), found);
-  } else {
-    found.push_back(namedBy(refusal, Diagnosis::of(file.read(), Diagnosis::NO_LIMIT, MOST_BYTES)));
-  }
-  return found;
-}
-
-bool isBefore(const Found& a, const Found& b) { return a.offset < b.offset; }
 
 // The finding for which the parser refused the text. An unknown element begins before the place
 // that the parser names, any other finding is at that place.
@@ -132,12 +158,43 @@ std::vector<ModelFinding>::iterator findRefused(const Diagnostic& refusal,
   return refused;
 }
 
+// Its place is the one that the parser names.
+Found foundAs(const Diagnostic& refusal, ModelFinding&& finding) {
+  Found found = foundIn(std::move(finding));
+  found.offset = refusal.offset;
+  return found;
+}
+
+// The finding that the refusal names. A validation reports the first one in the order of names.
+Found namedBy(const Diagnostic& refusal, std::vector<ModelFinding>&& findings) {
+  if (refusal.code == ParseResult::Malformed) {
+    const auto refused = findRefused(refusal, findings);
+    return refused == findings.end() ? foundIn(refusal) : foundAs(refusal, std::move(*refused));
+  }
+  for (ModelFinding& finding : findings) {
+    if (finding.message == refusal.message) return foundIn(std::move(finding));
+  }
+  return foundIn(refusal);
+}
+
+std::vector<Found> findNamed(TextFile& file, const Diagnostic& refusal) {
+  std::vector<Found> found;
+  found.push_back(namedBy(refusal, Diagnosis::of(file.read(), Diagnosis::NO_LIMIT, MOST_BYTES)));
+  if (refusal.code == ParseResult::Malformed) {
+    const std::vector<char> text = file.read();
+    append(checkXmlTags(withoutNul(text), MOST_END_TAGS), found);
+  }
+  return found;
+}
+
+bool isBefore(const Found& a, const Found& b) { return a.offset < b.offset; }
+
 }  // namespace
 
-Faults findFault(TextFile& file, const Diagnostic& refusal) {
+Faults findFault(TextFile& file, const Diagnostic& refusal, const CheckScope& scope) {
   try {
     Faults faults;
-    faults.list = placed(file, findNamed(file, refusal));
+    faults.list = placed(file, findNamed(file, refusal), scope);
     faults.count = faults.list.size();
     return faults;
   } catch (const std::bad_alloc&) {
@@ -159,8 +216,7 @@ Faults findAllFaults(TextFile& file, const Diagnostic& refusal, const CheckScope
       if (each != refused) found.push_back(foundIn(std::move(*each)));
     }
     if (refused != findings.end()) {
-      first = foundIn(std::move(*refused));
-      first.offset = refusal.offset;
+      first = foundAs(refusal, std::move(*refused));
     }
   }
   if (scope.strict || isMalformed) {
@@ -173,7 +229,7 @@ Faults findAllFaults(TextFile& file, const Diagnostic& refusal, const CheckScope
   std::stable_sort(found.begin(), found.end(), isBefore);
   if (isMalformed) found.insert(found.begin(), std::move(first));
   if (found.size() > limit) found.resize(limit);
-  faults.list = placed(file, std::move(found));
+  faults.list = placed(file, std::move(found), scope);
   return faults;
 }
 

@@ -3,9 +3,10 @@
 #include <cstddef>
 #include <vector>
 
-#include "documents/Finding.hpp"
+#include "documents/checkFile.hpp"
 #include "files/TextFile.hpp"
 #include "libtarn/model/Diagnostic.hpp"
+#include "output/Finding.hpp"
 
 namespace tarn {
 
@@ -18,7 +19,8 @@ struct Faults {
 /// Reads a file again that `refusal` refused and finds the fault that it names, with its place. Of
 /// malformed XML also the end tags that are wrong or missing. Where there is no memory for that,
 /// only what `refusal` says is known.
-Faults findFault(TextFile& file, const libtarn::model::Diagnostic& refusal);
+Faults findFault(TextFile& file, const libtarn::model::Diagnostic& refusal,
+                 const CheckScope& scope = {});
 
 /// Reads a file again that `refusal` refused, or that is valid, and finds all its faults, up to the
 /// limit of `scope`: those of malformed XML first, then in the order of their places.

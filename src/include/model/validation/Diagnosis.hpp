@@ -17,6 +17,38 @@ namespace validation {
 
 /// A fault of a text, and where it is. A value: nothing in it points into the text.
 struct Finding {
+  /// Which rule is broken. A caller that reports findings to another program can name the rule.
+  enum class Kind : std::uint8_t {
+    // Malformed.
+    MalformedXml,
+    UnknownElement,  ///< Of a tag that the model does not know.
+
+    // Attributes that are missing, or have a value that they may not have.
+    RootNamespace,
+    RootVersion,
+    BodyType,
+    LogTime,
+    LogAction,
+    ObjectClass,
+    ObjectName,
+    InvalidObjectName,
+    ObjectOperation,
+    ParameterName,
+    ListName,
+
+    // Numbers and kinds of children.
+    RootBody,
+    BodyHeader,
+    PlanWithoutObject,
+    MixedList,
+
+    // Names that are taken.
+    DuplicateObject,
+    DuplicateParameter,
+    DuplicateList,
+    DuplicateComponent,
+  };
+
   /// ParseResult::Malformed or ParseResult::BrokenRule: what a parse with validation returns that
   /// ends with this fault.
   int code = 0;
@@ -34,6 +66,8 @@ struct Finding {
   std::size_t offset = util::NO_OFFSET;
   /// Of a duplicate, the offset of the first element of that name; otherwise util::NO_OFFSET.
   std::size_t firstOffset = util::NO_OFFSET;
+  /// The broken rule.
+  Kind kind = Kind::MalformedXml;
 };
 
 /// Everything that is wrong with a text, where a parse with validation reports the first fault.

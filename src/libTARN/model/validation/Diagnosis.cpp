@@ -42,12 +42,13 @@ Finding findingOf(const Fault& fault) {
   Validator validator;
   for (const TarnDomElement* const each : path) each->updatePath(validator);
   Finding finding;
+  finding.kind = fault.kind;
   finding.path = validator.getPath();
   finding.distName = distNameOf(path);
   finding.offset = fault.offset;
   finding.firstOffset = fault.firstOffset;
   try {
-    fault.refuse(fault, validator);
+    refuse(fault, validator);
   } catch (const rapidxml::parse_error& error) {
     finding.code = ParseResult::Malformed;
     finding.message = error.what();

@@ -29,6 +29,7 @@ namespace {
 
 using Node = rapidxml::xml_node<char>;
 using exceptions::DuplicateElementException;
+using Kind = Finding::Kind;
 
 // Absent names count as the empty text, and a name ends at a NUL, as in the indexes.
 template <std::size_t Size>
@@ -40,63 +41,70 @@ bool isUnknown(const Node& node) {
   return isExactly<UnknownElement>(static_cast<const libDomXml::DomElement&>(node));
 }
 
-// What a load or a validation throws for each kind of fault.
-
-void refuseMalformed(const Fault& fault, Validator& /*validator*/) {
-  throw rapidxml::parse_error(fault.detail, nullptr);
+void refuseSecondObject(const TarnDomElement& object) {
+  throw DuplicateElementException::instance(LibTarnManagedObject::TAG_NAME, LibTarnCmData::TAG_NAME,
+                                            DistinguishedName::ATTR_NAME,
+                                            DistinguishedName(keyOf(object, DIST_NAME_ATTRIBUTE)));
 }
 
-void refuseAbsence(const Fault& fault, Validator& validator) {
-  validator.validateAttribute(*fault.element, fault.detail, nullptr);
-}
-
-void refuseNamespace(const Fault& fault, Validator& validator) {
-  validator.validateAttribute(*fault.element, XMLNS_ATTRIBUTE, XMLNS);
-}
-
-template <class Imp, class Child>
-void refuseChildCount(const Fault& fault, Validator& validator) {
-  validator.validateChildCount<Child>(static_cast<const Imp&>(*fault.element), 1, 1);
-}
-
-void refusePlan(const Fault& fault, Validator& validator) {
-  validator.validateAtLeastOneChild<LibTarnManagedObjectImp>(
-      static_cast<const LibTarnCmDataImp&>(*fault.element));
-}
-
-void refuseType(const Fault& fault, Validator& /*validator*/) {
-  static_cast<LibTarnCmDataImp&>(*fault.element).initializeType();
-}
-
-void refuseOperation(const Fault& fault, Validator& /*validator*/) {
-  Internals::operation(static_cast<LibTarnManagedObjectImp&>(*fault.element)).initialize();
-}
-
-void refuseInvalidName(const Fault& fault, Validator& /*validator*/) {
-  throw exceptions::InvalidDistinguishedNameException(keyOf(*fault.element, DIST_NAME_ATTRIBUTE));
-}
-
-void refuseMixedList(const Fault& fault, Validator& validator) {
-  validator.validateChildrenType(static_cast<const ListImp&>(*fault.element));
-}
-
-void refuseSecondObject(const Fault& fault, Validator& /*validator*/) {
-  throw DuplicateElementException::instance(
-      LibTarnManagedObject::TAG_NAME, LibTarnCmData::TAG_NAME, DistinguishedName::ATTR_NAME,
-      DistinguishedName(keyOf(*fault.element, DIST_NAME_ATTRIBUTE)));
-}
-
-void refuseSecondParameter(const Fault& fault, Validator& /*validator*/) {
-  Internals::throwDuplicate(static_cast<const LibTarnManagedObjectImp&>(*fault.element->parent()),
-                            fault.element->getTagName(), keyOf(*fault.element, NAME_ATTRIBUTE));
-}
-
-void refuseSecondComponent(const Fault& fault, Validator& /*validator*/) {
-  Internals::throwDuplicate(static_cast<const StructureImp&>(*fault.element->parent()),
-                            static_cast<const ScalarImp&>(*fault.element));
+void refuseSecondParameter(const TarnDomElement& parameter) {
+  Internals::throwDuplicate(static_cast<const LibTarnManagedObjectImp&>(*parameter.parent()),
+                            parameter.getTagName(), keyOf(parameter, NAME_ATTRIBUTE));
 }
 
 }  // namespace
+
+void refuse(const Fault& fault, Validator& validator) {
+  TarnDomElement* const element = fault.element;
+  const auto refuseAbsence = [&](const char* attribute) {
+    validator.validateAttribute(*element, attribute, nullptr);
+  };
+  switch (fault.kind) {
+    case Kind::MalformedXml:
+    case Kind::UnknownElement:
+      throw rapidxml::parse_error(fault.message, nullptr);
+    case Kind::RootNamespace:
+      return validator.validateAttribute(*element, XMLNS_ATTRIBUTE, XMLNS);
+    case Kind::RootVersion:
+      return refuseAbsence(VERSION_ATTRIBUTE);
+    case Kind::BodyType:
+      return static_cast<LibTarnCmDataImp&>(*element).initializeType();
+    case Kind::LogTime:
+      return refuseAbsence(DATE_TIME_ATTRIBUTE);
+    case Kind::LogAction:
+      return refuseAbsence(ACTION_ATTRIBUTE);
+    case Kind::ObjectClass:
+      return refuseAbsence(CLASS_ATTRIBUTE);
+    case Kind::ObjectName:
+      return refuseAbsence(DIST_NAME_ATTRIBUTE);
+    case Kind::InvalidObjectName:
+      throw exceptions::InvalidDistinguishedNameException(keyOf(*element, DIST_NAME_ATTRIBUTE));
+    case Kind::ObjectOperation:
+      return Internals::operation(static_cast<LibTarnManagedObjectImp&>(*element)).initialize();
+    case Kind::ParameterName:
+    case Kind::ListName:
+      return refuseAbsence(NAME_ATTRIBUTE);
+    case Kind::RootBody:
+      return validator.validateChildCount<LibTarnCmDataImp>(
+          static_cast<const LibTarnDocumentInternal&>(*element), 1, 1);
+    case Kind::BodyHeader:
+      return validator.validateChildCount<LibTarnHeaderImp>(
+          static_cast<const LibTarnCmDataImp&>(*element), 1, 1);
+    case Kind::PlanWithoutObject:
+      return validator.validateAtLeastOneChild<LibTarnManagedObjectImp>(
+          static_cast<const LibTarnCmDataImp&>(*element));
+    case Kind::MixedList:
+      return validator.validateChildrenType(static_cast<const ListImp&>(*element));
+    case Kind::DuplicateObject:
+      return refuseSecondObject(*element);
+    case Kind::DuplicateParameter:
+    case Kind::DuplicateList:
+      return refuseSecondParameter(*element);
+    case Kind::DuplicateComponent:
+      return Internals::throwDuplicate(static_cast<const StructureImp&>(*element->parent()),
+                                       static_cast<const ScalarImp&>(*element));
+  }
+}
 
 FaultFinder::FaultFinder(TolerantDocument& document,
                          const IDistinguishedNameValidator& nameValidator)
@@ -117,7 +125,7 @@ std::vector<Fault> FaultFinder::find() {
     const std::vector<TarnDomElement*>& open = document_.getOpenElements();
     TarnDomElement* const innermost = open.empty() ? nullptr : open.back();
     faults_.push_back(
-        {refuseMalformed, innermost, document_.getParseErrorOffset(), util::NO_OFFSET, message});
+        {Kind::MalformedXml, innermost, document_.getParseErrorOffset(), util::NO_OFFSET, message});
   }
   // Of one element they stay in the order of the rules.
   std::stable_sort(faults_.begin(), faults_.end(),
@@ -130,7 +138,7 @@ std::vector<Fault> FaultFinder::find() {
 void FaultFinder::findUnknownElements() {
   for (Node* node = document_.first_node(); node; node = nextInDocumentOrder(*node)) {
     if (isUnknown(*node)) {
-      note(static_cast<UnknownElement&>(*node), refuseMalformed, UNKNOWN_OBJECT);
+      note(static_cast<UnknownElement&>(*node), Kind::UnknownElement, UNKNOWN_OBJECT);
     }
   }
 }
@@ -146,9 +154,9 @@ FaultFinder::Node* FaultFinder::nextInDocumentOrder(Node& node) const {
 // Rules. Of an element that is open only what is already too much is a fault.
 
 void FaultFinder::checkRoot(LibTarnDocumentInternal& root) {
-  require(root, VERSION_ATTRIBUTE, rules::rootHasVersion);
+  require(root, VERSION_ATTRIBUTE, rules::rootHasVersion, Kind::RootVersion);
   if (!rules::rootHasNamespace(root.getLiteralAttribute(XMLNS_ATTRIBUTE))) {
-    note(root, refuseNamespace);
+    note(root, Kind::RootNamespace);
   }
   std::size_t bodies = 0;
   for (Node* node = root.first_node(); node; node = node->next_sibling()) {
@@ -159,14 +167,14 @@ void FaultFinder::checkRoot(LibTarnDocumentInternal& root) {
   }
   const bool mayFollow = isOpen(root) && bodies == 0;
   if (!mayFollow && !rules::rootHasOneBody(bodies)) {
-    note(root, refuseChildCount<LibTarnDocumentInternal, LibTarnCmDataImp>);
+    note(root, Kind::RootBody);
   }
 }
 
 void FaultFinder::checkBody(LibTarnCmDataImp& cmData) {
   auto& type = Internals::type(cmData);
   const bool hasType = type.isKnown();
-  if (!hasType) note(cmData, refuseType);
+  if (!hasType) note(cmData, Kind::BodyType);
   std::size_t headers = 0;
   std::vector<Named> objects;
   for (Node* node = cmData.first_node(); node; node = node->next_sibling()) {
@@ -179,35 +187,35 @@ void FaultFinder::checkBody(LibTarnCmDataImp& cmData) {
     }
   }
   if (!(isOpen(cmData) && headers == 0) && !rules::bodyHasOneHeader(headers)) {
-    note(cmData, refuseChildCount<LibTarnCmDataImp, LibTarnHeaderImp>);
+    note(cmData, Kind::BodyHeader);
   }
   if (hasType) type.initialize();
   const bool isPlan = hasType && cmData.getType() == LibTarnCmData::Type::PLAN;
   if (!isOpen(cmData) && !rules::planHasObjects(isPlan, !objects.empty())) {
-    note(cmData, refusePlan);
+    note(cmData, Kind::PlanWithoutObject);
   }
-  requireDistinctNames(objects, refuseSecondObject);
+  requireDistinctNames(objects, Kind::DuplicateObject);
 }
 
 void FaultFinder::checkHeader(LibTarnHeaderImp& header) {
   for (Node* node = header.first_node(); node; node = node->next_sibling()) {
     auto* const log = typedAs<LogImp>(node);
     if (!log) continue;
-    require(*log, DATE_TIME_ATTRIBUTE, rules::logHasTime);
-    require(*log, ACTION_ATTRIBUTE, rules::logHasAction);
+    require(*log, DATE_TIME_ATTRIBUTE, rules::logHasTime, Kind::LogTime);
+    require(*log, ACTION_ATTRIBUTE, rules::logHasAction, Kind::LogAction);
   }
 }
 
 void FaultFinder::checkObject(LibTarnManagedObjectImp& object) {
   auto& operation = Internals::operation(object);
   if (object.getLiteralAttribute(OPERATION_ATTRIBUTE) && !operation.isKnown()) {
-    note(object, refuseOperation);
+    note(object, Kind::ObjectOperation);
   }
-  require(object, CLASS_ATTRIBUTE, rules::objectHasClass);
-  require(object, DIST_NAME_ATTRIBUTE, rules::objectHasName);
+  require(object, CLASS_ATTRIBUTE, rules::objectHasClass, Kind::ObjectClass);
+  require(object, DIST_NAME_ATTRIBUTE, rules::objectHasName, Kind::ObjectName);
   const char* const distName = object.getLiteralAttribute(DIST_NAME_ATTRIBUTE);
   if (distName && !rules::objectHasValidName(nameValidator_, distName)) {
-    note(object, refuseInvalidName);
+    note(object, Kind::InvalidObjectName);
   }
   std::vector<Named> scalars;
   std::vector<Named> lists;
@@ -225,12 +233,12 @@ void FaultFinder::checkObject(LibTarnManagedObjectImp& object) {
       }
     }
   }
-  requireDistinctNames(scalars, refuseSecondParameter);
-  requireDistinctNames(lists, refuseSecondParameter);
+  requireDistinctNames(scalars, Kind::DuplicateParameter);
+  requireDistinctNames(lists, Kind::DuplicateList);
 }
 
 void FaultFinder::checkList(ListImp& list) {
-  require(list, NAME_ATTRIBUTE, rules::listHasName);
+  require(list, NAME_ATTRIBUTE, rules::listHasName, Kind::ListName);
   bool hasValues = false;
   bool hasItems = false;
   for (Node* node = list.first_node(); node; node = node->next_sibling()) {
@@ -241,7 +249,7 @@ void FaultFinder::checkList(ListImp& list) {
       hasValues = true;
     }
   }
-  if (!rules::listHoldsOneKind(hasValues, hasItems)) note(list, refuseMixedList);
+  if (!rules::listHoldsOneKind(hasValues, hasItems)) note(list, Kind::MixedList);
 }
 
 void FaultFinder::checkItem(StructureImp& item) {
@@ -252,20 +260,21 @@ void FaultFinder::checkItem(StructureImp& item) {
     checkParameterName(*component);
     components.push_back({keyOf(*component, NAME_ATTRIBUTE), component});
   }
-  requireDistinctNames(components, refuseSecondComponent);
+  requireDistinctNames(components, Kind::DuplicateComponent);
 }
 
 void FaultFinder::checkParameterName(TarnDomElement& parameter) {
-  require(parameter, NAME_ATTRIBUTE, rules::parameterHasName);
+  require(parameter, NAME_ATTRIBUTE, rules::parameterHasName, Kind::ParameterName);
 }
 
 template <std::size_t Size, class Rule>
-void FaultFinder::require(TarnDomElement& element, const char (&attribute)[Size], Rule isKept) {
-  if (!isKept(element.getLiteralAttribute(attribute))) note(element, refuseAbsence, attribute);
+void FaultFinder::require(TarnDomElement& element, const char (&attribute)[Size], Rule isKept,
+                          Kind kind) {
+  if (!isKept(element.getLiteralAttribute(attribute))) note(element, kind);
 }
 
 // Sorted, since a text can be made to crowd a hash table.
-void FaultFinder::requireDistinctNames(std::vector<Named>& named, Fault::Refuse refuse) {
+void FaultFinder::requireDistinctNames(std::vector<Named>& named, Kind kind) {
   std::stable_sort(named.begin(), named.end(),
                    [](const Named& a, const Named& b) { return a.name < b.name; });
   const Named* first = nullptr;
@@ -274,13 +283,13 @@ void FaultFinder::requireDistinctNames(std::vector<Named>& named, Fault::Refuse 
       first = &each;
       continue;
     }
-    note(*each.element, refuse);
+    note(*each.element, kind);
     faults_.back().firstOffset = document_.offsetOf(*first->element);
   }
 }
 
-void FaultFinder::note(TarnDomElement& element, Fault::Refuse refuse, const char* detail) {
-  faults_.push_back({refuse, &element, document_.offsetOf(element), util::NO_OFFSET, detail});
+void FaultFinder::note(TarnDomElement& element, Kind kind, const char* message) {
+  faults_.push_back({kind, &element, document_.offsetOf(element), util::NO_OFFSET, message});
 }
 
 bool FaultFinder::isOpen(const Node& element) const {

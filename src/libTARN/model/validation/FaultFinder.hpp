@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "TolerantDocument.hpp"
+#include "libtarn/model/validation/Diagnosis.hpp"
 #include "libtarn/util/TextPosition.hpp"
 
 namespace libtarn {
@@ -32,19 +33,19 @@ class Validator;
 
 /// A fault of a document.
 struct Fault {
-  /// Throws the exception that a load or a validation throws for it: rapidxml::parse_error or a
-  /// ModelException. The validator has the path of the element.
-  using Refuse = void (*)(const Fault& fault, Validator& validator);
-
-  Refuse refuse;
+  Finding::Kind kind;
   /// Null outside of every element.
   TarnDomElement* element;
   /// Byte offsets, as Finding has them.
   std::size_t offset;
   std::size_t firstOffset = util::NO_OFFSET;
-  /// The attribute, or the parser's message.
-  const char* detail = nullptr;
+  /// The parser's, of malformed XML and of an unknown element.
+  const char* message = nullptr;
 };
+
+/// Throws the exception that a load or a validation throws for the fault: rapidxml::parse_error or
+/// a ModelException. The validator has the path of the element.
+void refuse(const Fault& fault, Validator& validator);
 
 /// Finds the faults of one document.
 class FaultFinder {
@@ -75,9 +76,10 @@ class FaultFinder {
   void checkParameterName(TarnDomElement& parameter);
 
   template <std::size_t Size, class Rule>
-  void require(TarnDomElement& element, const char (&attribute)[Size], Rule isKept);
-  void requireDistinctNames(std::vector<Named>& named, Fault::Refuse refuse);
-  void note(TarnDomElement& element, Fault::Refuse refuse, const char* detail = nullptr);
+  void require(TarnDomElement& element, const char (&attribute)[Size], Rule isKept,
+               Finding::Kind kind);
+  void requireDistinctNames(std::vector<Named>& named, Finding::Kind kind);
+  void note(TarnDomElement& element, Finding::Kind kind, const char* message = nullptr);
   bool isOpen(const Node& element) const;
 
   TolerantDocument& document_;

@@ -311,6 +311,31 @@ TEST(DiagnosisTest, RulesOfRootAndBody) {
   }
 }
 
+TEST(DiagnosisTest, KindNamesTheRule) {
+  using Kind = Finding::Kind;
+  const auto kindsOf = [](const std::string& text) {
+    std::vector<Kind> kinds;
+    for (const Finding& each : findingsOf(text)) kinds.push_back(each.kind);
+    return kinds;
+  };
+  EXPECT_EQ(kindsOf("<tarn><cmData/><cmData type='plan'><header><log/></header></cmData></tarn>"),
+            (std::vector<Kind>{Kind::RootVersion, Kind::RootNamespace, Kind::RootBody,
+                               Kind::BodyType, Kind::BodyHeader, Kind::PlanWithoutObject,
+                               Kind::LogTime, Kind::LogAction}));
+  EXPECT_EQ(kindsOf(documentText("<managedObject/><managedObject distName=''/>")),
+            (std::vector<Kind>{Kind::ObjectClass, Kind::ObjectName, Kind::ObjectClass,
+                               Kind::InvalidObjectName, Kind::DuplicateObject}));
+  EXPECT_EQ(kindsOf(documentText("<managedObject class='C' distName='A-1' operation='?'>"
+                                 "<p/><p name='a'/><p name='a'/>"
+                                 "<list/><list name='l'><p/><item/></list><list name='l'/>"
+                                 "<list name='m'><item><p name='c'/><p name='c'/></item></list>"
+                                 "<wrong/></managedObject>")),
+            (std::vector<Kind>{Kind::ObjectOperation, Kind::ParameterName, Kind::DuplicateParameter,
+                               Kind::ListName, Kind::MixedList, Kind::DuplicateList,
+                               Kind::DuplicateComponent, Kind::UnknownElement}));
+  EXPECT_EQ(kindsOf("<tarn"), (std::vector<Kind>{Kind::MalformedXml}));
+}
+
 TEST(DiagnosisTest, ObjectsAndParametersWithoutNameAreDuplicatesAsForALoad) {
   const std::string text = documentText(
       "\n<managedObject class='C'><p/>\n<p name=''/></managedObject>\n<managedObject class='C'/>");

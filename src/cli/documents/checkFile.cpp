@@ -1,10 +1,11 @@
-#include "documents/Finding.hpp"
+#include "documents/checkFile.hpp"
 
 #include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "documents/documentFile.hpp"
+#include "documents/faultRules.hpp"
 #include "documents/faults.hpp"
 #include "libtarn/model/ResultCodes.hpp"
 #include "output/HostLog.hpp"
@@ -14,6 +15,7 @@ namespace tarn {
 using libtarn::model::Diagnostic;
 using libtarn::model::LibTarnDocument;
 using libtarn::model::ParseResult;
+using libtarn::util::XmlFault;
 
 namespace {
 
@@ -41,6 +43,15 @@ Status statusOf(const Diagnostic& diagnostic, const Faults& faults) {
   return faults.count > 0 ? Status::Malformed : Status::Done;
 }
 
+// Of a file that is no text in UTF-8 or US-ASCII.
+Fault faultOf(const CommandError& error) {
+  Fault fault;
+  fault.rule = ruleOf(XmlFault::Kind::Encoding).id;
+  fault.message = error.message();
+  if (error.place()) fault.place = {*error.place(), 0};
+  return fault;
+}
+
 Finding checkInMemory(const std::string& path, const CheckScope& scope) {
   Finding finding;
   try {
@@ -51,14 +62,19 @@ Finding checkInMemory(const std::string& path, const CheckScope& scope) {
     if (scope.all || scope.strict) {
       faults = findAllFaults(file, diagnostic, scope);
     } else if (diagnostic.code != ParseResult::Done) {
-      faults = findFault(file, diagnostic);
+      faults = findFault(file, diagnostic, scope);
     }
     finding.status = statusOf(diagnostic, faults);
     finding.faults = std::move(faults.list);
     finding.faultCount = faults.count;
   } catch (const CommandError& error) {
     finding.status = error.status();
-    finding.error = error;
+    if (error.status() == Status::Malformed) {
+      finding.faults.push_back(faultOf(error));
+      finding.faultCount = 1;
+    } else {
+      finding.error = error;
+    }
   }
   HostLog::flush();
   HostLog::drop();  // threads end without the held line
@@ -66,11 +82,6 @@ Finding checkInMemory(const std::string& path, const CheckScope& scope) {
 }
 
 }  // namespace
-
-std::string subjectOf(const std::string& path, const Fault& fault) {
-  const std::string subject = subjectAt(path, fault.place);
-  return fault.distName.empty() ? subject : subjectOf(subject, fault.distName);
-}
 
 // When one file needs too much memory, the others are validated all the same.
 Finding checkFile(const std::string& path, const CheckScope& scope) {
