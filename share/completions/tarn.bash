@@ -2,7 +2,7 @@
 
 _tarn() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local commands="check print list get set unset add remove merge stats tree report help"
+  local commands="check print list get set unset apply add remove merge stats tree report help"
   local general="--help --log-level --color"
   local selection="--class --dn --dns-from --under --dn-has --match --p --version --operation --mask --invert"
   local target="-o --output --in-place"
@@ -29,6 +29,7 @@ _tarn() {
     get) ;;
     set) options="$edit --set --set-class --set-version --values --create --only-existing" ;;
     unset) options=$edit ;;
+    apply) options="$target --create --yes" ;;
     add) options=$target ;;
     remove) options="$edit --recursive" ;;
     merge) options="$target --check-only --validate" ;;

@@ -1,6 +1,6 @@
 # Completion of tarn for fish.
 
-set -l commands check print list get set unset add remove merge stats tree report help
+set -l commands check print list get set unset apply add remove merge stats tree report help
 
 complete -c tarn -n "not __fish_seen_subcommand_from $commands" -f -a "$commands"
 complete -c tarn -n "__fish_seen_subcommand_from help" -f -a "$commands"
@@ -41,14 +41,14 @@ complete -c tarn -n "__fish_seen_subcommand_from set" -l set -x -d "A new value"
 complete -c tarn -n "__fish_seen_subcommand_from set" -l set-class -x -d "The new class"
 complete -c tarn -n "__fish_seen_subcommand_from set" -l set-version -x -d "The new version"
 complete -c tarn -n "__fish_seen_subcommand_from set" -l values -r -d "Document with the new values"
-complete -c tarn -n "__fish_seen_subcommand_from set" -l create -d "Add parameters that an object does not have"
+complete -c tarn -n "__fish_seen_subcommand_from set apply" -l create -d "Add parameters that an object does not have"
 complete -c tarn -n "__fish_seen_subcommand_from set" -l only-existing -d "Change only what an object has"
 complete -c tarn -n "__fish_seen_subcommand_from remove" -l recursive -d "Remove what is below the objects, too"
 complete -c tarn -n "__fish_seen_subcommand_from set unset remove" -l everything -d "Select all objects"
-complete -c tarn -n "__fish_seen_subcommand_from set unset remove" -l yes -d "Do not ask"
+complete -c tarn -n "__fish_seen_subcommand_from set unset apply remove" -l yes -d "Do not ask"
 
-complete -c tarn -n "__fish_seen_subcommand_from print set unset add remove merge report" -s o -l output -r -d "File for the result"
-complete -c tarn -n "__fish_seen_subcommand_from set unset add remove merge" -l in-place -d "Replace the document with the result; =SUFFIX keeps the old file"
+complete -c tarn -n "__fish_seen_subcommand_from print set unset apply add remove merge report" -s o -l output -r -d "File for the result"
+complete -c tarn -n "__fish_seen_subcommand_from set unset apply add remove merge" -l in-place -d "Replace the document with the result; =SUFFIX keeps the old file"
 complete -c tarn -n "__fish_seen_subcommand_from merge" -l check-only -d "Write nothing"
 complete -c tarn -n "__fish_seen_subcommand_from merge" -l validate -d "Validate source, deltas and result"
 complete -c tarn -n "__fish_seen_subcommand_from tree" -l depth -x -d "Segments to draw"

@@ -9,6 +9,7 @@
   COMMAND(addGet)              \
   COMMAND(addSet)              \
   COMMAND(addUnset)            \
+  COMMAND(addApply)            \
   COMMAND(addAdd)              \
   COMMAND(addRemove)           \
   COMMAND(addMerge)            \

@@ -21,8 +21,12 @@ void addTarget(Options& options, Target& target) {
 
 void addEdit(Options& options, EditOptions& edit) {
   addTarget(options, edit.target);
-  options.addFlag("--everything", edit.everything, "Select all objects");
   options.addFlag("--yes", edit.yes, "Do not ask before more than 1,000 objects are changed");
+}
+
+void addSelectionForChange(Options& options, Selection& selection, EditOptions& edit) {
+  addSelection(options, selection);
+  options.addFlag("--everything", edit.everything, "Select all objects");
 }
 
 void addSelection(Options& options, Selection& selection) {

@@ -23,6 +23,9 @@ void addTarget(Options& options, Target& target);
 /// Adds the options of a command that changes a document.
 void addEdit(Options& options, EditOptions& edit);
 
+/// Adds the options that select the managed objects that a command changes.
+void addSelectionForChange(Options& options, Selection& selection, EditOptions& edit);
+
 /// Adds the options that select managed objects.
 void addSelection(Options& options, Selection& selection);
 

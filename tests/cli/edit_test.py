@@ -223,6 +223,67 @@ class UnsetTest(EditCase):
         self.assertEqual(tarn("unset", self.path_of_all, "--everything").returncode, 64)
 
 
+class ApplyTest(EditCase):
+    def apply(self, table, *options):
+        return tarn("apply", self.source, self.file(table, "changes.csv"), *options)
+
+    def test_rows_are_applied(self):
+        for table in ("dn,path,value\nA-1,x,7\nA-2,x,2\n", "\ufeffdn,path,value\r\nA-1,x,7\r\nA-2,x,2",
+                      'value,"dn",path\n7,"A-1",x\n\n2,A-2,"x"\n'):
+            out = self.path("out.xml")
+            self.expect(self.apply(table, "-o", out), 0,
+                        f"{self.source}: 1 object changed, 1 value set, 1 object had it already\n")
+            self.assertEqual(self.value(out, "A-1", "x"), "7\n")
+        self.assertEqual(self.apply('dn,path,value\nA-1,x,"a ""b"",\nc"\n', "--in-place").returncode, 0)
+        self.assertEqual(self.value(self.source, "A-1", "x"), 'a "b",\nc\n')
+
+    def test_values_are_created_when_asked_for(self):
+        table = "dn,path,value\nA-1/B-1,z,1\nA-1,x,1\n"
+        self.expect_refused(self.apply(table, "--in-place"), 4,
+                            f"{self.path('changes.csv')}:2:1: A-1/B-1: error: nothing named 'z'\n"
+                            f"{self.source}: error: 1 change cannot be made; nothing is written\n")
+        self.expect(self.apply(table, "--create", "--in-place"), 0,
+                    f"{self.source}: 1 object changed, 1 value set, 1 object had it already\n")
+        self.assertEqual(self.value(self.source, "A-1/B-1", "z"), "1\n")
+
+    def test_every_bad_row_is_reported(self):
+        result = self.apply('dn,path,value\nZ-1,x,1\nA-1,y,1\nA-1,x,5\nA-1,x,6\nA-1,,6\n'
+                            'A-2,x,"a\n\x01"\nA-2,l[1],1\n', "--in-place")
+        where = self.path("changes.csv")
+        self.expect_refused(result, 4, f"""{where}:2:1: Z-1: error: no such object
+{where}:3:1: A-1: error: nothing named 'y'
+{where}:5:1: A-1: error: line 4 sets 'x', too
+{where}:6:1: A-1: error: the path is empty
+{where}:7:1: A-2: error: the path or the value holds what XML does not allow
+{where}:9:1: A-2: error: nothing named 'l[1]'
+{self.source}: error: 6 changes cannot be made; nothing is written
+""")
+
+    def test_what_is_no_table_is_wrong_usage(self):
+        columns = "the columns must be dn, path and value, with commas between them"
+        for table, place, message in (
+                ("", "", "the header line is missing"), ("dn,path\n", "", columns),
+                ("dn;path;value\nA-1;x;1\n", "", columns), ("dn,path,value,more\n", "", columns),
+                ("dn,path,value\n", "", "there is no row below the header"),
+                ("dn,path,value\nA-1,x\n", ":2:1", "2 fields instead of 3"),
+                ('dn,path,value\nA-1,x,"1\n', ":2:7", "the quote is not closed"),
+                ('dn,path,value\nA-1,x,a"1"\n', ":2:8",
+                 "a field with a quote in it must be quoted as a whole"),
+                ('dn,path,value\n"A-1"x,y,z\n', ":2:6", "a comma or the end of the line is expected"),
+                ("dn,path,value\nA-1,x,1\rA-2,x,1\n", ":2:8",
+                 "a comma or the end of the line is expected")):
+            with self.subTest(table=table):
+                self.expect_refused(self.apply(table, "--in-place"), 64,
+                                    f"{self.path('changes.csv')}{place}: error: {message}\n")
+
+    def test_list_in_csv_can_be_applied(self):
+        listed = tarn("list", self.source, "--p", "x", "--format", "csv", "--columns", "dn,x").stdout
+        rows = [line.split(",") for line in listed.decode().split()[1:]]
+        table = "dn,path,value\n" + "".join(f"{dn},x,{value}0\n" for dn, value in rows)
+        self.assertEqual(self.apply(table, "--in-place").returncode, 0)
+        self.assertEqual(self.value(self.source, "A-2", "x"), "20\n")
+
+
 class AddTest(EditCase):
     def test_objects_are_added_with_all_they_hold(self):
         objects = self.file(document(managed_object("B-2", "create", '<p name="x">1</p>')

@@ -383,8 +383,8 @@ class HelpTest(CommandCase):
                 self.expect(tarn(*arguments), 64, "", f"tarn: error: {message}\n")
 
     def test_help_of_a_command_is_what_its_option_says(self):
-        for command in ("check", "print", "list", "get", "set", "unset", "add", "remove", "merge",
-                        "stats", "tree", "report"):
+        for command in ("check", "print", "list", "get", "set", "unset", "apply", "add", "remove",
+                        "merge", "stats", "tree", "report"):
             result = tarn("help", command)
             self.assertEqual((result.returncode, result.stderr), (0, b""))
             self.assertIn(f"Usage: tarn {command}".encode(), result.stdout)
@@ -407,8 +407,8 @@ class HelpTest(CommandCase):
                      "share/completions/_tarn", "share/completions/tarn.fish"):
             with open(path, encoding="utf-8") as file:
                 texts[path] = file.read()
-        commands = ("check", "print", "list", "get", "set", "unset", "add", "remove", "merge",
-                    "stats", "tree", "report", "help")
+        commands = ("check", "print", "list", "get", "set", "unset", "apply", "add", "remove",
+                    "merge", "stats", "tree", "report", "help")
         for command in commands:
             for line in tarn("help", command).stdout.decode().splitlines():
                 words = line.strip().split()

@@ -120,7 +120,7 @@ void addRemove(CommandLine& line) {
       line.add<RemoveRequest>("remove", "Remove objects, all or none", removeObjects);
   addFile(options, request.file);
   options.addOptionalArguments("DN", request.distNames, "Distinguished names of objects");
-  addSelection(options, request.selection);
+  addSelectionForChange(options, request.selection, request.edit);
   options.addFlag("--recursive", request.recursive, "Remove what is below the objects, too");
   addEdit(options, request.edit);
 }

@@ -54,7 +54,7 @@ void addSet(CommandLine& line) {
   auto [options, request] =
       line.add<SetRequest>("set", "Change values of the selected objects", setValues);
   addFile(options, request.file);
-  addSelection(options, request.selection);
+  addSelectionForChange(options, request.selection, request.edit);
   addChanges(options, request.changes);
   addEdit(options, request.edit);
   options.refuseFormer("--mask-class", "--class");

@@ -90,7 +90,7 @@ void addUnset(CommandLine& line) {
   addFile(options, request.file);
   options.addArguments("NAME", request.names,
                        "Parameters, lists, LIST[2], EXTENSION.NAME or extensions");
-  addSelection(options, request.selection);
+  addSelectionForChange(options, request.selection, request.edit);
   addEdit(options, request.edit);
 }
 

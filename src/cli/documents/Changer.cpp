@@ -1,7 +1,5 @@
 #include "documents/Changer.hpp"
 
-#include <fmt/format.h>
-
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -9,9 +7,9 @@
 #include "CommandError.hpp"
 #include "documents/Selection.hpp"
 #include "documents/ValueText.hpp"
+#include "documents/assignValue.hpp"
 #include "documents/requireXmlText.hpp"
 #include "libtarn/model/Diagnostic.hpp"
-#include "libtarn/model/LibTarnExtension.hpp"
 #include "libtarn/model/ResultCodes.hpp"
 #include "libtarn/util/ManagedObjectBuilder.hpp"
 #include "libtarn/util/TarnFactory.hpp"
@@ -22,7 +20,6 @@ namespace tarn {
 
 using libtarn::model::ChangeResult;
 using libtarn::model::Diagnostic;
-using libtarn::model::LibTarnExtension;
 using libtarn::model::LibTarnManagedObject;
 using libtarn::model::List;
 using libtarn::model::Scalar;
@@ -41,15 +38,6 @@ ValuePath::Place find(const LibTarnManagedObject& object, const std::string& nam
   }
   Scalar* const scalar = object.getScalarParameter(name.c_str());
   return scalar ? ValuePath::Place(scalar) : ValuePath::Place();
-}
-
-void requireOneValue(const ValuePath::Place& place, const std::string& path,
-                     const std::string& subject) {
-  const bool isList = std::holds_alternative<List*>(place);
-  if (!isList && !std::holds_alternative<libtarn::model::Structure*>(place)) return;
-  throw CommandError(Status::NothingMatched, subject,
-                     fmt::format("'{0}' is {1}; {0}{2} is one value of it", path,
-                                 isList ? "a list" : "an item", isList ? "[1]" : ".COMPONENT"));
 }
 
 }  // namespace
@@ -123,34 +111,17 @@ void Changer::change(LibTarnManagedObject& object, Document& document) {
 
 void Changer::assign(const Assignment& assignment, LibTarnManagedObject& object,
                      Document& document) {
-  const ValuePath::Place place = assignment.path.find(object);
-  requireOneValue(place, assignment.path.text(),
-                  subjectOf(path_, textOrEmpty(object.getDistName().getText())));
-  if (Scalar* const* const scalar = std::get_if<Scalar*>(&place)) {
-    if (assignment.value == (*scalar)->getValue()) return counts_.noteEqual();
-    (*scalar)->setValue(assignment.value.c_str());
-    counts_.noteChanged();
-  } else if (creates_ && create(assignment, object, document)) {
-    counts_.noteChanged();
-  } else {
-    counts_.noteLacking(assignment.number);
+  const Assigned assigned = assignValue(assignment.path, assignment.value, object);
+  if (assigned == Assigned::Equal) return counts_.noteEqual();
+  if (assigned == Assigned::Changed) return counts_.noteChanged();
+  if (assigned == Assigned::SeveralValues) {
+    throw CommandError(Status::NothingMatched,
+                       subjectOf(path_, textOrEmpty(object.getDistName().getText())),
+                       severalValuesMessage(assignment.path.text()));
   }
-}
-
-// A path into a list or an extension is not taken for the name of a new parameter, unless it is
-// quoted.
-bool Changer::create(const Assignment& assignment, LibTarnManagedObject& object,
-                     Document& document) {
-  const ValuePath& path = assignment.path;
-  const auto make = [&](const std::string& name) -> Scalar& {
-    return *document.getFactory().createScalar(name.c_str(), assignment.value.c_str());
-  };
-  for (const ValuePath::InExtension& each : path.inExtensions()) {
-    LibTarnExtension* const extension = object.getExtension(each.extension);
-    if (extension) return extension->addParameter(make(each.parameter)) == 0;
-  }
-  const bool isPlain = path.inExtensions().empty() && !path.inList();
-  return (isPlain || assignment.isQuoted) && object.addParameter(make(path.text())) == 0;
+  const bool isCreated = creates_ && createValue(assignment.path, assignment.isQuoted,
+                                                 assignment.value, object, document);
+  isCreated ? counts_.noteChanged() : counts_.noteLacking(assignment.number);
 }
 
 void Changer::setAttributes(LibTarnManagedObject& object) {

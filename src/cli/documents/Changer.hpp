@@ -55,8 +55,6 @@ class Changer {
   void makeAttributes(const Changes& changes);
   void assign(const Assignment& assignment, libtarn::model::LibTarnManagedObject& object,
               Document& document);
-  static bool create(const Assignment& assignment, libtarn::model::LibTarnManagedObject& object,
-                     Document& document);
   void changeToValues(libtarn::model::LibTarnManagedObject& object);
   const libtarn::model::LibTarnManagedObject& valuesWithout(
       const std::vector<const NewValue*>& lacking);

@@ -1,7 +1,6 @@
 #include "documents/nameList.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <string_view>
 
@@ -11,17 +10,6 @@
 namespace tarn {
 
 namespace {
-
-std::string contentOf(const std::string& path) {
-  constexpr std::size_t BLOCK_SIZE = 1U << 16U;
-  InputFile file(path);
-  std::string content;
-  std::array<char, BLOCK_SIZE> block{};
-  while (const std::size_t size = file.read(block.data(), block.size())) {
-    content.append(block.data(), size);
-  }
-  return content;
-}
 
 std::string unescaped(std::string_view line, const std::string& path, std::size_t number) {
   std::string name;
@@ -44,7 +32,7 @@ std::string unescaped(std::string_view line, const std::string& path, std::size_
 }  // namespace
 
 std::vector<std::string> readNameList(const std::string& path) {
-  const std::string content = contentOf(path);
+  const std::string content = readFile(path);
   const bool hasNuls = content.find('\0') != std::string::npos;
   const char separator = hasNuls ? '\0' : '\n';
   std::vector<std::string> names;

@@ -1,6 +1,7 @@
 #include "documents/requireXmlText.hpp"
 
-#include <vector>
+#include <algorithm>
+#include <cstddef>
 
 #include "CommandError.hpp"
 #include "libtarn/util/XmlCheck.hpp"
@@ -10,18 +11,26 @@ namespace tarn {
 using libtarn::util::XmlFault;
 using libtarn::util::XmlFaults;
 
+namespace {
+
+constexpr std::size_t START_SIZE = 12;
+
+// Looks at the text in a section where only characters and their encoding can be wrong.
+XmlFaults faultsOf(const std::string& text) {
+  std::string document = "<p><![CDATA[" + text;
+  std::replace(document.begin() + START_SIZE, document.end(), ']', ' ');
+  return libtarn::util::checkXml(document + "]]></p>", 1);
+}
+
+}  // namespace
+
+bool isXmlText(const std::string& text) { return faultsOf(text).list.empty(); }
+
 void requireXmlText(const std::string& option, const std::string& text) {
-  // In a section where only the characters and their encoding can be wrong.
-  const std::string start = "<p><![CDATA[";
-  std::string characters = text;
-  for (char& c : characters) {
-    if (c == ']') c = ' ';
-  }
-  const std::string document = start + characters + "]]></p>";
-  const XmlFaults faults = libtarn::util::checkXml(document, 1);
+  const XmlFaults faults = faultsOf(text);
   if (faults.list.empty()) return;
   const XmlFault& fault = faults.list.front();
-  throwUsageError(option + ": " + fault.message, text, fault.offset - start.size());
+  throwUsageError(option + ": " + fault.message, text, fault.offset - START_SIZE);
 }
 
 }  // namespace tarn

@@ -211,4 +211,15 @@ bool InputFile::hasReadFormerFileAt(const std::string& path) {
   return formerPaths.count(path) == 1;
 }
 
+std::string readFile(const std::string& path) {
+  constexpr std::size_t BLOCK_SIZE = std::size_t{1} << 16U;
+  InputFile file(path);
+  std::string content;
+  std::vector<char> block(BLOCK_SIZE);
+  while (const std::size_t size = file.read(block.data(), block.size())) {
+    content.append(block.data(), size);
+  }
+  return content;
+}
+
 }  // namespace tarn

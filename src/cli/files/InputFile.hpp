@@ -48,4 +48,7 @@ class InputFile {
   std::uint64_t size_ = 0;
 };
 
+/// Reads the file at `path`, or standard input for "-", as a whole.
+std::string readFile(const std::string& path);
+
 }  // namespace tarn

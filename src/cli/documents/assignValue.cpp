@@ -1,0 +1,46 @@
+#include "documents/assignValue.hpp"
+
+#include <variant>
+
+#include "libtarn/model/LibTarnExtension.hpp"
+#include "libtarn/model/Scalar.hpp"
+#include "libtarn/util/TarnFactory.hpp"
+
+namespace tarn {
+
+using libtarn::model::LibTarnDocument;
+using libtarn::model::LibTarnExtension;
+using libtarn::model::LibTarnManagedObject;
+using libtarn::model::Scalar;
+
+Assigned assignValue(const ValuePath& path, const std::string& value,
+                     LibTarnManagedObject& object) {
+  const ValuePath::Place place = path.find(object);
+  if (std::holds_alternative<std::monostate>(place)) return Assigned::Lacking;
+  Scalar* const* const scalar = std::get_if<Scalar*>(&place);
+  if (!scalar) return Assigned::SeveralValues;
+  if (value == (*scalar)->getValue()) return Assigned::Equal;
+  (*scalar)->setValue(value.c_str());
+  return Assigned::Changed;
+}
+
+std::string severalValuesMessage(const std::string& path) {
+  const bool isItem = !path.empty() && path.back() == ']';
+  return "'" + path + "' is " + (isItem ? "an item; " : "a list; ") + path +
+         (isItem ? ".COMPONENT" : "[1]") + " is one value of it";
+}
+
+bool createValue(const ValuePath& path, bool isName, const std::string& value,
+                 LibTarnManagedObject& object, LibTarnDocument& document) {
+  const auto make = [&](const std::string& name) -> Scalar& {
+    return *document.getFactory().createScalar(name.c_str(), value.c_str());
+  };
+  for (const ValuePath::InExtension& each : path.inExtensions()) {
+    LibTarnExtension* const extension = object.getExtension(each.extension);
+    if (extension) return extension->addParameter(make(each.parameter)) == 0;
+  }
+  const bool isPlain = path.inExtensions().empty() && !path.inList();
+  return (isPlain || isName) && object.addParameter(make(path.text())) == 0;
+}
+
+}  // namespace tarn

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+
+#include "documents/ValuePath.hpp"
+#include "libtarn/model/LibTarnDocument.hpp"
+#include "libtarn/model/LibTarnManagedObject.hpp"
+
+namespace tarn {
+
+/// What an assignment did.
+enum class Assigned {
+  Changed,
+  Equal,          ///< The object had the value already.
+  Lacking,        ///< The object has nothing at the path; nothing has changed.
+  SeveralValues,  ///< A list or an item is at the path; nothing has changed.
+};
+
+/// Sets the value at `path` in `object`.
+Assigned assignValue(const ValuePath& path, const std::string& value,
+                     libtarn::model::LibTarnManagedObject& object);
+
+/// The message for a path that leads to a list or an item.
+std::string severalValuesMessage(const std::string& path);
+
+/// Adds the value to `object`, an object of `document` that has nothing at `path`: a parameter, or
+/// a parameter of an extension that the object has. A path into a list or an extension is not taken
+/// for the name of a parameter, unless `isName`. Returns false, with nothing changed, when there is
+/// nothing that the value can be added to.
+bool createValue(const ValuePath& path, bool isName, const std::string& value,
+                 libtarn::model::LibTarnManagedObject& object,
+                 libtarn::model::LibTarnDocument& document);
+
+}  // namespace tarn
