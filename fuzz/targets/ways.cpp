@@ -1,6 +1,7 @@
 // One text loaded in every way: as a text and as a vector, with and without validation, into a new
 // document and into one that had another text, with indexes that the load fills, that a walk after
-// it fills, and that are the host's. All have the same result and the same document.
+// it fills, and that are the host's. All have the same result and the same document. A visit of the
+// objects, which keeps no document, has the same objects.
 
 #include <deque>
 #include <string>
@@ -153,6 +154,30 @@ Answer loadInSteps(fuzz::Text& text, bool validate) {
   return answer;
 }
 
+// The objects of the first cmData in the order of the text.
+std::string objectsOf(fuzz::Text& text) {
+  LibTarnDocument document;
+  document.parse(text.get(), false);
+  std::string objects;
+  const LibTarnCmData* const cmData = document.getLibTarnCmData();
+  auto* object = cmData ? dynamic_cast<LibTarnManagedObject*>(
+                              cmData->getFirstChildElement(LibTarnManagedObject::TAG_NAME))
+                        : nullptr;
+  for (; object; object = object->getNextSiblingElement()) describe(*object, objects);
+  return objects;
+}
+
+// A visit may leave a text to a load. Otherwise it has the objects of one.
+void checkVisit(fuzz::Text& text, const Answer& answer) {
+  std::vector<char> copy = vectorOf(text);
+  std::string visited;
+  const bool isComplete = LibTarnDocument::visitObjects(
+      copy, [&visited](LibTarnManagedObject& object) { describe(object, visited); });
+  if (!isComplete) return;
+  fuzz::check(answer.code == 0, "what can be visited can be loaded");
+  fuzz::check(visited == objectsOf(text), "a visit has the objects of a load");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -163,7 +188,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::check(loadAgain(text, validate) == answer, "a second load is as the first one");
     fuzz::check(loadByWalk(text, validate) == answer, "a walk comes to the same");
     fuzz::check(loadInSteps(text, validate) == answer, "the steps come to the same");
-    if (!validate) continue;
+    if (!validate) {
+      checkVisit(text, answer);
+      continue;
+    }
     const Diagnostic found = LibTarnDocument::validate([&text] { return vectorOf(text); });
     fuzz::check(found.code == answer.code, "a check without a document comes to the same");
   }
