@@ -5,8 +5,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "output/displayWidth.hpp"
 #include "output/printable.hpp"
-#include "output/terminal.hpp"
 
 namespace tarn {
 

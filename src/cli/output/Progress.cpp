@@ -19,6 +19,7 @@
 #include <thread>
 
 #include "output/SignalBlock.hpp"
+#include "output/displayWidth.hpp"
 #include "output/printable.hpp"
 #include "output/terminal.hpp"
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "output/LineWriter.hpp"
+#include "output/displayWidth.hpp"
 #include "output/escaped.hpp"
 #include "output/json.hpp"
 #include "output/printable.hpp"

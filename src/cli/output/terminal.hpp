@@ -23,14 +23,6 @@ void setColorChoice(ColorChoice choice);
 /// Returns `text` in that style for standard output, or unchanged without colours.
 std::string styled(Style style, const std::string& text);
 
-/// Returns the columns that `text`, in UTF-8, takes on a terminal.
-std::size_t displayWidth(std::string_view text);
-
-/// Returns `text`, in UTF-8, shortened in the middle so that it takes at most `columns` columns.
-/// Keeps more of its end, where a path has the name of the file. Returns "" when nothing can be
-/// kept.
-std::string shortened(const std::string& text, std::size_t columns);
-
 /// Writes lines to standard error.
 void writeMessage(std::string_view lines);
 /// Writes the line of an error to standard error, with the word "error:" in colour if there is
