@@ -275,6 +275,59 @@ class SignalTest(CommandCase):
         self.assertIn(True, outcomes)
 
 
+class QuestionTest(CommandCase):
+    """A change of more than 1,000 objects asks in a terminal."""
+
+    def setUp(self):
+        super().setUp()
+        self.source = self.file(document("".join(
+            managed_object(f"A-{i}", body='<p name="x">1</p>') for i in range(1001))))
+        self.before = self.read(self.source)
+
+    def ask(self, answer, *arguments):
+        """Runs a change with a terminal, on which `answer` is typed. Returns status and terminal."""
+        controller, terminal = pty.openpty()
+        process = subprocess.Popen([TARN, "set", self.source, "--set", "x=2", "--in-place", *arguments],
+                                   stdin=terminal, stdout=subprocess.DEVNULL, stderr=terminal)
+        os.close(terminal)
+        os.write(controller, answer)
+        shown = b""
+        while True:
+            try:
+                block = os.read(controller, 4096)
+            except OSError:  # the other end is closed
+                break
+            if not block:
+                break
+            shown += block
+        os.close(controller)
+        return process.wait(), shown.decode()
+
+    def test_no_answer_but_yes_leaves_the_file(self):
+        for answer in (b"n\n", b"\n", b"yesterday\n", b"\x04"):
+            status, shown = self.ask(answer, "--everything")
+            self.assertEqual(status, 64, shown)
+            self.assertIn(f"Change 1001 objects of {self.source}? [y/N] ", shown)
+            self.assertIn("not confirmed; nothing was written", shown)
+            self.assertEqual(self.read(self.source), self.before)
+
+    def test_yes_changes(self):
+        for answer in (b"y\n", b"yes\n", b"Y\n"):
+            self.file(self.before)
+            self.assertEqual(self.ask(answer, "--everything")[0], 0)
+            self.assertEqual(self.read(self.source).count(b">2<"), 1001)
+
+    def test_nobody_is_asked_for_less_or_with_the_option_or_without_a_terminal(self):
+        for arguments in (["--everything", "--yes"], ["--dn", "A-5", "--invert"]):
+            self.file(self.before)
+            status, shown = self.ask(b"", *arguments)
+            self.assertEqual(status, 0)
+            self.assertNotIn("?", shown)
+        self.file(self.before)
+        result = tarn("set", self.source, "--everything", "--set", "x=2", "--in-place")
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+
+
 class EscapeTest(CommandCase):
     """Control characters are escaped, in names of files and in texts of documents."""
 
