@@ -38,7 +38,7 @@ std::string ValueText::readOperator() {
   partStart_ = position_;
   const std::size_t end =
       std::min(text_.find_first_not_of(OPERATOR_CHARACTERS, position_), text_.size());
-  const std::string characters = text_.substr(position_, end - position_);
+  std::string characters = text_.substr(position_, end - position_);
   if (characters.empty() && !isAtEnd()) refuse("an operator is expected");
   position_ = end;
   return characters;
@@ -59,7 +59,7 @@ std::string ValueText::readValue() {
 std::string ValueText::readExactValue() {
   partStart_ = position_;
   if (!isAtQuote()) {
-    const std::string value = text_.substr(position_);
+    std::string value = text_.substr(position_);
     position_ = text_.size();
     return value;
   }
