@@ -76,9 +76,10 @@ Selector::Objects objectsBelow(const Document& document, const Selector::Objects
 }
 
 // A list of few objects names them, so that a user sees what has gone.
-std::string reportOf(const std::string& path, const Selector::Objects& objects) {
+// A dry run has listed all of them.
+std::string reportOf(const std::string& path, const Selector::Objects& objects, bool isDryRun) {
   constexpr std::size_t MOST_NAMED = 20;
-  if (objects.size() > MOST_NAMED) {
+  if (isDryRun || objects.size() > MOST_NAMED) {
     return fmt::format("{}: {} removed\n", printable(path), counted(objects.size(), "object"));
   }
   std::string report;
@@ -105,7 +106,7 @@ Status removeObjects(const RemoveRequest& request) {
   }
   edit.confirm(objects.size());
   sortByName(objects, NameOrder::Natural);
-  const std::string report = reportOf(request.file, objects);
+  const std::string report = reportOf(request.file, objects, edit.isDryRun());
   for (const LibTarnManagedObject* object : objects) {
     edit.document().getLibTarnCmData()->removeLibTarnManagedObject(object->getDistName());
   }
