@@ -32,7 +32,7 @@ _tarn() {
     unset) options=$edit ;;
     add) options="$target $dry" ;;
     remove) options="$edit --recursive" ;;
-    merge) options="$target --check-only --validate" ;;
+    merge) options="$target $dry --check-only --validate" ;;
     stats) options="$selection --json" ;;
     tree) options="$selection --depth --byte-order" ;;
     report) options="$selection --byte-order -o --output" ;;
