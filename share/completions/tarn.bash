@@ -6,7 +6,8 @@ _tarn() {
   local general="--help --log-level --color"
   local selection="--class --dn --dns-from --under --dn-has --match --p --version --operation --mask --invert"
   local target="-o --output --in-place"
-  local edit="$selection $target --everything --yes"
+  local dry="--dry-run --json"
+  local edit="$selection $target $dry --everything --yes"
   local command="" i
   for ((i = 1; i < COMP_CWORD; ++i)); do
     case " $commands " in *" ${COMP_WORDS[i]} "*) command=${COMP_WORDS[i]} && break ;; esac
@@ -29,10 +30,10 @@ _tarn() {
     get) ;;
     set) options="$edit --set --set-class --set-version --values --create --only-existing" ;;
     unset) options=$edit ;;
-    apply) options="$target --create --yes" ;;
-    add) options=$target ;;
+    apply) options="$target $dry --create --yes" ;;
+    add) options="$target $dry" ;;
     remove) options="$edit --recursive" ;;
-    merge) options="$target --check-only --validate" ;;
+    merge) options="$target $dry --check-only --validate" ;;
     stats) options="$selection --json" ;;
     tree) options="$selection --depth --byte-order" ;;
     report) options="$selection --byte-order -o --output" ;;

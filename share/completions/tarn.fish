@@ -12,7 +12,7 @@ complete -c tarn -l color -x -a "auto always never" -d "Colour the output"
 complete -c tarn -n "__fish_seen_subcommand_from check" -l all -d "Report every violation"
 complete -c tarn -n "__fish_seen_subcommand_from check" -l limit -x -d "Most violations for a file"
 complete -c tarn -n "__fish_seen_subcommand_from check" -l format -x -a "text json sarif junit" -d "What to write"
-complete -c tarn -n "__fish_seen_subcommand_from check stats" -l json -d "Write JSON"
+complete -c tarn -n "__fish_seen_subcommand_from check stats set unset add remove merge" -l json -d "Write JSON"
 complete -c tarn -n "__fish_seen_subcommand_from check" -l strict -d "Also what other XML parsers refuse"
 complete -c tarn -n "__fish_seen_subcommand_from check" -l jobs -x -d "Documents at a time"
 
@@ -49,6 +49,7 @@ complete -c tarn -n "__fish_seen_subcommand_from set unset apply remove" -l yes 
 
 complete -c tarn -n "__fish_seen_subcommand_from print set unset apply add remove merge report" -s o -l output -r -d "File for the result"
 complete -c tarn -n "__fish_seen_subcommand_from set unset apply add remove merge" -l in-place -d "Replace the document with the result; =SUFFIX keeps the old file"
-complete -c tarn -n "__fish_seen_subcommand_from merge" -l check-only -d "Write nothing"
+complete -c tarn -n "__fish_seen_subcommand_from merge" -l check-only -d "List what would happen and write nothing"
+complete -c tarn -n "__fish_seen_subcommand_from set unset apply add remove merge" -l dry-run -d "Show every change and write nothing"
 complete -c tarn -n "__fish_seen_subcommand_from merge" -l validate -d "Validate source, deltas and result"
 complete -c tarn -n "__fish_seen_subcommand_from tree" -l depth -x -d "Segments to draw"

@@ -20,7 +20,8 @@ enum class Status {
   UsageError = 64,  ///< The command line is wrong.
 };
 
-/// Lines that follow a report: a text and, below it, a mark at the place of the error.
+/// Lines that follow a report: a text and, below it, a mark at the place of the error; or a note
+/// about a second place.
 struct MarkedText {
   std::string lines;
 };

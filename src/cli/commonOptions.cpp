@@ -19,8 +19,15 @@ void addTarget(Options& options, Target& target) {
   options.exclude("--in-place", "--output");
 }
 
+void addDryRun(Options& options, DryRun& dryRun) {
+  options.addFlag("--dry-run", dryRun.isAsked, "Show every change and write nothing");
+  options.addFlag("--json", dryRun.json, "With --dry-run: an object in JSON for each change");
+  options.allowOnlyWithAny("--json", {"--dry-run"});
+}
+
 void addEdit(Options& options, EditOptions& edit) {
   addTarget(options, edit.target);
+  addDryRun(options, edit.dryRun);
   options.addFlag("--yes", edit.yes, "Do not ask before more than 1,000 objects are changed");
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Options.hpp"
+#include "documents/DryRun.hpp"
 #include "documents/Edit.hpp"
 #include "documents/Selection.hpp"
 #include "files/Destination.hpp"
@@ -19,6 +20,9 @@ void addOutput(Options& options, std::string& output);
 
 /// Adds `--output` and `--in-place`.
 void addTarget(Options& options, Target& target);
+
+/// Adds `--dry-run` and `--json`.
+void addDryRun(Options& options, DryRun& dryRun);
 
 /// Adds the options of a command that changes a document.
 void addEdit(Options& options, EditOptions& edit);

@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Runs `tarn merge` as a user does. Argument: the command; working folder: the repository's."""
 
+import fcntl
+import json
 import os
 import resource
 import stat
@@ -92,36 +94,156 @@ class MergeTest(CommandCase):
         create = self.file(document(managed_object("B-1", "create")), "create.xml")
         delete = self.file(document(managed_object("B-1", "delete")), "delete.xml")
         self.expect(tarn("merge", self.source, create, delete, "--check-only"), 0,
-                    f"{create}: 1 created, 0 updated, 0 deleted\n"
+                    f"B-1: created, deleted\n{create}: 1 created, 0 updated, 0 deleted\n"
                     f"{delete}: 0 created, 0 updated, 1 deleted\n")
         self.expect_untouched(
             tarn("merge", "--in-place", self.source, delete, create), 3,
-            f"{delete}: error: There is no 'managedObject' element with 'distName=B-1' to delete\n")
+            f"{delete}:1:69: B-1: error: There is no 'managedObject' element with 'distName=B-1' to"
+            " delete\n")
         self.expect_untouched(
             tarn("merge", "--in-place", self.source, create, create), 3,
-            f"{create}: error: A 'managedObject' element with 'distName=B-1' already exists\n")
+            f"{create}:1:69: B-1: error: A 'managedObject' element with 'distName=B-1' already"
+            " exists\n")
 
     def test_auto_is_counted_as_what_it_came_to(self):
         delta = self.file(document(managed_object("A-1") + managed_object("A-5", "auto")), "auto.xml")
         self.expect(tarn("merge", self.source, delta, "--check-only"), 0,
-                    f"{delta}: 1 created, 1 updated, 0 deleted\n")
+                    f"A-1: updated\nA-5: created\n{delta}: 1 created, 1 updated, 0 deleted\n")
 
-    def test_check_only_writes_nothing(self):
-        out = self.path("out.xml")
-        for options in ([], ["--in-place"], ["-o", out]):
-            result = tarn("merge", "--check-only", self.source, self.delta, *options)
-            self.expect(result, 0, f"{self.delta}: {SUMMARY}\n")
+    def test_check_only_lists_what_would_happen_and_writes_nothing(self):
+        more = self.file(document(managed_object("A-10", "create") + managed_object("A-9", "auto")
+                                  + managed_object("A-1", "delete")), "more.xml")
+        self.expect(tarn("merge", "--check-only", self.source, self.delta, more), 0,
+                    "A-1: updated, deleted\nA-2: deleted\nA-3: created\nA-9: created\n"
+                    f"A-10: created\n{self.delta}: {SUMMARY}\n"
+                    f"{more}: 2 created, 0 updated, 1 deleted\n")
         self.assertEqual(self.read(self.source), SOURCE.encode())
-        self.assertFalse(os.path.exists(out))
+
+    def test_check_only_has_no_target(self):
+        for options in (["--in-place"], ["-o", self.path("out.xml")], ["--dry-run"]):
+            result = tarn("merge", "--check-only", self.source, self.delta, *options)
+            self.assertEqual((result.returncode, result.stdout), (64, b""))
+            self.assertRegex(result.stderr.decode(), "^tarn: error: --.* excludes --.*\n$")
+
+    def test_dry_run_shows_what_changes(self):
+        with open(self.source, "r+b") as file:
+            fcntl.lockf(file, fcntl.LOCK_EX)
+            result = run("timeout", "30", TARN, "merge", self.source, self.delta, "--dry-run",
+                         "--in-place")
+        self.expect(result, 0, "A-1: x: 1 -> 7\nA-2: removed\nA-3: added\n",
+                    f"{self.delta}: {SUMMARY}\n{self.source}: note: a dry run; nothing was written\n")
+        create = self.file(document(managed_object("B-1", "create", '<p name="q">1</p>')), "create.xml")
+        update = self.file(document(managed_object("B-1", "auto", '<p name="q">2</p>')), "update.xml")
+        result = tarn("merge", self.source, create, update, "--dry-run", "--json")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertEqual([list(json.loads(line).values()) for line in result.stdout.splitlines()],
+                         [["B-1", "added", None, None, None], ["B-1", "added", "class", None, "C"],
+                          ["B-1", "added", "q", None, "2"]])
+        self.assertEqual(self.read(self.source), SOURCE.encode())
+
+    def test_dry_run_agrees_with_the_merge(self):
+        network, upgrade = (os.path.join(EXAMPLES, name) for name in ("network.xml", "upgrade.xml"))
+        shown = tarn("merge", network, upgrade, "--dry-run")
+        self.assertEqual(shown.returncode, 0, shown.stderr)
+        out = self.path("out.xml")
+        self.assertEqual(tarn("merge", network, upgrade, "-o", out).returncode, 0)
+        lines = shown.stdout.decode().splitlines()
+        added = {line[:-len(": added")] for line in lines
+                 if line.endswith(": added") and line.count(": ") == 1}
+        removed = {line[:-len(": removed")] for line in lines
+                   if line.endswith(": removed") and line.count(": ") == 1}
+        before, after = (set(tarn("list", path, "--format", "dn").stdout.decode().splitlines())
+                         for path in (network, out))
+        self.assertEqual((added, removed), (after - before, before - after))
+        changed = [line.split(": ", 2) for line in lines if " -> " in line]
+        self.assertGreater(len(changed), 10)
+        for name, path, values in changed:
+            old, new = values.split(" -> ")
+            self.assertEqual((tarn("get", network, name, path).stdout.decode(),
+                              tarn("get", out, name, path).stdout.decode()), (old + "\n", new + "\n"))
 
     def test_conflict_is_reported_with_status_3_and_nothing_written(self):
         path = self.conflict()
         out = self.path("out.xml")
-        message = (f"{path}: error: There is no 'managedObject' element with 'distName=A-9'"
-                   " to delete\n")
-        for options in (["--in-place"], ["-o", out], [], ["--check-only"]):
+        message = (f"{path}:1:144: A-9: error: There is no 'managedObject' element with"
+                   " 'distName=A-9' to delete\n")
+        for options in (["--in-place"], ["-o", out], [], ["--check-only"], ["--dry-run"]):
             self.expect_untouched(tarn("merge", *options, self.source, path), 3, message)
         self.assertFalse(os.path.exists(out))
+
+    def conflicts(self):
+        """Three deltas: the first fits, the others do not. Their names and the errors."""
+        first = self.file(document(managed_object("B-1", "create")), "first.xml")
+        second = self.file(document("\n" + managed_object("C-1", "update") + "\n"
+                                    + managed_object("A-1", "update") + "\n"
+                                    + managed_object("B-1", "create")), "second.xml")
+        third = self.file(document("\n" + managed_object("C-2", "delete")), "third.xml")
+        errors = (f"{second}:2:1: C-1: error: There is no 'managedObject' element with"
+                  " 'distName=C-1' to update\n"
+                  f"{second}:4:1: B-1: error: A 'managedObject' element with 'distName=B-1' already"
+                  " exists\n"
+                  f"{third}:2:1: C-2: error: There is no 'managedObject' element with"
+                  " 'distName=C-2' to delete\n")
+        return [first, second, third], errors
+
+    def test_every_conflict_of_every_delta_is_reported_with_its_place(self):
+        deltas, errors = self.conflicts()
+        for options in (["--in-place"], [], ["--check-only"], ["--dry-run"]):
+            self.expect_untouched(tarn("merge", *options, self.source, *deltas), 3, errors)
+        source = SOURCE.encode()
+        self.expect(tarn("merge", "-", *deltas, input=source), 3, "", errors)
+        # A pipe can be read only once.
+        script = '"$0" merge <(cat "$1") <(cat "$2") "$3" "$4"'
+        result = run("bash", "-c", script, TARN, self.source, *deltas)
+        self.expect(result, 3, "", errors)
+
+    def test_conflicts_are_reported_beside_a_delta_that_does_not_load(self):
+        deltas, errors = self.conflicts()
+        bad = self.file(document(managed_object("D-1") + managed_object("D-1")), "bad.xml")
+        result = tarn("merge", self.source, *deltas, bad)
+        self.assertEqual(result.returncode, 3)
+        loaded = tarn("merge", self.source, bad)
+        self.assertEqual(loaded.returncode, 2)
+        self.assertRegex(loaded.stderr.decode(),
+                         f"^{bad}:1:125: D-1: error: .*\n{bad}:1:69: note: the first one is here\n$")
+        self.assertEqual(result.stderr, loaded.stderr + errors.encode())
+        self.expect(tarn("merge", "--check-only", self.source, deltas[0], bad), 2, "", loaded.stderr)
+
+    def test_class_and_version_of_an_update_are_noted(self):
+        source = self.file(document("".join(
+            f'<managedObject class="C" distName="A-{i}" version="1"/>' for i in range(8))), "s.xml")
+        delta = self.file(document("".join(
+            f'\n<managedObject class="D" distName="A-{i}" version="2"/>' for i in range(8))), "d.xml")
+        out = self.path("out.xml")
+        notes = "".join(
+            f"{delta}:{i + 2}:1: A-{i}: note: the class stays 'C', 'D' in the delta is not taken over\n"
+            f"{delta}:{i + 2}:1: A-{i}: note: the version stays '1', '2' in the delta is not taken over\n"
+            for i in range(5)) + f"{source}: note: 6 more classes and versions are not taken over\n"
+        summary = f"{delta}: 0 created, 8 updated, 0 deleted\n"
+        self.expect(tarn("merge", source, delta, "-o", out), 0, summary, notes)
+        self.expect(tarn("merge", source, delta, "--check-only"), 0,
+                    "".join(f"A-{i}: updated\n" for i in range(8)) + summary, notes)
+        self.assertNotIn(b'"D"', self.read(out))
+        delta = self.file(document('<managedObject class="C" distName="A-1" version="2"/>'), "d.xml")
+        self.expect(tarn("merge", self.source, delta, "-o", out), 0,
+                    f"{delta}: 0 created, 1 updated, 0 deleted\n",
+                    f"{delta}:1:69: A-1: note: the object stays without version, '2' in the delta is"
+                    " not taken over\n")
+
+    def test_objects_that_stay_without_a_parent_are_noted(self):
+        source = self.file(document("".join(managed_object(name) for name in (
+            "A-1", "A-1/B-1", "A-1/B-1/C-1", "A-1/B-2", "A-10/B-1"))), "s.xml")
+        delta = self.file(document(managed_object("A-1", "delete")
+                                   + managed_object("A-1/B-2", "delete")), "d.xml")
+        again = self.file(document(managed_object("A-1", "create")), "again.xml")
+        out = self.path("out.xml")
+        summary = f"{delta}: 0 created, 0 updated, 2 deleted\n"
+        note = f"{source}: note: 2 objects stay without a parent\n"
+        self.expect(tarn("merge", source, delta, "-o", out), 0, summary, note)
+        self.expect(tarn("merge", source, delta, "--check-only"), 0,
+                    "A-1: deleted\nA-1/B-2: deleted\n" + summary, note)
+        self.expect(tarn("merge", source, delta, again, "-o", out), 0,
+                    summary + f"{again}: 1 created, 0 updated, 0 deleted\n")
 
     def test_document_without_cm_data_has_status_2(self):
         empty = self.file("<tarn/>", "empty.xml")
@@ -161,7 +283,7 @@ class MergeTest(CommandCase):
         delta = self.file(document(managed_object("A-7", "create", body)), "nested.xml")
         self.expect_untouched(
             tarn("merge", "--in-place", self.source, delta), 2,
-            f"{delta}: error: 'no operation' is not a valid value of 'managedObject' attribute"
+            f"{delta}:1:69: A-7: error: 'no operation' is not a valid value of 'managedObject' attribute"
             " 'operation'\n")
 
     def test_source_as_its_own_delta_is_refused_under_any_name(self):

@@ -366,7 +366,7 @@ class EscapeTest(CommandCase):
                     f"{shown}: 1 of 1 object changed, 1 value set\n",
                     f"{shown}: note: other names of the file keep what it held\n")
         self.expect(tarn("merge", path, delta, "--check-only"), 0,
-                    f"{shown_delta}: 1 created, 0 updated, 0 deleted\n")
+                    f"B-1: created\n{shown_delta}: 1 created, 0 updated, 0 deleted\n")
         self.expect(tarn("check", bad), 1, "",
                     f"{self.path('bad')}\\x07:2:2: error: expected element name\n")
         self.expect(tarn("remove", path, "Z-1\u009b"), 4, "",

@@ -2,6 +2,7 @@
 
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
+#include "documents/Edit.hpp"
 #include "documents/Outcomes.hpp"
 #include "documents/documentFile.hpp"
 #include "files/InputFile.hpp"
@@ -21,13 +22,13 @@ namespace {
 struct AddRequest {
   std::string file;
   std::string objectFile;  ///< The document with the objects.
-  Target target;
+  EditOptions edit;
 };
 
 Status addObjects(const AddRequest& request) {
   requireOneStandardInput({request.file, request.objectFile});
-  Destination destination(request.file, request.target);
-  Document document(request.file);
+  Edit edit(request.file, request.edit);
+  Document& document = edit.document();
   const Document objects(request.objectFile);
   LibTarnCmData& cmData = requireCmData(document, request.file);
   Outcomes outcomes(request.file);
@@ -46,7 +47,7 @@ Status addObjects(const AddRequest& request) {
     }
   }
   outcomes.throwIfFailed();
-  writeResult(document, destination, outcomes.report());
+  edit.finish(edit.isDryRun() ? outcomes.count("added") : outcomes.report());
   return Status::Done;
 }
 
@@ -57,7 +58,8 @@ void addAdd(CommandLine& line) {
       line.add<AddRequest>("add", "Add the objects of another document, all or none", addObjects);
   addFile(options, request.file);
   options.addArgument("OBJECTFILE", request.objectFile, "The document with the objects");
-  addTarget(options, request.target);
+  addTarget(options, request.edit.target);
+  addDryRun(options, request.edit.dryRun);
 }
 
 }  // namespace tarn

@@ -1,15 +1,13 @@
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
 #include "documents/Edit.hpp"
-#include "documents/walkObjects.hpp"
+#include "documents/orphans.hpp"
 #include "libtarn/model/LibTarnCmData.hpp"
 #include "output/counted.hpp"
 #include "output/printable.hpp"
@@ -42,43 +40,18 @@ std::string_view nameOf(const LibTarnManagedObject& object) {
   return textOrEmpty(object.getDistName().getText());
 }
 
-/// Objects that are below others by their names.
-class Below {
- public:
-  explicit Below(const Selector::Objects& objects) {
-    for (const LibTarnManagedObject* object : objects) names_.insert(nameOf(*object));
-  }
-
-  bool contains(std::string_view name) const { return names_.count(name) > 0; }
-  bool isBelow(std::string_view name) const {
-    for (std::size_t end = name.rfind('/'); end != std::string_view::npos && end > 0;
-         end = name.rfind('/', end - 1)) {
-      if (contains(name.substr(0, end))) return true;
-    }
-    return false;
-  }
-
- private:
-  std::unordered_set<std::string_view> names_;
-};
-
-/// The objects that are neither selected nor a selected one's name, but below one.
-Selector::Objects objectsBelow(const Document& document, const Selector::Objects& selected) {
-  const Below below(selected);
-  Selector::Objects objects;
-  for (LibTarnManagedObject* object = firstObject(document); object;
-       object = object->getNextSiblingElement()) {
-    if (!below.contains(nameOf(*object)) && below.isBelow(nameOf(*object))) {
-      objects.push_back(object);
-    }
-  }
-  return objects;
+std::vector<std::string_view> namesOf(const Selector::Objects& objects) {
+  std::vector<std::string_view> names;
+  names.reserve(objects.size());
+  for (const LibTarnManagedObject* object : objects) names.push_back(nameOf(*object));
+  return names;
 }
 
 // A list of few objects names them, so that a user sees what has gone.
-std::string reportOf(const std::string& path, const Selector::Objects& objects) {
+// A dry run has listed all of them.
+std::string reportOf(const std::string& path, const Selector::Objects& objects, bool isDryRun) {
   constexpr std::size_t MOST_NAMED = 20;
-  if (objects.size() > MOST_NAMED) {
+  if (isDryRun || objects.size() > MOST_NAMED) {
     return fmt::format("{}: {} removed\n", printable(path), counted(objects.size(), "object"));
   }
   std::string report;
@@ -93,19 +66,17 @@ Status removeObjects(const RemoveRequest& request) {
   requireSelection(selection, request.edit);
   Edit edit(request.file, request.edit);
   Selector::Objects objects = edit.select(selection);
-  const Selector::Objects below = objectsBelow(edit.document(), objects);
+  const Selector::Objects below = objectsBelow(edit.document(), namesOf(objects));
   if (request.recursive) {
     objects.insert(objects.end(), below.begin(), below.end());
   } else if (!below.empty()) {
     reportNote(request.file,
-               fmt::format(
-                   "{} without a parent; --recursive removes {} too",
-                   below.size() == 1 ? "1 object stays" : counted(below.size(), "object") + " stay",
-                   below.size() == 1 ? "it" : "them"));
+               fmt::format("{}; --recursive removes {} too", withoutParent(below.size()),
+                           below.size() == 1 ? "it" : "them"));
   }
   edit.confirm(objects.size());
   sortByName(objects, NameOrder::Natural);
-  const std::string report = reportOf(request.file, objects);
+  const std::string report = reportOf(request.file, objects, edit.isDryRun());
   for (const LibTarnManagedObject* object : objects) {
     edit.document().getLibTarnCmData()->removeLibTarnManagedObject(object->getDistName());
   }

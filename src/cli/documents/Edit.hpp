@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "documents/DryRun.hpp"
 #include "documents/Selection.hpp"
 #include "documents/documentFile.hpp"
 #include "files/Destination.hpp"
@@ -16,9 +17,11 @@ struct EditOptions {
   Target target;
   bool everything = false;  ///< Changes all objects when there is no selection.
   bool yes = false;         ///< Does not ask.
+  DryRun dryRun;
 };
 
-/// A document that a command changes: loaded from a file, and written when all is done.
+/// A document that a command changes: loaded from a file, and written when all is done. A dry run
+/// locks and writes nothing.
 class Edit {
  public:
   /// Throws CommandError, with the file unchanged, as every function here.
@@ -29,13 +32,16 @@ class Edit {
   Selector::Objects select(const Selection& selection);
   /// Asks the user, in a terminal, before more than 1,000 objects are changed.
   void confirm(std::size_t count) const;
-  /// Writes the document, and `report`, which says what was done.
+  bool isDryRun() const { return options_.dryRun.isAsked; }
+  /// Writes the document, and `report`, which says what was done. A dry run shows the changes.
   void finish(const std::string& report);
 
  private:
+  void showChanges(const std::string& report);
+
   std::string path_;
   EditOptions options_;
-  Destination destination_;
+  std::optional<Destination> destination_;  // none in a dry run
   TextFile file_;
   Document document_;
 };

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "output/counted.hpp"
 #include "output/printable.hpp"
 #include "output/terminal.hpp"
 
@@ -12,6 +13,11 @@ Outcomes::Outcomes(std::string path) : path_(std::move(path)) {}
 
 void Outcomes::addDone(const std::string& distName, const char* what) {
   report_ += printable(distName) + ": " + what + "\n";
+  ++doneCount_;
+}
+
+std::string Outcomes::count(const char* what) const {
+  return printable(path_) + ": " + counted(doneCount_, "object") + " " + what + "\n";
 }
 
 void Outcomes::addFailure(Status status, const std::string& distName, const std::string& message) {

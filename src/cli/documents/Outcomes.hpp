@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -20,12 +21,15 @@ class Outcomes {
 
   /// If there were failures, reports all but the last one and throws that.
   void throwIfFailed() const;
+  /// Returns a line with the number of objects to which `what` was done.
+  std::string count(const char* what) const;
   /// One line for each object to which something was done.
   const std::string& report() const { return report_; }
 
  private:
   std::string path_;
   std::string report_;
+  std::size_t doneCount_ = 0;
   std::vector<CommandError> failures_;
 };
 

@@ -8,6 +8,7 @@
 #include "output/HostLog.hpp"
 #include "output/Progress.hpp"
 #include "output/outputFile.hpp"
+#include "output/printable.hpp"
 #include "output/terminal.hpp"
 
 namespace tarn {
@@ -39,7 +40,11 @@ void throwRefused(TextFile& file, const Diagnostic& diagnostic) {
                        diagnostic.message);
   }
   const Fault fault = findFault(file, diagnostic).list.front();
-  throw CommandError(Status::RuleBroken, subjectOf(file.path(), fault), fault.message);
+  const std::string subject = subjectOf(file.path(), fault);
+  if (fault.note.empty()) throw CommandError(Status::RuleBroken, subject, fault.message);
+  const std::string note =
+      printable(noteSubject(file.path(), fault)) + ": note: " + printable(fault.note);
+  throw CommandError(Status::RuleBroken, subject, fault.message, MarkedText{note});
 }
 
 LibTarnCmData& requireCmData(const Document& document, const std::string& path) {

@@ -37,6 +37,9 @@ std::size_t offsetIn(const std::vector<char>& block, const void* position) {
 
 }  // namespace
 
+// Standard input can be opened only once.
+bool TextFile::isReopenable() const { return file_.isSeekable() && path_ != "-"; }
+
 // Reads through a block that stays in the cache: the large memory is written once, and never zeroed
 // before.
 std::vector<char> TextFile::read() {

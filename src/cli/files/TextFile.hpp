@@ -16,6 +16,8 @@ class TextFile {
   explicit TextFile(const std::string& path) : path_(path), file_(path) {}
 
   const std::string& path() const { return path_; }
+  /// True if another object for the same path can read the text, too.
+  bool isReopenable() const;
 
   /// Reads the whole text and appends a terminating NUL. May be called again. A NUL within the text
   /// is malformed, unless it shows that the text is in another encoding, which is then the error.
