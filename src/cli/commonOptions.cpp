@@ -21,6 +21,8 @@ void addTarget(Options& options, Target& target) {
 
 void addEdit(Options& options, EditOptions& edit) {
   addTarget(options, edit.target);
+  options.addFlag("--keep-layout", edit.keepLayout,
+                  "Leave the text as it is where nothing changes, with its comments");
   options.addFlag("--yes", edit.yes, "Do not ask before more than 1,000 objects are changed");
 }
 

@@ -16,6 +16,7 @@ struct EditOptions {
   Target target;
   bool everything = false;  ///< Changes all objects when there is no selection.
   bool yes = false;         ///< Does not ask.
+  bool keepLayout = false;  ///< Changes nothing of the text but what the command changes.
 };
 
 /// A document that a command changes: loaded from a file, and written when all is done.
@@ -33,6 +34,8 @@ class Edit {
   void finish(const std::string& report);
 
  private:
+  std::string result();
+
   std::string path_;
   EditOptions options_;
   Destination destination_;
