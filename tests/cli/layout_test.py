@@ -110,6 +110,21 @@ class PlaceTest(LayoutCase):
             self.around('\n <!-- a -->\n <managedObject class="C" distName="A-1"/>\t\n'
                         " <!-- b -->\n"))
 
+    def test_removed_value_of_a_list_is_one_removed_line(self):
+        lines = [f"<p>{number}</p>\n" for number in (1, 2, 2, 3)]
+        for number, left in ((1, lines[1:]), (3, lines[:2] + lines[3:]), (4, lines[:3])):
+            with self.subTest(number):
+                self.assertEqual(
+                    self.changed(self.in_object('<list name="l">\n' + "".join(lines) + "</list>"),
+                                 "--everything", f"l[{number}]", command="unset"),
+                    self.in_object('<list name="l">\n' + "".join(left) + "</list>"))
+
+    def test_table_of_values(self):
+        table = self.file("dn,path,value\nA-1,x,2\nA-1,l[1].v,<\n", "changes.csv")
+        body = '\n<p name="x">{}</p><list name="l"><item><!-- c --><p name="v">{}</p></item></list>'
+        self.assertEqual(self.changed(self.in_object(body.format(1, "")), table, command="apply"),
+                         self.in_object(body.format(2, "&lt;")))
+
     def test_layout_that_cannot_be_kept_is_reported(self):
         text = self.in_object('<p name="x">1</q>')
         note = f"{self.path('document.xml')}: note: the layout is not kept: XML parsers would " \
@@ -201,7 +216,9 @@ class OddDocument:
             ["set", "--class", "C", "--set-class", "E", "--set-version", f"{value}1"],
             ["set", "--everything", "--set", f"l[1]={value}"],
             ["set", "--everything", "--set", f"e.q={value}"],
+            ["set", "--everything", "--set", f"l[1].v={value}"],
             ["unset", "--everything", "a"],
+            ["unset", "--everything", "l[1]"],
             ["unset", "--everything", "l"],
             ["unset", "--everything", "e", "b"],
             ["remove", "--dn", name],

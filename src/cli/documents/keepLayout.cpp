@@ -151,14 +151,23 @@ struct Pairing {
         for (ahead = i; ahead < newer.size() && partners[ahead] == NONE;) ++ahead;
         limit = ahead < newer.size() ? partners[ahead] : older.size();
       }
-      if (old >= limit ||
-          original_.tag(original_[older[old]]) != printed_.tag(printed_[newer[i]]) ||
-          olderKey(old).isNamed || newerKey(i).isNamed) {
-        continue;
-      }
-      pair(old++, i);
+      if (newerKey(i).isNamed) continue;
+      old = skipNamed(old, limit);
+      if (old == limit) continue;
+      if (original_.tag(original_[older[old]]) == printed_.tag(printed_[newer[i]])) pair(old++, i);
     }
   }
+
+  // Looks at each of the older ones once.
+  std::size_t skipNamed(std::size_t at, std::size_t limit) {
+    at = std::min(at, limit);
+    if (at < limit && unnamed_ == at) return at;
+    while (at < limit && olderKey(at).isNamed) ++at;
+    unnamed_ = at;
+    return at;
+  }
+
+  std::size_t unnamed_ = SIZE_MAX;  // the last one that skipNamed() found
 };
 
 class Patcher {
