@@ -209,7 +209,7 @@ class OddDocument:
     def edit(self):
         """The arguments of a command that changes the document."""
         name = f"A-{self.random.randint(1, self.count)}"
-        value = self.random.choice(["", "9", "<&>", "\"'", "\u20ac"])
+        value = self.random.choice(["", "9", "a<&>", "\"'", "\u20ac"])
         return self.random.choice([
             ["set", "--dn", name, "--create", "--set", f"a={value}"],
             ["set", "--everything", "--create", "--set", f"b={value}", "--set", f"z={value}"],
@@ -262,6 +262,23 @@ class PropertyTest(LayoutCase):
             changed_lines(old, new),
             # An element of several lines, and the ends of those that are opened.
             8 * changed_lines(printed, self.printed("plain.xml")), old)
+
+
+class UntouchedLineTest(LayoutCase):
+    def test_objects_that_do_not_change_keep_their_bytes(self):
+        for seed in range(SEEDS // 2):
+            with self.subTest(seed=seed):
+                document = OddDocument(seed)
+                newline = document.newline
+                objects = [document.object() for _ in range(5)]
+                body = newline + newline.join(objects) + newline
+                out = self.changed(self.around(body), "--dn", "A-3", "--create", "--set",
+                                   f"a={seed}x", "--set", "new=a<")
+                before = newline + newline.join(objects[:2]) + newline
+                after = newline + newline.join(objects[3:]) + newline
+                start, end = self.around("\0").split("\0")
+                self.assertEqual(out[:len(start + before)], start + before)
+                self.assertEqual(out[-len(after + end):], after + end)
 
 
 class SortedPrintTest(LayoutCase):

@@ -99,7 +99,7 @@ class OutlineReader {
   bool read() {
     for (;;) {
       const std::size_t next = text_.find('<', at_);
-      if (next == npos) return open_.empty() && elements_.size() > 0;
+      if (next == npos) return open_.empty() && !elements_.empty();
       if (!open_.empty()) addText(next);
       at_ = next;
       if (!readMarkup()) return false;
