@@ -7,7 +7,7 @@ _tarn() {
   local selection="--class --dn --dns-from --under --dn-has --match --p --version --operation --mask --invert"
   local target="-o --output --in-place"
   local dry="--dry-run --json"
-  local edit="$selection $target $dry --everything --yes"
+  local edit="$selection $target $dry --everything --yes --keep-layout"
   local command="" i
   for ((i = 1; i < COMP_CWORD; ++i)); do
     case " $commands " in *" ${COMP_WORDS[i]} "*) command=${COMP_WORDS[i]} && break ;; esac
@@ -25,12 +25,12 @@ _tarn() {
   case $command in
     "") options="$commands --version" ;;
     check) options="--all --limit --strict --format --json --jobs" ;;
-    print) options="-o --output" ;;
+    print) options="-o --output --sort" ;;
     list) options="$selection --format --columns --values --sort --limit --count --count-by --byte-order" ;;
     get) ;;
     set) options="$edit --set --set-class --set-version --values --create --only-existing" ;;
     unset) options=$edit ;;
-    apply) options="$target $dry --create --yes" ;;
+    apply) options="$target $dry --create --yes --keep-layout" ;;
     add) options="$target $dry" ;;
     remove) options="$edit --recursive" ;;
     merge) options="$target $dry --check-only --validate" ;;

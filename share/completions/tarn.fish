@@ -46,6 +46,8 @@ complete -c tarn -n "__fish_seen_subcommand_from set" -l only-existing -d "Chang
 complete -c tarn -n "__fish_seen_subcommand_from remove" -l recursive -d "Remove what is below the objects, too"
 complete -c tarn -n "__fish_seen_subcommand_from set unset remove" -l everything -d "Select all objects"
 complete -c tarn -n "__fish_seen_subcommand_from set unset apply remove" -l yes -d "Do not ask"
+complete -c tarn -n "__fish_seen_subcommand_from set unset apply remove" -l keep-layout -d "Leave the text as it is where nothing changes"
+complete -c tarn -n "__fish_seen_subcommand_from print" -l sort -d "Order objects, parameters and attributes by name"
 
 complete -c tarn -n "__fish_seen_subcommand_from print set unset apply add remove merge report" -s o -l output -r -d "File for the result"
 complete -c tarn -n "__fish_seen_subcommand_from set unset apply add remove merge" -l in-place -d "Replace the document with the result; =SUFFIX keeps the old file"

@@ -28,6 +28,8 @@ void addDryRun(Options& options, DryRun& dryRun) {
 void addEdit(Options& options, EditOptions& edit) {
   addTarget(options, edit.target);
   addDryRun(options, edit.dryRun);
+  options.addFlag("--keep-layout", edit.keepLayout,
+                  "Leave the text as it is where nothing changes, with its comments");
   options.addFlag("--yes", edit.yes, "Do not ask before more than 1,000 objects are changed");
 }
 

@@ -18,6 +18,7 @@ struct EditOptions {
   bool everything = false;  ///< Changes all objects when there is no selection.
   bool yes = false;         ///< Does not ask.
   DryRun dryRun;
+  bool keepLayout = false;  ///< Changes nothing of the text but what the command changes.
 };
 
 /// A document that a command changes: loaded from a file, and written when all is done. A dry run
@@ -38,6 +39,7 @@ class Edit {
 
  private:
   void showChanges(const std::string& report);
+  std::string result();
 
   std::string path_;
   EditOptions options_;

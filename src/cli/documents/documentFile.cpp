@@ -68,7 +68,11 @@ void writeReport(const Destination& destination, const std::string& report) {
 }  // namespace
 
 void writeResult(Document& document, Destination& destination, const std::string& report) {
-  destination.write(writtenText(document, destination.name()));
+  writeResult(writtenText(document, destination.name()), destination, report);
+}
+
+void writeResult(const std::string& text, Destination& destination, const std::string& report) {
+  destination.write(text);
   if (destination.isStandardOutput()) {
     writeMessage(report);
   } else {

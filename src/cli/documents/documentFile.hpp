@@ -51,4 +51,7 @@ libtarn::model::LibTarnCmData& requireCmData(const Document& document, const std
 /// document that other XML parsers would refuse: see writtenText().
 void writeResult(Document& document, Destination& destination, const std::string& report);
 
+/// As above, for a text that has been checked.
+void writeResult(const std::string& text, Destination& destination, const std::string& report);
+
 }  // namespace tarn

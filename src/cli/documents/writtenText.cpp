@@ -143,4 +143,17 @@ std::string writtenText(Document& document, const std::string& destination) {
   return text;
 }
 
+bool makeWritable(std::string& text, std::string& reason) {
+  XmlFaults faults = checkXml(text, 1);
+  if (isLetterInAscii(faults)) {
+    text = withReferences(text);
+    faults = checkXml(text, 1);
+  }
+  if (faults.count == 0) return true;
+  const auto place = libtarn::util::locate(text.c_str(), faults.list.front().offset);
+  reason = fmt::format("XML parsers would refuse it at {}:{}: {}", place.line, place.column,
+                       faults.list.front().message);
+  return false;
+}
+
 }  // namespace tarn

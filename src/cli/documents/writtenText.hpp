@@ -12,4 +12,9 @@ class Document;
 /// `destination` is the name that the progress shows.
 std::string writtenText(Document& document, const std::string& destination);
 
+/// Returns true if every conforming XML parser accepts `text`, which no print has made. In one that
+/// declares US-ASCII other characters become references. Otherwise returns false, with the reason
+/// in `reason`.
+bool makeWritable(std::string& text, std::string& reason);
+
 }  // namespace tarn
