@@ -223,7 +223,7 @@ class FreshnessTest(HeldCase):
 class KeepTest(HeldCase):
     """--in-place=SUFFIX: the old file is kept."""
 
-    KEEP = ["set", "--p", "a=2", "--in-place=.bak"]
+    KEEP = ["set", "--everything", "--create", "--set", "a=2", "--in-place=.bak"]
     # How the old file gets its second name: a link, or a copy where links are impossible.
     WAYS = ({}, {"TARN_NO_LINKS": "1"})
 
