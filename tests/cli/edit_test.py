@@ -295,14 +295,14 @@ class AddTest(EditCase):
         objects = self.file(document(managed_object("B-1") + managed_object("A-2")
                                      + managed_object("A-1")), "objects.xml")
         self.expect_refused(tarn("add", self.source, objects, "--in-place"), 3,
-                            f"{self.source}: A-1: error: there is an object of that name\n"
-                            f"{self.source}: A-2: error: there is an object of that name\n")
+                            f"{objects}:1:125: A-2: error: there is an object of that name\n"
+                            f"{objects}:1:181: A-1: error: there is an object of that name\n")
 
     def test_fault_inside_an_object_is_reported(self):
         objects = self.file(document(managed_object("B-1", body=managed_object("C-1", "wrong"))),
                             "objects.xml")
         self.expect_refused(tarn("add", self.source, objects, "--in-place"), 2,
-                            f"{self.source}: B-1: error: 'wrong' is not a valid value of"
+                            f"{objects}:1:69: B-1: error: 'wrong' is not a valid value of"
                             " 'managedObject' attribute 'operation'\n")
 
     def test_documents_without_cm_data(self):

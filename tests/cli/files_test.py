@@ -414,7 +414,7 @@ class StandardInputTest(FilesCase):
         with open(self.source, "rb") as file:
             result = tarn("add", "-", "/dev/stdin", stdin=file)
         self.expect(result, 3, "",
-                    "-: A-1: error: there is an object of that name\n")
+                    "/dev/stdin:1:69: A-1: error: there is an object of that name\n")
 
     def test_closed_standard_input_is_reported(self):
         result = run("bash", "-c", '"$0" print - <&-', TARN)
