@@ -92,7 +92,7 @@ class SetTest(EditCase):
                              "--in-place"), 0, f"{path}: 1 of 1 object changed, 1 value set\n")
             self.assertEqual(self.value(path, "A-1", created), "1\n")
         self.assertIn(b'<extension name="e">', self.read(path))
-        for name in ("g.q", "l[1]", "l[1].k"):
+        for name in ("g.q", "l[1]", "l[1].k", "l[", "l]"):
             self.expect(tarn("set", path, "--dn", "A-1", "--set", name + "=1", "--create"), 4, "",
                         f"{path}: error: the object has no value '{name}'\n")
 
@@ -110,14 +110,14 @@ class SetTest(EditCase):
         self.expect(tarn("set", self.source, "--dn-has", "A-1", "--values", values, "-o", out), 4, "",
                     f"{self.source}: error: none of the 2 objects has a value 'l'\n")
         self.expect(tarn("set", self.source, "--dn-has", "A-1", "--values", values, "--create", "-o",
-                         out), 0, f"{self.source}: 2 of 2 objects changed, 4 values set\n")
+                         out), 0, f"{self.source}: 2 of 2 objects changed, 8 values set\n")
         self.assertEqual(self.listed(out),
                          ["A-2\tD\t\t\t1", "A-7\tC\tupdate\t\t2", "A-7/B-1\tC\tupdate\t\t2"])
         listed = self.file(document(managed_object("A-1", body='<p name="x">1</p>')
                                     + managed_object("A-1/B-1", body='<list name="l"/>')),
                            "listed.xml")
         self.expect(tarn("set", listed, "--dn-has", "A-1", "--values", values, "--in-place"), 0,
-                    f"{listed}: 2 of 2 objects changed, 2 values set, 1 object has no 'x', "
+                    f"{listed}: 2 of 2 objects changed, 6 values set, 1 object has no 'x', "
                     "1 object has no 'l'\n")
         self.assertEqual(self.value(listed, "A-7", "x"), "8\n")
         self.assertEqual(self.value(listed, "A-7/B-1", "l"), "1\n")
@@ -149,6 +149,8 @@ class SetTest(EditCase):
                 (["--set", "x=1", "--dn", "A-1", "--everything"],
                  "--everything has no meaning beside options that select"),
                 (["--everything", "--set", "x=1", "--set", "x=2"], "--set sets 'x' more than once"),
+                (["--everything", "--set-class", "#"], "--set-class cannot take #"),
+                (["--everything", "--set", "x=1", "--values", self.source], None),
                 (["--mask-class", "C", "--class", "D"],
                  "there is no option '--mask-class' any more; use --class"),
                 (["--mask-p=x"], "there is no option '--mask-p' any more; use --p"),
@@ -168,6 +170,13 @@ class SetTest(EditCase):
             with self.subTest(text=text):
                 self.expect(tarn("set", self.source, "--everything", "--set", text), 64, "",
                             f"tarn: error: --set: {message}\n  {text}\n  {' ' * offset}^\n")
+        for value in ("  ", "\n"):
+            result = tarn("set", self.source, "--everything", "--set", "x=" + value)
+            self.assertEqual((result.returncode, result.stdout), (64, b""), value)
+        for option, value in (("--set-class", "a\tb"), ("--set", "x=a\rb"), ("--set", "a\nb=1")):
+            result = tarn("set", self.source, "--everything", option, value)
+            self.assertEqual((result.returncode, result.stdout), (64, b""), value)
+            self.assertIn(b"other XML parsers would read another character", result.stderr)
         for value in (b"a\x01", b"a\xff", b"a\xef\xbf\xbf"):
             result = tarn("set", self.source, "--everything", "--set", b"x=" + value)
             self.assertEqual((result.returncode, result.stdout), (64, b""), value)
@@ -215,6 +224,8 @@ class UnsetTest(EditCase):
     def test_wrong_usage(self):
         self.expect(tarn("unset", self.path_of_all, "x"), 64, "",
                     "tarn: error: no objects are selected; --everything selects all\n")
+        self.expect(tarn("unset", self.path_of_all, "x", "x", "--everything"), 64, "",
+                    "tarn: error: 'x' is named more than once\n")
         self.expect(tarn("unset", self.path_of_all, "x=1", "--everything"), 64, "",
                     "tarn: error: NAME: quote a name that holds one of = ! < > ~\n  x=1\n  ^\n")
         self.expect(tarn("unset", self.path_of_all, "items[1].k", "--dn", "A-1"), 64, "",
@@ -248,15 +259,17 @@ class ApplyTest(EditCase):
 
     def test_every_bad_row_is_reported(self):
         result = self.apply('dn,path,value\nZ-1,x,1\nA-1,y,1\nA-1,x,5\nA-1,x,6\nA-1,,6\n'
-                            'A-2,x,"a\n\x01"\nA-2,l[1],1\n', "--in-place")
+                            'A-2,x\nA-2,x," "\nA-2,x,"a\n\x01"\nA-2,l[1],1\n', "--in-place")
         where = self.path("changes.csv")
         self.expect_refused(result, 4, f"""{where}:2:1: Z-1: error: no such object
 {where}:3:1: A-1: error: nothing named 'y'
 {where}:5:1: A-1: error: line 4 sets 'x', too
 {where}:6:1: A-1: error: the path is empty
-{where}:7:1: A-2: error: the path or the value holds what XML does not allow
-{where}:9:1: A-2: error: nothing named 'l[1]'
-{self.source}: error: 6 changes cannot be made; nothing is written
+{where}:7:1: A-2: error: 2 fields instead of 3
+{where}:8:1: A-2: error: a value of blanks alone is read as an empty one
+{where}:9:1: A-2: error: the path or the value holds what XML does not allow
+{where}:11:1: A-2: error: nothing named 'l[1]'
+{self.source}: error: 8 changes cannot be made; nothing is written
 """)
 
     def test_what_is_no_table_is_wrong_usage(self):
@@ -265,7 +278,6 @@ class ApplyTest(EditCase):
                 ("", "", "the header line is missing"), ("dn,path\n", "", columns),
                 ("dn;path;value\nA-1;x;1\n", "", columns), ("dn,path,value,more\n", "", columns),
                 ("dn,path,value\n", "", "there is no row below the header"),
-                ("dn,path,value\nA-1,x\n", ":2:1", "2 fields instead of 3"),
                 ('dn,path,value\nA-1,x,"1\n', ":2:7", "the quote is not closed"),
                 ('dn,path,value\nA-1,x,a"1"\n', ":2:8",
                  "a field with a quote in it must be quoted as a whole"),

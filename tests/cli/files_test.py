@@ -398,6 +398,11 @@ class KeepTest(FilesCase):
 
 
 class StandardInputTest(FilesCase):
+    def test_it_is_not_replaced(self):
+        for option in ("--in-place", "--in-place=.bak"):
+            self.expect(tarn("set", "-", "--everything", "--set", "x=7", option, input=SOURCE.encode()),
+                        64, "", "tarn: error: --in-place needs a file, and - is standard input\n")
+
     TWICE = "tarn: error: standard input is named more than once, but can be read once only\n"
 
     def test_it_is_read_once_only(self):

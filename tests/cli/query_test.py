@@ -120,6 +120,8 @@ class ListTest(CommandCase):
                 (["--class", "A", "--p", "x!=1", "--invert"],
                  ": error: none of those objects has a value 'x'"),
                 (["--dn", "A-1", "--class", "B"], ": error: no object matches"),
+                (["--dn", "A-1", "--class", "B", "--invert"],
+                 ": error: no object meets all options, so that --invert would select every object"),
                 (["--dn", "Z"], ": Z: error: no such object"),
                 (["--dn", "B-"],
                  ": B-: error: no such object; --dn-has 'B-' selects the 2 with this text in the "
@@ -203,8 +205,9 @@ class ConditionTest(CommandCase):
                 ("v<5", ["A-2"]), ("v<=5", ["A-1", "A-2", "A-3"]), ("v>5", ["A-4"]),
                 ("v>=5", ["A-1", "A-3", "A-4"]), ("v>-7.5", ["A-1", "A-2", "A-3", "A-4"]),
                 ("v>12345678901234567890122.9", ["A-4"]), ("v>12345678901234567890123", []),
+                ("v='5'", ["A-1"]), ("v!='5'", [name for name in self.VALUES if name != "A-1"]),
                 ("v=abc", ["A-5"]), ("v<abd", ["A-1", "A-2", "A-3", "A-4", "A-5", "A-6", "A-7", "A-8"]),
-                ("v>aba", ["A-5"]), ("v=", ["A-6"]), ("v~^a.*c$", ["A-5", "A-7"]), ("v~ ", list(self.VALUES)),
+                ("v>aba", ["A-5"]), ("v=", ["A-6"]), ("v~^a.*c$", ["A-5", "A-7"]), ("v~''", list(self.VALUES)),
                 ("v~' '", ["A-7"]), ("v~[0-9]{5}", ["A-4"]), ("v='ab c'", ["A-7"]), ("v='=x'", ["A-8"]),
                 ("v=\"=x\"", ["A-8"]), ("'a=b'=1", ["B-1"]), ("\"a=b\"", ["B-1"]),
                 ("'c\"d\\''", ["B-1"]), ("c\"d'=2", ["B-1"]),
@@ -218,6 +221,7 @@ class ConditionTest(CommandCase):
 
     def test_what_cannot_be_read_is_marked(self):
         for text, offset, message in (
+                ("v>", 2, "a value is missing"), ("v>= ", 4, "a value is missing"),
                 ("v=>5", 1, "'=>' is none of = != < <= > >= ~; quote a name or a value that holds "
                  "these characters"),
                 ("v==5", 1, None), ("v =~ 5", 2, None), ("v<>5", 1, None), ("v!5", 1, None), ("=1", 0, "a name is missing"),
@@ -257,12 +261,19 @@ class FormatTest(CommandCase):
         return result.stdout.decode().split("\n")[:-1]
 
     def test_columns(self):
-        self.assertEqual(self.lines("--columns", "dn,n,e.q,i[1].j,l,i,'class',class"), [
-            "DN    n    e.q  i[1].j  l     i        class  CLASS",
-            "A-9   30   4    2             j=2 k=1  own    C",
-            "A-10  7                 1; 2                  C",
-            "B-1   off                                     D",
-            "B-2                                           D"])
+        self.assertEqual(self.lines("--columns", "dn,n,e.q,i[1].j,l,i,'class',version"), [
+            "DN    n    e.q  i[1].j  l     i        class  VERSION",
+            "A-9   30   4    2             j=2 k=1  own",
+            "A-10  7                 1; 2",
+            "B-1   off",
+            "B-2"])
+        self.expect(tarn("list", self.source, "--columns", "dn,none"), 4, "",
+                    f"{self.source}: error: none of the objects has a value 'none'\n")
+        self.expect(tarn("list", self.source, "--columns", "dn,n,dn"), 64, "",
+                    "tarn: error: --columns names 'dn' more than once\n")
+        for option in ("--sort", "--count-by"):
+            self.expect(tarn("list", self.source, option, "none"), 4, "",
+                        f"{self.source}: error: none of the objects has a value 'none'\n")
         self.expect(tarn("list", self.source, "--columns", "dn,,n"), 64, "",
                     "tarn: error: --columns: a name is missing\n  dn,,n\n     ^\n")
 
@@ -365,6 +376,8 @@ class GetTest(CommandCase):
             with self.subTest(name=name):
                 self.expect(self.get(name), 4, "",
                             f"{self.source}: A-1: error: nothing named '{name}'\n")
+        self.expect(self.get(""), 64, "", "tarn: error: the NAME is empty\n")
+        self.expect(self.get("x", "y"), 64, "", "tarn: error: tarn get takes one NAME\n")
         self.expect(tarn("get", self.source, "A-2"), 4, "", f"{self.source}: A-2: error: no such object\n")
         empty = self.file("<tarn/>", "empty.xml")
         self.expect(tarn("get", empty, "A-2"), 4, "", f"{empty}: A-2: error: no such object\n")

@@ -34,13 +34,15 @@ struct ApplyRequest {
   EditOptions edit;
 };
 
+constexpr std::size_t COLUMN_COUNT = 3;
+
 /// Where a table of changes has its columns.
 struct Columns {
   Columns(const std::string& file, const std::vector<std::string>& header)
       : distName(numberOf("dn", file, header)),
         path(numberOf("path", file, header)),
         value(numberOf("value", file, header)) {
-    if (header.size() > 3) refuse(file);
+    if (header.size() > COLUMN_COUNT) refuse(file);
   }
 
   std::size_t distName;
@@ -75,7 +77,9 @@ class Application {
     if (message.empty()) return;
     ++refused_;
     const std::string place = subjectAt(request_.changes, row.place);
-    reportError(errorLine(subjectOf(place, row.fields[columns_.distName]), message));
+    const bool hasName = row.fields.size() > columns_.distName;
+    reportError(
+        errorLine(hasName ? subjectOf(place, row.fields[columns_.distName]) : place, message));
   }
 
   void requireAll() const {
@@ -96,6 +100,9 @@ class Application {
  private:
   // Returns why the row cannot be applied, or "".
   std::string applyOrRefuse(const CsvFile::Row& row) {
+    if (row.fields.size() != COLUMN_COUNT) {
+      return fmt::format("{} instead of {}", counted(row.fields.size(), "field"), COLUMN_COUNT);
+    }
     const std::string& value = row.fields[columns_.value];
     const ValuePath path(row.fields[columns_.path]);
     const std::string& distName = row.fields[columns_.distName];
@@ -107,6 +114,7 @@ class Application {
     if (!isXmlText(path.text()) || !isXmlText(value)) {
       return "the path or the value holds what XML does not allow";
     }
+    if (isBlank(value)) return "a value of blanks alone is read as an empty one";
     const auto [first, isNew] = lines_.try_emplace({object, path.text()}, row.place.line);
     if (!isNew) return fmt::format("line {} sets '{}', too", first->second, path.text());
     return assign(path, value, *object);

@@ -1,5 +1,6 @@
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "CommandLine.hpp"
 #include "commonOptions.hpp"
@@ -19,7 +20,7 @@ namespace {
 struct GetRequest {
   std::string file;
   std::string distName;
-  std::string name;  ///< Of a value in the object; "" for the whole object.
+  std::vector<std::string> names;  ///< Of a value in the object; none for the whole object.
 };
 
 // Not indented, although it stands in a document.
@@ -30,19 +31,24 @@ std::string textOf(const LibTarnManagedObject& object) {
 }
 
 Status getValue(const GetRequest& request) {
+  if (request.names.size() > 1) throwUsageError("tarn get takes one NAME");
+  if (!request.names.empty() && request.names.front().empty()) {
+    throwUsageError("the NAME is empty");
+  }
   const Document document(request.file);
   const LibTarnCmData* const cmData = document.getLibTarnCmData();
   const LibTarnManagedObject* const object =
       cmData ? cmData->getLibTarnManagedObject(request.distName.c_str()) : nullptr;
   const std::string subject = subjectOf(request.file, request.distName);
   if (!object) throw CommandError(Status::NothingMatched, subject, "no such object");
-  if (request.name.empty()) {
+  if (request.names.empty()) {
     writeOutput(textOf(*object));
     return Status::Done;
   }
-  const ValuePath::Place place = ValuePath(request.name).find(*object);
+  const std::string& name = request.names.front();
+  const ValuePath::Place place = ValuePath(name).find(*object);
   if (std::holds_alternative<std::monostate>(place)) {
-    throw CommandError(Status::NothingMatched, subject, "nothing named '" + request.name + "'");
+    throw CommandError(Status::NothingMatched, subject, "nothing named '" + name + "'");
   }
   const bool isSingle = std::holds_alternative<libtarn::model::Scalar*>(place);
   writeOutput(textAt(place) + (isSingle ? "\n" : ""));
@@ -56,9 +62,10 @@ void addGet(CommandLine& line) {
       "get", "Write one object, or the value of a parameter, list or item", getValue);
   addFile(options, request.file);
   options.addArgument("DN", request.distName, "Distinguished name of the object");
-  options.addOptionalArgument("NAME", request.name,
-                              "Parameter, list, NAME[2] or NAME[2].component (items count from 1), "
-                              "or EXTENSION.NAME");
+  options.addOptionalArguments(
+      "NAME", request.names,
+      "Parameter, list, NAME[2] or NAME[2].component (items count from 1), "
+      "or EXTENSION.NAME");
 }
 
 }  // namespace tarn

@@ -3,6 +3,7 @@
 #include <list>
 #include <map>
 #include <numeric>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -106,6 +107,11 @@ class List {
   void requireFound() const {
     const std::string subject = request_.files.size() == 1 ? request_.files.front() : "all files";
     selector_.requireFound(subject, rows_.count());
+    for (const Column& column : columns_) {
+      if (column.isFound()) continue;
+      throw CommandError(Status::NothingMatched, subject,
+                         "none of the objects has a value '" + column.name() + "'");
+    }
   }
 
   const Rows& rows() const { return rows_; }
@@ -130,9 +136,18 @@ class List {
   }
 
  private:
+  static std::vector<Column> distinct(std::vector<Column> columns) {
+    std::set<std::string> names;
+    for (const Column& column : columns) {
+      if (names.insert(column.name()).second) continue;
+      throwUsageError("--columns names '" + column.name() + "' more than once");
+    }
+    return columns;
+  }
+
   static std::vector<Column> columnsOf(const ListRequest& request) {
     if (!request.countBy.empty()) return {};
-    if (!request.columns.empty()) return readColumns("--columns", request.columns);
+    if (!request.columns.empty()) return distinct(readColumns("--columns", request.columns));
     std::string usual = request.files.size() > 1 ? "file," : "";
     return readColumns("--columns", usual + "dn,class,operation,version,parameters");
   }

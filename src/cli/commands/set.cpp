@@ -42,6 +42,9 @@ void addChanges(Options& options, Changes& changes) {
   options.addOptionalText("--set-version", "V", changes.version, "The new version");
   options.addText("--values", "FILE", changes.file,
                   "The new values: the first object of this document");
+  for (const char* const other : {"--set", "--set-class", "--set-version"}) {
+    options.exclude("--values", other);
+  }
   options.addFlag("--create", changes.create, "Add parameters that an object does not have");
   options.addFlag("--only-existing", changes.onlyExisting,
                   "Change only what an object has; the default");

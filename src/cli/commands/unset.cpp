@@ -31,6 +31,9 @@ class Remover {
       ValueText reader("NAME", name);
       const std::string path = reader.readName();
       if (!reader.isAtEnd()) reader.refuse("quote a name that holds one of = ! < > ~");
+      for (const ValuePath& other : paths_) {
+        if (other.text() == path) throwUsageError("'" + path + "' is named more than once");
+      }
       paths_.emplace_back(path);
       counts_.addValue(path);
     }

@@ -14,6 +14,7 @@
 #include "libtarn/util/ManagedObjectBuilder.hpp"
 #include "libtarn/util/TarnFactory.hpp"
 #include "output/HostLog.hpp"
+#include "output/operationText.hpp"
 #include "textOrEmpty.hpp"
 
 namespace tarn {
@@ -40,6 +41,18 @@ ValuePath::Place find(const LibTarnManagedObject& object, const std::string& nam
   return scalar ? ValuePath::Place(scalar) : ValuePath::Place();
 }
 
+// What values change beside parameters and lists.
+std::vector<std::string> attributesOf(const LibTarnManagedObject& object) {
+  return {textOrEmpty(object.getDistName().getText()), textOrEmpty(object.getClass()),
+          textOrEmpty(object.getVersion()), operationText(object)};
+}
+
+// "#" would mean no change.
+void requireAttribute(const std::string& option, const std::string& text) {
+  requireXmlText(option, text, "\t\r\n");
+  if (text == ANY_TEXT) throwUsageError(option + " cannot take " + ANY_TEXT);
+}
+
 }  // namespace
 
 Changer::Changer(const Changes& changes, const Selection& selection, const std::string& path)
@@ -62,8 +75,11 @@ void Changer::readAssignment(const std::string& text) {
     if (other.path.text() == name) throwUsageError("--set sets '" + name + "' more than once");
   }
   const std::string value = reader.readExactValue();
-  requireXmlText("--set", name);
-  requireXmlText("--set", value);
+  requireXmlText("--set", name, "\t\r\n");
+  requireXmlText("--set", value, "\r");
+  if (isBlank(value)) {
+    throwUsageError("--set: a value of blanks alone is read as an empty one", text, 0);
+  }
   assignments_.push_back({ValuePath(name), isQuoted, value, counts_.addValue(name)});
 }
 
@@ -71,11 +87,11 @@ void Changer::makeAttributes(const Changes& changes) {
   if (!changes.className && !changes.version) return;
   ManagedObjectBuilder builder(own_);
   if (changes.className) {
-    requireXmlText("--set-class", *changes.className);
+    requireAttribute("--set-class", *changes.className);
     builder.setClass(changes.className->c_str());
   }
   if (changes.version) {
-    requireXmlText("--set-version", *changes.version);
+    requireAttribute("--set-version", *changes.version);
     builder.setVersion(changes.version->c_str());
   }
   attributes_ = &builder.get();
@@ -150,7 +166,12 @@ void Changer::changeToValues(LibTarnManagedObject& object) {
       counts_.noteChanged();
     }
   }
+  const std::vector<std::string> before = attributesOf(object);
   apply(*pattern_, lacking.empty() ? values_->object() : valuesWithout(lacking), object);
+  const std::vector<std::string> after = attributesOf(object);
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (before[i] != after[i]) counts_.noteChanged();
+  }
 }
 
 const LibTarnManagedObject& Changer::valuesWithout(const std::vector<const NewValue*>& lacking) {

@@ -86,7 +86,9 @@ Json jsonOf(const LibTarnExtension& extension) {
 }  // namespace
 
 Column::Column(std::string text, bool isPath)
-    : path_(std::move(text)), kind_(isPath ? Kind::Value : kindOf(path_.text())) {}
+    : path_(std::move(text)),
+      kind_(isPath ? Kind::Value : kindOf(path_.text())),
+      isFound_(kind_ != Kind::Value) {}
 
 Column::Kind Column::kindOf(const std::string& text) {
   const std::map<std::string, Kind> kinds = {{"dn", Kind::DistName},
@@ -108,8 +110,7 @@ Rows::Column Column::description() const {
   return {name(), heading, kind_ == Kind::ParameterCount ? Rows::Kind::Number : Rows::Kind::Text};
 }
 
-void Column::addCell(const LibTarnManagedObject& object, const std::string& file,
-                     Rows& rows) const {
+void Column::addCell(const LibTarnManagedObject& object, const std::string& file, Rows& rows) {
   switch (kind_) {
     case Kind::DistName:
       return rows.add(textOrEmpty(object.getDistName().getText()));
@@ -124,7 +125,9 @@ void Column::addCell(const LibTarnManagedObject& object, const std::string& file
     case Kind::File:
       return rows.add(file);
     case Kind::Value:
-      return addValue(path_.find(object), rows);
+      const ValuePath::Place place = path_.find(object);
+      isFound_ = isFound_ || !std::holds_alternative<std::monostate>(place);
+      return addValue(place, rows);
   }
 }
 

@@ -22,7 +22,9 @@ class Column {
   Rows::Column description() const;
   /// Adds the cell of `object`, an object of the file at `file`. Cells may be texts of the object.
   void addCell(const libtarn::model::LibTarnManagedObject& object, const std::string& file,
-               Rows& rows) const;
+               Rows& rows);
+  /// True if some object had a value for the column. One that the format has is always found.
+  bool isFound() const { return isFound_; }
 
  private:
   enum class Kind { DistName, Class, Operation, Version, ParameterCount, File, Value };
@@ -31,6 +33,7 @@ class Column {
 
   ValuePath path_;
   Kind kind_;
+  bool isFound_;
 };
 
 /// Reads columns that have commas between them. A column with a comma in its name is quoted. Throws

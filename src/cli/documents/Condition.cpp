@@ -60,6 +60,10 @@ class Condition::Reader {
     }
     kind = found->second;
     if (kind != Operator::Has) operand = text.readValue();
+    isText = text.wasQuoted();
+    const bool mayBeEmpty =
+        kind == Operator::Has || kind == Operator::Equal || kind == Operator::Unequal || isText;
+    if (operand.empty() && !mayBeEmpty) text.refuse("a value is missing");
     if (kind == Operator::Matches) expression = std::make_unique<Expression>(text, operand);
   }
 
@@ -67,6 +71,7 @@ class Condition::Reader {
   std::string name;
   Operator kind = Operator::Has;
   std::string operand;
+  bool isText = false;
   std::unique_ptr<Expression> expression;
 };
 
@@ -76,7 +81,7 @@ Condition::Condition(Reader&& reader)
     : path_(std::move(reader.name)),
       operator_(reader.kind),
       operand_(std::move(reader.operand)),
-      isNumber_(isDecimal(operand_)),
+      isNumber_(!reader.isText && isDecimal(operand_)),
       expression_(std::move(reader.expression)) {}
 
 Condition::Condition(Condition&&) noexcept = default;

@@ -11,7 +11,8 @@ namespace tarn {
 /// A condition on a value of a managed object: "NAME", which asks whether the object has it, or
 /// "NAME OPERATOR VALUE" with one of = != < <= > >= ~. NAME is a ValuePath.
 ///
-/// Two decimal numbers are compared as numbers, of any length. A value that is no number is neither
+/// Two decimal numbers are compared as numbers, of any length, unless the one in the condition is
+/// quoted. A value that is no number is neither
 /// less nor greater than a number. Other texts are compared byte by byte. ~ takes a POSIX extended
 /// regular expression that any part of the value may match. Of a list without an index, one value
 /// must meet the condition. An object that lacks the value meets no condition on it, not even one

@@ -1,13 +1,10 @@
 #include "documents/CsvFile.hpp"
 
-#include <fmt/format.h>
-
 #include <string_view>
 #include <utility>
 
 #include "CommandError.hpp"
 #include "files/InputFile.hpp"
-#include "output/counted.hpp"
 
 namespace tarn {
 
@@ -106,10 +103,6 @@ CsvFile::CsvFile(const std::string& path) {
     Row row = reader.readRow();
     const bool isEmpty = row.fields.size() == 1 && row.fields.front().empty();
     if (isEmpty && header_.size() > 1) continue;
-    if (row.fields.size() != header_.size()) {
-      reader.refuse(row.place, fmt::format("{} instead of {}", counted(row.fields.size(), "field"),
-                                           header_.size()));
-    }
     rows_.push_back(std::move(row));
   }
 }

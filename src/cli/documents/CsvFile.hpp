@@ -18,7 +18,7 @@ class CsvFile {
   };
 
   /// Reads the file at `path`, "-" for standard input. Throws CommandError, with the place, for
-  /// what is no CSV, and for a row that has not as many fields as the header.
+  /// what is no CSV. A row may have more fields or fewer than the header.
   explicit CsvFile(const std::string& path);
 
   const std::vector<std::string>& header() const { return header_; }

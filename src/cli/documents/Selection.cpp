@@ -107,7 +107,9 @@ void Selector::addNames(const Selection& selection) {
 
 bool Selector::selects(const LibTarnManagedObject& object) {
   const bool isNamed = !hasNames_ || meetsName(object);
-  return (meetsOthers(object) && isNamed) != invert_;
+  const bool isMet = meetsOthers(object) && isNamed;
+  meetsAll_ = meetsAll_ || isMet;
+  return isMet != invert_;
 }
 
 Selector::Objects Selector::select(const Document& document) {
@@ -167,6 +169,10 @@ bool Selector::meetsOthers(const LibTarnManagedObject& object) {
 
 void Selector::requireFound(const std::string& subject, std::size_t count) const {
   requireMet(subject);
+  if (invert_ && !meetsAll_) {
+    throw CommandError(Status::NothingMatched, subject,
+                       "no object meets all options, so that --invert would select every object");
+  }
   if (count == 0) throw CommandError(Status::NothingMatched, subject, "no object matches");
 }
 
@@ -199,7 +205,11 @@ void Selector::requireNames(const std::string& subject) const {
       message += fmt::format("; --dn-has '{}' selects the {} with this text in the name", name.text,
                              name.namesWithIt);
     }
-    errors.emplace_back(Status::NothingMatched, subjectOf(subject, name.text), message);
+    if (name.text.empty()) {
+      errors.emplace_back(Status::NothingMatched, subject, "there is no object without a name");
+    } else {
+      errors.emplace_back(Status::NothingMatched, subjectOf(subject, name.text), message);
+    }
   }
   if (missing > MOST_MISSING) {
     errors.emplace_back(Status::NothingMatched, subject,

@@ -87,7 +87,8 @@ class Selector {
 
   std::vector<Option> options_;
   std::vector<WantedValue> conditions_;
-  bool meetsOptions_ = false;  // some object
+  bool meetsOptions_ = false;  // some object, apart from names and conditions
+  bool meetsAll_ = false;      // some object
   bool hasNames_ = false;
   std::list<Wanted> names_;
   std::unordered_map<std::string_view, Wanted*> exactNames_;  // of names_

@@ -58,7 +58,8 @@ std::string ValueText::readValue() {
 
 std::string ValueText::readExactValue() {
   partStart_ = position_;
-  if (!isAtQuote()) {
+  wasQuoted_ = isAtQuote();
+  if (!wasQuoted_) {
     std::string value = text_.substr(position_);
     position_ = text_.size();
     return value;

@@ -30,7 +30,7 @@ class ValueText {
   std::string readExactValue();
 
   bool isAtEnd() const { return position_ == text_.size(); }
-  /// True if the name that was read last was quoted.
+  /// True if the name or value that was read last was quoted.
   bool wasQuoted() const { return wasQuoted_; }
 
   /// Throws the CommandError for a fault where the last part that was read begins.

@@ -13,6 +13,10 @@ using libtarn::model::LibTarnExtension;
 using libtarn::model::LibTarnManagedObject;
 using libtarn::model::Scalar;
 
+bool isBlank(const std::string& value) {
+  return !value.empty() && value.find_first_not_of(" \t\r\n") == std::string::npos;
+}
+
 Assigned assignValue(const ValuePath& path, const std::string& value,
                      LibTarnManagedObject& object) {
   const ValuePath::Place place = path.find(object);
@@ -39,7 +43,7 @@ bool createValue(const ValuePath& path, bool isName, const std::string& value,
     LibTarnExtension* const extension = object.getExtension(each.extension);
     if (extension) return extension->addParameter(make(each.parameter)) == 0;
   }
-  const bool isPlain = path.inExtensions().empty() && !path.inList();
+  const bool isPlain = path.text().find_first_of(".[]") == std::string::npos;
   return (isPlain || isName) && object.addParameter(make(path.text())) == 0;
 }
 

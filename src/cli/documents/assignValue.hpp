@@ -8,6 +8,9 @@
 
 namespace tarn {
 
+/// True if `value` is not empty and nothing but white space, which a load reads as an empty value.
+bool isBlank(const std::string& value);
+
 /// What an assignment did.
 enum class Assigned {
   Changed,

@@ -26,7 +26,11 @@ XmlFaults faultsOf(const std::string& text) {
 
 bool isXmlText(const std::string& text) { return faultsOf(text).list.empty(); }
 
-void requireXmlText(const std::string& option, const std::string& text) {
+void requireXmlText(const std::string& option, const std::string& text, const char* changed) {
+  const std::size_t found = text.find_first_of(changed);
+  if (found != std::string::npos) {
+    throwUsageError(option + ": other XML parsers would read another character", text, found);
+  }
   const XmlFaults faults = faultsOf(text);
   if (faults.list.empty()) return;
   const XmlFault& fault = faults.list.front();

@@ -8,7 +8,9 @@ namespace tarn {
 bool isXmlText(const std::string& text);
 
 /// Throws the CommandError for wrong usage when `text`, which `option` takes, holds a character
-/// that XML does not allow, or is no UTF-8: other tools could not read a document with it.
-void requireXmlText(const std::string& option, const std::string& text);
+/// that XML does not allow, or is no UTF-8: other tools could not read a document with it. Refuses
+/// the characters of `changed`, too, which other tools would read as others: line ends and tabs in
+/// attributes, a carriage return anywhere.
+void requireXmlText(const std::string& option, const std::string& text, const char* changed);
 
 }  // namespace tarn

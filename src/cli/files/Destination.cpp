@@ -90,6 +90,7 @@ Destination::Destination(const std::string& source, const Target& target)
     throwUsageError("the SUFFIX of --in-place holds a '/'");
   }
   if (name_ == STANDARD_OUTPUT) {
+    if (target.inPlace) throwUsageError("--in-place needs a file, and - is standard input");
     descriptor_ = STDOUT_FILENO;
     return;
   }
