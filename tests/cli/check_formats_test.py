@@ -3,7 +3,7 @@
 Argument: the command; working folder: the repository's.
 
 support/sarif-2.1.0.json is the schema that OASIS publishes with the standard, as the npm package
-@microsoft/jest-sarif 1.0.0-beta.0 carries it."""
+@microsoft/jest-sarif 1.0.0-beta.0 carries it, without its descriptions."""
 
 import json
 import os

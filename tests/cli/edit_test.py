@@ -62,6 +62,10 @@ class SetTest(EditCase):
         self.expect(tarn("set", self.source, "--class", "D", "--set-class", "E", "-o", out), 0,
                     f"{self.source}: 1 of 1 object changed, 1 value set\n")
         self.assertEqual(self.listed(out)[2], "A-2\tE\t\t\t1")
+        self.expect(tarn("set", self.source, "--class", "D", "--set-class", "E", "--set-version", "7",
+                         "-o", out), 0, f"{self.source}: 1 of 1 object changed, 2 values set\n")
+        self.expect(tarn("set", self.source, "--class", "D", "--set-class", "D", "-o", out), 0,
+                    f"{self.source}: 0 of 1 object changed, 0 values set, 1 object had it already\n")
         result = tarn("set", self.source, "--p", "x", "--set-version", "7")
         self.assertEqual((result.returncode, result.stderr.decode()),
                          (0, f"{self.source}: 2 of 2 objects changed, 2 values set\n"))
@@ -123,6 +127,19 @@ class SetTest(EditCase):
         self.assertEqual(self.value(listed, "A-7/B-1", "l"), "1\n")
         self.assertEqual(self.listed(listed),
                          ["A-7\tC\tupdate\t\t1", "A-7/B-1\tC\tupdate\t\t1"])
+
+    def test_mask_may_be_standard_input(self):
+        values = self.file(document(managed_object("A-8")), "values.xml")
+        mask = "<tarn><cmData type='plan'><managedObject distName='A-1' class='#' version='#'/></cmData></tarn>"
+        out = self.path("out.xml")
+        self.assertEqual(tarn("set", self.source, "--mask", "-", "--values", values, "-o", out,
+                              input=mask.encode()).returncode, 0)
+        self.assertEqual([line.split("\t")[0] for line in self.listed(out)], ["A-2", "A-8", "A-8/B-1"])
+
+    def test_wrong_usage_is_reported_before_a_file_is_read(self):
+        for arguments in (["set", "--set", "x=1"], ["unset", "x"], ["remove"]):
+            result = tarn(arguments[0], self.path("none.xml"), *arguments[1:], "--p", "x=>1")
+            self.assertEqual((result.returncode, result.stdout), (64, b""), result.stderr)
 
     def test_nothing_selected_has_status_4(self):
         self.expect_refused(tarn("set", self.source, "--dn", "Z", "--set", "x=1", "--in-place"), 4,

@@ -27,6 +27,21 @@ RED_ERROR = b"\x1b[1;31merror:\x1b[0m"
 LONGER_THAN_UNSHOWN = 1.4
 
 
+def read_terminal(controller):
+    """Returns what is written to a pseudo-terminal until its other end is closed."""
+    output = b""
+    while True:
+        try:
+            block = os.read(controller, 65536)
+        except OSError:  # the other end is closed
+            break
+        if not block:
+            break
+        output += block
+    os.close(controller)
+    return output
+
+
 def on_terminal(*arguments, terminal_for="both", environment=None, feed=None, columns=0):
     """Runs the command on a pseudo-terminal; returns its status and its output.
 
@@ -42,16 +57,7 @@ def on_terminal(*arguments, terminal_for="both", environment=None, feed=None, co
     os.close(slave)
     feeder = threading.Thread(target=feed or (lambda: None))
     feeder.start()
-    output = b""
-    while True:
-        try:
-            block = os.read(master, 65536)
-        except OSError:  # the other end is closed
-            break
-        if not block:
-            break
-        output += block
-    os.close(master)
+    output = read_terminal(master)
     feeder.join()
     return process.wait(), output
 
@@ -291,16 +297,7 @@ class QuestionTest(CommandCase):
                                    stdin=terminal, stdout=subprocess.DEVNULL, stderr=terminal)
         os.close(terminal)
         os.write(controller, answer)
-        shown = b""
-        while True:
-            try:
-                block = os.read(controller, 4096)
-            except OSError:  # the other end is closed
-                break
-            if not block:
-                break
-            shown += block
-        os.close(controller)
+        shown = read_terminal(controller)
         return process.wait(), shown.decode()
 
     def test_no_answer_but_yes_leaves_the_file(self):

@@ -123,7 +123,9 @@ class Application {
   std::string assign(const ValuePath& path, const std::string& value,
                      LibTarnManagedObject& object) {
     Assigned assigned = assignValue(path, value, object);
-    if (assigned == Assigned::SeveralValues) return severalValuesMessage(path.text());
+    if (assigned == Assigned::IsList || assigned == Assigned::IsItem) {
+      return severalValuesMessage(assigned, path.text());
+    }
     const bool isCreated = assigned == Assigned::Lacking && request_.create &&
                            createValue(path, false, value, object, document_);
     if (isCreated) assigned = Assigned::Changed;

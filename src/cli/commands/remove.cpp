@@ -64,8 +64,9 @@ std::string reportOf(const std::string& path, const Selector::Objects& objects, 
 Status removeObjects(const RemoveRequest& request) {
   const Selection selection = selectionOf(request);
   requireSelection(selection, request.edit);
+  Selector selector(selection);
   Edit edit(request.file, request.edit);
-  Selector::Objects objects = edit.select(selection);
+  Selector::Objects objects = edit.select(selector);
   const Selector::Objects below = objectsBelow(edit.document(), namesOf(objects));
   if (request.recursive) {
     objects.insert(objects.end(), below.begin(), below.end());

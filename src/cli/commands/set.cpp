@@ -25,9 +25,10 @@ Status setValues(const SetRequest& request) {
         "change, --p, --class and --version select");
   }
   requireSelection(request.selection, request.edit);
-  Changer changer(request.changes, request.selection, request.file);
+  Selector selector(request.selection);
+  Changer changer(request.changes, selector, request.file);
   Edit edit(request.file, request.edit);
-  const Selector::Objects objects = edit.select(request.selection);
+  const Selector::Objects objects = edit.select(selector);
   edit.confirm(objects.size());
   for (LibTarnManagedObject* object : objects) changer.change(*object, edit.document());
   changer.requireEachValue();

@@ -76,8 +76,9 @@ class Remover {
 Status unsetValues(const UnsetRequest& request) {
   requireSelection(request.selection, request.edit);
   Remover remover(request);
+  Selector selector(request.selection);
   Edit edit(request.file, request.edit);
-  const Selector::Objects objects = edit.select(request.selection);
+  const Selector::Objects objects = edit.select(selector);
   edit.confirm(objects.size());
   for (LibTarnManagedObject* object : objects) remover.removeFrom(*object);
   remover.counts().requireEachValue();

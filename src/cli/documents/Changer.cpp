@@ -1,6 +1,5 @@
 #include "documents/Changer.hpp"
 
-#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -55,13 +54,13 @@ void requireAttribute(const std::string& option, const std::string& text) {
 
 }  // namespace
 
-Changer::Changer(const Changes& changes, const Selection& selection, const std::string& path)
+Changer::Changer(const Changes& changes, const Selector& selector, const std::string& path)
     : path_(path), creates_(changes.create), counts_(path, "set") {
   for (const std::string& value : changes.values) readAssignment(value);
   makeAttributes(changes);
   if (changes.file.empty()) return;
   values_.emplace(changes.file);
-  readValues(selection);
+  readValues(selector);
 }
 
 void Changer::readAssignment(const std::string& text) {
@@ -98,7 +97,7 @@ void Changer::makeAttributes(const Changes& changes) {
   anything_ = &patternOf(own_, ANY_NAME);
 }
 
-void Changer::readValues(const Selection& selection) {
+void Changer::readValues(const Selector& selector) {
   const LibTarnManagedObject& values = values_->object();
   for (const auto& entry : values.getScalarParameters()) {
     const std::string name(entry.first);
@@ -108,13 +107,8 @@ void Changer::readValues(const Selection& selection) {
     const std::string name(entry.first);
     newValues_.push_back({name, textAt(entry.second), true, counts_.addValue(name)});
   }
-  if (!selection.maskFile.empty()) {
-    mask_.emplace(selection.maskFile);
-    pattern_ = &mask_->object();
-  } else {
-    pattern_ =
-        &patternOf(own_, selection.nameParts.size() == 1 ? selection.nameParts.front() : ANY_NAME);
-  }
+  const std::string& part = selector.namePart();
+  pattern_ = selector.mask() ? selector.mask() : &patternOf(own_, part.empty() ? ANY_NAME : part);
 }
 
 void Changer::change(LibTarnManagedObject& object, Document& document) {
@@ -130,10 +124,10 @@ void Changer::assign(const Assignment& assignment, LibTarnManagedObject& object,
   const Assigned assigned = assignValue(assignment.path, assignment.value, object);
   if (assigned == Assigned::Equal) return counts_.noteEqual();
   if (assigned == Assigned::Changed) return counts_.noteChanged();
-  if (assigned == Assigned::SeveralValues) {
+  if (assigned == Assigned::IsList || assigned == Assigned::IsItem) {
     throw CommandError(Status::NothingMatched,
                        subjectOf(path_, textOrEmpty(object.getDistName().getText())),
-                       severalValuesMessage(assignment.path.text()));
+                       severalValuesMessage(assigned, assignment.path.text()));
   }
   const bool isCreated = creates_ && createValue(assignment.path, assignment.isQuoted,
                                                  assignment.value, object, document);
@@ -141,15 +135,7 @@ void Changer::assign(const Assignment& assignment, LibTarnManagedObject& object,
 }
 
 void Changer::setAttributes(LibTarnManagedObject& object) {
-  const auto differs = [](const char* wanted, const char* held) {
-    return std::string_view(textOrEmpty(wanted)) != ANY_TEXT &&
-           (!held || std::string_view(textOrEmpty(wanted)) != held);
-  };
-  const bool isChange = differs(attributes_->getClass(), object.getClass()) ||
-                        differs(attributes_->getVersion(), object.getVersion());
-  if (!isChange) return counts_.noteEqual();
-  apply(*anything_, *attributes_, object);
-  counts_.noteChanged();
+  if (applyAndCount(*anything_, *attributes_, object) == 0) counts_.noteEqual();
 }
 
 void Changer::changeToValues(LibTarnManagedObject& object) {
@@ -166,12 +152,23 @@ void Changer::changeToValues(LibTarnManagedObject& object) {
       counts_.noteChanged();
     }
   }
+  applyAndCount(*pattern_, lacking.empty() ? values_->object() : valuesWithout(lacking), object);
+}
+
+// Returns how many attributes have changed.
+std::size_t Changer::applyAndCount(const LibTarnManagedObject& pattern,
+                                   const LibTarnManagedObject& values,
+                                   LibTarnManagedObject& object) {
   const std::vector<std::string> before = attributesOf(object);
-  apply(*pattern_, lacking.empty() ? values_->object() : valuesWithout(lacking), object);
+  apply(pattern, values, object);
   const std::vector<std::string> after = attributesOf(object);
+  std::size_t changed = 0;
   for (std::size_t i = 0; i < before.size(); ++i) {
-    if (before[i] != after[i]) counts_.noteChanged();
+    if (before[i] == after[i]) continue;
+    counts_.noteChanged();
+    ++changed;
   }
+  return changed;
 }
 
 const LibTarnManagedObject& Changer::valuesWithout(const std::vector<const NewValue*>& lacking) {

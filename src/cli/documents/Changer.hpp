@@ -15,16 +15,17 @@
 
 namespace tarn {
 
-struct Selection;
+class Selector;
 
 /// Makes changes in the managed objects of a document. An object that lacks a value stays without
 /// it, unless the changes create values.
 class Changer {
  public:
   /// Reads the changes. `path` is the file that is changed. A name in a document of new values
-  /// replaces, in the names of the objects, the text that `selection` looks for. Throws
-  /// CommandError for what cannot be read, and for values that XML does not allow.
-  Changer(const Changes& changes, const Selection& selection, const std::string& path);
+  /// replaces, in the names of the objects, the text that `selector` looks for, which must outlive
+  /// the changer. Throws CommandError for what cannot be read, and for values that XML does not
+  /// allow.
+  Changer(const Changes& changes, const Selector& selector, const std::string& path);
 
   /// Changes one object of `document`. Throws CommandError for a change that breaks a rule of the
   /// model.
@@ -51,7 +52,7 @@ class Changer {
   };
 
   void readAssignment(const std::string& text);
-  void readValues(const Selection& selection);
+  void readValues(const Selector& selector);
   void makeAttributes(const Changes& changes);
   void assign(const Assignment& assignment, libtarn::model::LibTarnManagedObject& object,
               Document& document);
@@ -59,6 +60,9 @@ class Changer {
   const libtarn::model::LibTarnManagedObject& valuesWithout(
       const std::vector<const NewValue*>& lacking);
   void setAttributes(libtarn::model::LibTarnManagedObject& object);
+  std::size_t applyAndCount(const libtarn::model::LibTarnManagedObject& pattern,
+                            const libtarn::model::LibTarnManagedObject& values,
+                            libtarn::model::LibTarnManagedObject& object);
   void apply(const libtarn::model::LibTarnManagedObject& pattern,
              const libtarn::model::LibTarnManagedObject& values,
              libtarn::model::LibTarnManagedObject& object) const;
@@ -72,7 +76,6 @@ class Changer {
   const libtarn::model::LibTarnManagedObject* anything_ = nullptr;    // a mask
   std::optional<Mask> values_;
   std::vector<NewValue> newValues_;
-  std::optional<Mask> mask_;
   const libtarn::model::LibTarnManagedObject* pattern_ = nullptr;  // the name that is replaced
   // The values without those that some object lacks, by the numbers of what they are without.
   std::map<std::string, libtarn::model::LibTarnManagedObject*> valuesWithout_;

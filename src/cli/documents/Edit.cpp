@@ -57,8 +57,7 @@ Edit::Edit(const std::string& path, const EditOptions& options)
   loadDocument(file_, document_);
 }
 
-Selector::Objects Edit::select(const Selection& selection) {
-  Selector selector(selection);
+Selector::Objects Edit::select(Selector& selector) const {
   Selector::Objects objects = selector.select(document_);
   selector.requireFound(path_, objects.size());
   return objects;

@@ -30,7 +30,7 @@ class Edit {
 
   Document& document() { return document_; }
   /// Returns the selected objects, in the order of the text.
-  Selector::Objects select(const Selection& selection);
+  Selector::Objects select(Selector& selector) const;
   /// Asks the user, in a terminal, before more than 1,000 objects are changed.
   void confirm(std::size_t count) const;
   bool isDryRun() const { return options_.dryRun.isAsked; }

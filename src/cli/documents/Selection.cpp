@@ -85,6 +85,7 @@ Selector::Selector(const Selection& selection) : invert_(selection.invert) {
   }
   addNames(selection);
   if (!selection.maskFile.empty()) mask_.emplace(selection.maskFile);
+  if (selection.nameParts.size() == 1) namePart_ = selection.nameParts.front();
 }
 
 void Selector::addOption(const char* name, const std::vector<std::string>& values, Test isMet) {

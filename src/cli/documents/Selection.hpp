@@ -45,6 +45,13 @@ class Selector {
   /// be read.
   explicit Selector(const Selection& selection);
 
+  /// The mask, or null without one.
+  const libtarn::model::LibTarnManagedObject* mask() const {
+    return mask_ ? &mask_->object() : nullptr;
+  }
+  /// The text that names must contain; "" unless it is exactly one.
+  const std::string& namePart() const { return namePart_; }
+
   /// Returns true if `object` is selected.
   bool selects(const libtarn::model::LibTarnManagedObject& object);
   /// Returns the selected objects of `document`, in the order of the text.
@@ -93,6 +100,7 @@ class Selector {
   std::list<Wanted> names_;
   std::unordered_map<std::string_view, Wanted*> exactNames_;  // of names_
   std::optional<Mask> mask_;
+  std::string namePart_;
   bool invert_;
 };
 

@@ -11,6 +11,7 @@ namespace tarn {
 using libtarn::model::LibTarnDocument;
 using libtarn::model::LibTarnExtension;
 using libtarn::model::LibTarnManagedObject;
+using libtarn::model::List;
 using libtarn::model::Scalar;
 
 bool isBlank(const std::string& value) {
@@ -22,14 +23,15 @@ Assigned assignValue(const ValuePath& path, const std::string& value,
   const ValuePath::Place place = path.find(object);
   if (std::holds_alternative<std::monostate>(place)) return Assigned::Lacking;
   Scalar* const* const scalar = std::get_if<Scalar*>(&place);
-  if (!scalar) return Assigned::SeveralValues;
+  if (std::holds_alternative<List*>(place)) return Assigned::IsList;
+  if (!scalar) return Assigned::IsItem;
   if (value == (*scalar)->getValue()) return Assigned::Equal;
   (*scalar)->setValue(value.c_str());
   return Assigned::Changed;
 }
 
-std::string severalValuesMessage(const std::string& path) {
-  const bool isItem = !path.empty() && path.back() == ']';
+std::string severalValuesMessage(Assigned assigned, const std::string& path) {
+  const bool isItem = assigned == Assigned::IsItem;
   return "'" + path + "' is " + (isItem ? "an item; " : "a list; ") + path +
          (isItem ? ".COMPONENT" : "[1]") + " is one value of it";
 }

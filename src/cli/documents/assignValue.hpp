@@ -14,17 +14,18 @@ bool isBlank(const std::string& value);
 /// What an assignment did.
 enum class Assigned {
   Changed,
-  Equal,          ///< The object had the value already.
-  Lacking,        ///< The object has nothing at the path; nothing has changed.
-  SeveralValues,  ///< A list or an item is at the path; nothing has changed.
+  Equal,    ///< The object had the value already.
+  Lacking,  ///< The object has nothing at the path; nothing has changed.
+  IsList,   ///< A list is at the path; nothing has changed.
+  IsItem,   ///< An item is at the path; nothing has changed.
 };
 
 /// Sets the value at `path` in `object`.
 Assigned assignValue(const ValuePath& path, const std::string& value,
                      libtarn::model::LibTarnManagedObject& object);
 
-/// The message for a path that leads to a list or an item.
-std::string severalValuesMessage(const std::string& path);
+/// The message for a path that leads to a list or an item, which `assigned` says.
+std::string severalValuesMessage(Assigned assigned, const std::string& path);
 
 /// Adds the value to `object`, an object of `document` that has nothing at `path`: a parameter, or
 /// a parameter of an extension that the object has. A path into a list or an extension is not taken
