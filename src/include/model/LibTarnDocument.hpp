@@ -81,10 +81,10 @@ class TARN_API LibTarnDocument {
   /// An object, and everything in it, may be read until `visit()` returns, and must not be changed.
   /// Texts in it, such as its name, are valid as long as `text` is, which is parsed in place and
   /// stays the caller's. Returns true when every object was visited. Returns false for a text that
-  /// cannot be read in this way, such as one with malformed XML or a broken rule of the model: what
-  /// was visited then counts for nothing, and parse() of the unchanged text gives the reason. Does
-  /// not validate, and logs nothing. Throws what `visit()` throws, and std::bad_alloc without
-  /// memory.
+  /// cannot be read in this way, such as one that parse() refuses without validation: what was
+  /// visited then counts for nothing, and parse() of the unchanged text loads it or gives the
+  /// reason. Does not validate, and logs nothing. Throws what `visit()` throws, and std::bad_alloc
+  /// without memory.
   template <class Visit>
   static bool visitObjects(std::vector<char>& text, Visit visit) {
     return visitObjects(
